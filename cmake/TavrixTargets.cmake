@@ -1,0 +1,56 @@
+# How a folder of the program becomes a library and its tests a program of their own.
+
+include(GoogleTest)
+find_package(GTest REQUIRED)
+find_package(Threads REQUIRED)
+
+set(TAVRIX_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+
+# What the toolkit and the font library keep for the life of a process is no leak of ours.
+set(TAVRIX_TEST_ENVIRONMENT
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1")
+
+# tavrix_library(NAME [DEPENDS target...]): the sources of the current folder as tavrix::NAME.
+# No exceptions and no run-time type information above the platform.
+function(tavrix_library name)
+  cmake_parse_arguments(ARG "" "" "DEPENDS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+  add_library(tavrix_${name} STATIC ${sources} ${headers})
+  add_library(tavrix::${name} ALIAS tavrix_${name})
+  target_include_directories(tavrix_${name} PUBLIC ${CMAKE_SOURCE_DIR})
+  target_compile_options(tavrix_${name} PRIVATE ${TAVRIX_STRICT_OPTIONS}
+                         $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>)
+  target_link_libraries(tavrix_${name} PUBLIC tavrix::device ${ARG_DEPENDS})
+endfunction()
+
+# tavrix_tests(NAME LABEL layer SOURCES file... LIBRARIES target...): a GoogleTest program whose
+# tests CTest knows one by one under the label of their layer. Without SOURCES: tests/*.cpp.
+# Each test gets a home of its own, so that none sees the user's files or another test's.
+# Built without run-time type information, as what they derive from; RTTI asks for it.
+function(tavrix_tests name)
+  cmake_parse_arguments(ARG "RTTI" "LABEL;TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+  if(NOT ARG_SOURCES)
+    file(GLOB ARG_SOURCES CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/*.cpp)
+  endif()
+  if(NOT ARG_LABEL)
+    set(ARG_LABEL unit)
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Wshadow)
+  if(NOT ARG_RTTI)
+    target_compile_options(${name} PRIVATE -fno-rtti)
+  endif()
+  target_compile_definitions(${name} PRIVATE TAVRIX_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+                             TAVRIX_BINARY_DIR="${CMAKE_BINARY_DIR}" ${ARG_DEFINITIONS})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}."
+                       PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
+                       ENVIRONMENT "${TAVRIX_TEST_ENVIRONMENT}")
+endfunction()

@@ -1,0 +1,86 @@
+#include "foundation/MemoryGauge.h"
+#include "platform/testing/Testing.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+using tavrix::testing::Scope;
+using tavrix::testing::SetFreeMemory;
+
+namespace
+{
+
+constexpr u32 Reserve = 640 * 1024;
+
+struct Free {
+    explicit Free(unsigned long long bytes)
+    {
+        SetFreeMemory(bytes);
+        MemoryGauge::Sample();
+    }
+    Scope scope;
+};
+
+} // namespace
+
+TEST(MemoryGauge, HasASampleBeforeMain)
+{
+    // The host that runs the tests has more than the reserve; a gauge never sampled reads 0.
+    EXPECT_EQ(1, MemoryGauge::HasRoomFor(0));
+}
+
+TEST(MemoryGauge, ExactlyTheNeedAndTheReserveIsNoRoom)
+{
+    Free free(1000 + Reserve);
+    EXPECT_EQ(-1, MemoryGauge::HasRoomFor(1000));
+    EXPECT_EQ(1, MemoryGauge::HasRoomFor(999));
+}
+
+TEST(MemoryGauge, KeepsItsReserve)
+{
+    Free free(Reserve);
+    EXPECT_EQ(-1, MemoryGauge::HasRoomFor(0));
+    SetFreeMemory(Reserve + 1);
+    MemoryGauge::Sample();
+    EXPECT_EQ(1, MemoryGauge::HasRoomFor(0));
+}
+
+TEST(MemoryGauge, ComparesWithTheLastSampleAndNotWithTheDevice)
+{
+    Free free(10 * Reserve);
+    SetFreeMemory(0);
+    EXPECT_EQ(1, MemoryGauge::HasRoomFor(Reserve));
+    MemoryGauge::Sample();
+    EXPECT_EQ(-1, MemoryGauge::HasRoomFor(Reserve));
+}
+
+TEST(MemoryGauge, MoreThan32BitsOfMemoryIsNotTruncated)
+{
+    Free free(0x100000000ull + 5);
+    EXPECT_EQ(1, MemoryGauge::HasRoomFor(0x7FFFFFFF));
+}
+
+TEST(MemoryGauge, ANeedNearTheTopOf32BitsDoesNotWrap)
+{
+    Free free(0xFFFFFFFFull);
+    EXPECT_EQ(-1, MemoryGauge::HasRoomFor(0xFFFFFFFF));
+    EXPECT_EQ(-1, MemoryGauge::HasRoomFor(0xFFFFFFFF - Reserve));
+    EXPECT_EQ(1, MemoryGauge::HasRoomFor(0xFFFFFFFE - Reserve));
+}
+
+TEST(MemoryGauge, ATickOfTheMessageLoopTakesANewSample)
+{
+    Free free(10 * Reserve);
+    SetFreeMemory(0);
+    // The loop's own test of time, so that a gauge without a timer fails and does not hang.
+    const UINT_PTR guard = SetTimer(nullptr, 0, 2000, nullptr);
+    MSG message{};
+    while (MemoryGauge::HasRoomFor(0) > 0 && GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (message.message == WM_TIMER && message.wParam == guard)
+            break;
+        DispatchMessageW(&message);
+    }
+    KillTimer(nullptr, guard);
+    EXPECT_EQ(-1, MemoryGauge::HasRoomFor(0));
+}

@@ -1,0 +1,22 @@
+// Rectangles of the pixel operations: left, top, right, bottom, inclusive on all sides, in pixels.
+#pragma once
+
+#include "foundation/Result.h"
+
+struct PixelRect {
+    i32 left;
+    i32 top;
+    i32 right;
+    i32 bottom;
+};
+
+struct DoubleRect {
+    f64 left;
+    f64 top;
+    f64 right;
+    f64 bottom;
+};
+
+/// Orders the rectangle in place: left <= right and top <= bottom. BadArgument for null, else Done.
+i32 NormalizeRect(PixelRect* rectangle);
+i32 NormalizeDoubleRect(DoubleRect* rectangle);

@@ -1,0 +1,41 @@
+// A time-out of the interface as a point of the host's steady clock.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+
+namespace tavrix::platform
+{
+
+class Deadline
+{
+public:
+    /// From now on. INFINITE never passes; 0 has passed already.
+    explicit Deadline(DWORD milliseconds)
+    {
+        if (milliseconds != INFINITE)
+            end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    }
+
+    bool HasPassed() const { return end && std::chrono::steady_clock::now() >= *end; }
+
+    /// Waits until `ready` answers true; false when the time came first.
+    template <class Ready>
+    bool WaitOn(std::condition_variable& condition, std::unique_lock<std::mutex>& held,
+                Ready ready) const
+    {
+        if (end)
+            return condition.wait_until(held, *end, ready);
+        condition.wait(held, ready);
+        return true;
+    }
+
+private:
+    std::optional<std::chrono::steady_clock::time_point> end;
+};
+
+} // namespace tavrix::platform

@@ -1,0 +1,108 @@
+// The objects behind the drawing calls: bitmaps, brushes and device contexts, each under a handle
+// with a generation in it, never an address. All of it works in memory, without a toolkit; the
+// window part puts in WindowSurfaces so that contexts of windows lead to their pictures.
+//
+// The table is safe from any thread. An object is used by one thread at a time, as on the device.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace tavrix::platform
+{
+
+/// Pixels in memory. Row y begins at `top + y * stride`; a bottom-up picture has a negative stride.
+struct Surface {
+    uint8_t* top = nullptr;
+    ptrdiff_t stride = 0;
+    int width = 0;
+    int height = 0;
+    int depth = 0;                   // bits a pixel: 1, 2, 4, 8 through `colors`; 24 BGR; 32 BGRX
+    const RGBQUAD* colors = nullptr; // 1 << depth entries, for the depths that need them
+    bool bottomUp = false;
+
+    uint8_t* Row(int y) const { return top + y * stride; }
+};
+
+struct GdiObject {
+    enum class Kind { Bitmap, Brush, Font, Pen };
+    explicit GdiObject(Kind what) : kind(what) {}
+    virtual ~GdiObject() = default;
+    const Kind kind;
+    bool stock = false;       // DeleteObject leaves it alone
+    HDC selectedIn = nullptr; // bitmaps: the one context that holds it
+};
+
+struct Bitmap : GdiObject {
+    Bitmap() : GdiObject(Kind::Bitmap) {}
+    ~Bitmap() override;
+    Surface surface;
+    std::vector<RGBQUAD> colors;
+    void* memory = nullptr;
+};
+
+struct Brush : GdiObject {
+    Brush() : GdiObject(Kind::Brush) {}
+    COLORREF color = 0;
+    bool hollow = false; // paints nothing
+};
+
+/// A stock object without content of its own: the default font.
+struct PlainObject : GdiObject {
+    explicit PlainObject(Kind what) : GdiObject(what) {}
+};
+
+struct DeviceContext {
+    bool memory = false;   // made by CreateCompatibleDC
+    HWND window = nullptr; // of a window's context; null in one of the screen
+    HGDIOBJ bitmap = nullptr;
+    HGDIOBJ brush = nullptr;
+    HGDIOBJ font = nullptr;
+    HGDIOBJ pen = nullptr;
+};
+
+/// A new handle for `object`; null when there is no memory.
+HGDIOBJ AddGdiObject(std::shared_ptr<GdiObject> object);
+/// The object behind a handle; empty for a stale, null or foreign one.
+std::shared_ptr<GdiObject> FindGdiObject(HGDIOBJ handle);
+/// Takes the object out of the table. False for stock objects and unknown handles.
+bool RemoveGdiObject(HGDIOBJ handle);
+/// The device context behind a handle; empty for a stale, null or foreign one.
+std::shared_ptr<DeviceContext> FindDeviceContext(HDC handle);
+/// A new context; null when there is no memory.
+HDC AddDeviceContext(std::shared_ptr<DeviceContext> context);
+bool RemoveDeviceContext(HDC handle);
+
+/// A brush's colour. False when the handle is no brush or the brush paints nothing.
+bool BrushColor(HGDIOBJ brush, COLORREF* color);
+
+/// How drawing reaches windows. On the user-interface thread.
+struct WindowSurfaces {
+    /// The window's client picture (null window: the screen), for writing or, with `forWriting`
+    /// false, for reading what the person sees. False when there is none.
+    bool (*find)(HWND window, bool forWriting, Surface* surface) = nullptr;
+    /// The rectangle of the picture was drawn to.
+    void (*drawn)(HWND window, const RECT& area) = nullptr;
+};
+void SetWindowSurfaces(const WindowSurfaces& surfaces);
+
+/// The pixels a context draws to or is read from. The lifetime of a bitmap's is up to `keep`.
+bool ContextSurface(const DeviceContext& context, bool forWriting, Surface* surface,
+                    std::shared_ptr<GdiObject>* keep);
+/// Tells the window part of drawing; nothing for memory contexts.
+void ContextDrawn(const DeviceContext& context, const RECT& area);
+
+/// One pixel's colour, and its reverse: an indexed picture takes the nearest entry.
+COLORREF ReadPixel(const Surface& surface, int x, int y);
+void WritePixel(const Surface& surface, int x, int y, COLORREF color);
+/// Fills a rectangle that lies inside the surface.
+void FillArea(const Surface& surface, const RECT& area, COLORREF color);
+/// Copies pixels; both rectangles lie inside their surfaces.
+void CopyPixels(const Surface& target, int x, int y, int width, int height, const Surface& source,
+                int sourceX, int sourceY);
+
+} // namespace tavrix::platform

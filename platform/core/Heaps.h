@@ -1,0 +1,14 @@
+// What the program holds in the device's heaps and global blocks, which is what the figure of
+// available memory is reduced by.
+#pragma once
+
+#include <cstddef>
+
+namespace tavrix::platform
+{
+
+/// The bytes asked for and not given back, over every heap and all global blocks; headers are not
+/// counted. Any thread, costs one load.
+size_t HeldBytes();
+
+} // namespace tavrix::platform

@@ -1,0 +1,84 @@
+// The device's drawing calls: device contexts, DIB sections and block transfer. A memory context
+// may be used from any thread, a window's only on the user-interface thread. Included through
+// <windows.h> only.
+#pragma once
+
+#include "device/Base.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define SRCCOPY 0x00CC0020u
+#define BLACKNESS 0x00000042u
+#define WHITENESS 0x00FF0062u
+#define BI_RGB 0u
+#define DIB_RGB_COLORS 0u
+#define WHITE_BRUSH 0
+#define LTGRAY_BRUSH 1
+#define GRAY_BRUSH 2
+#define DKGRAY_BRUSH 3
+#define BLACK_BRUSH 4
+#define NULL_BRUSH 5
+#define SYSTEM_FONT 13
+#define HGDI_ERROR ((HANDLE)(LONG_PTR)-1)
+
+typedef struct tagBITMAPINFOHEADER
+{
+    DWORD biSize;
+    LONG biWidth;
+    LONG biHeight;
+    WORD biPlanes;
+    WORD biBitCount;
+    DWORD biCompression;
+    DWORD biSizeImage;
+    LONG biXPelsPerMeter;
+    LONG biYPelsPerMeter;
+    DWORD biClrUsed;
+    DWORD biClrImportant;
+} BITMAPINFOHEADER, *LPBITMAPINFOHEADER;
+
+typedef struct tagRGBQUAD
+{
+    BYTE rgbBlue;
+    BYTE rgbGreen;
+    BYTE rgbRed;
+    BYTE rgbReserved;
+} RGBQUAD;
+
+typedef struct tagBITMAPINFO
+{
+    BITMAPINFOHEADER bmiHeader;
+    RGBQUAD bmiColors[1];
+} BITMAPINFO, *LPBITMAPINFO;
+
+typedef struct tagBITMAP
+{
+    LONG bmType;
+    LONG bmWidth;
+    LONG bmHeight;
+    LONG bmWidthBytes;
+    WORD bmPlanes;
+    WORD bmBitsPixel;
+    LPVOID bmBits;
+} BITMAP, *LPBITMAP;
+
+CE_API HDC WINAPI GetDC(HWND window);
+CE_API int WINAPI ReleaseDC(HWND window, HDC dc);
+CE_API HDC WINAPI CreateCompatibleDC(HDC dc);
+CE_API BOOL WINAPI DeleteDC(HDC dc);
+CE_API HGDIOBJ WINAPI SelectObject(HDC dc, HGDIOBJ object);
+CE_API BOOL WINAPI DeleteObject(HGDIOBJ object);
+CE_API int WINAPI GetObjectW(HANDLE object, int size, LPVOID record);
+CE_API HGDIOBJ WINAPI GetStockObject(int index);
+CE_API HBRUSH WINAPI CreateSolidBrush(COLORREF color);
+CE_API HBITMAP WINAPI CreateDIBSection(HDC dc, const BITMAPINFO* info, UINT usage, void** bits,
+                                       HANDLE section, DWORD offset);
+CE_API BOOL WINAPI BitBlt(HDC target, int x, int y, int width, int height, HDC source, int sourceX,
+                          int sourceY, DWORD operation);
+CE_API int WINAPI FillRect(HDC dc, const RECT* rectangle, HBRUSH brush);
+CE_API COLORREF WINAPI GetPixel(HDC dc, int x, int y);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,42 @@
+#include "platform/qt/ControlSupport.h"
+
+#include "platform/qt/Window.h"
+
+#include <QWidget>
+
+namespace tavrix::platform
+{
+
+bool HandleCommonMessage(Window& window, UINT message, WPARAM wParam, LPARAM lParam,
+                         LRESULT* result, bool* changed)
+{
+    *changed = false;
+    *result = 0;
+    switch (message) {
+    case WM_SETTEXT: {
+        const auto* text = reinterpret_cast<const WCHAR*>(lParam);
+        std::u16string wanted = text != nullptr ? text : TEXT("");
+        if (wanted != window.text) {
+            window.text = std::move(wanted);
+            *changed = true;
+        }
+        *result = TRUE;
+        return true;
+    }
+    case WM_ENABLE:
+        window.widget->setEnabled(wParam != 0);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void NotifyParent(HWND control, WORD code)
+{
+    const HWND parent = GetParent(control);
+    if (parent != nullptr)
+        SendMessageW(parent, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), code),
+                     reinterpret_cast<LPARAM>(control));
+}
+
+} // namespace tavrix::platform

@@ -1,0 +1,21 @@
+// What the stock controls have in common: their text, their state and their word to the parent.
+// User-interface thread.
+#pragma once
+
+#include <windows.h>
+
+namespace tavrix::platform
+{
+
+struct Window;
+
+/// Handles the messages that all controls treat alike (WM_SETTEXT, WM_ENABLE). True when the
+/// message was one of them; `*changed` tells whether the text is another one now. Setting a text
+/// that the control already holds changes nothing.
+bool HandleCommonMessage(Window& window, UINT message, WPARAM wParam, LPARAM lParam,
+                         LRESULT* result, bool* changed);
+
+/// Sends WM_COMMAND with a notify code to the control's parent, which may destroy the control.
+void NotifyParent(HWND control, WORD code);
+
+} // namespace tavrix::platform

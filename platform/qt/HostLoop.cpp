@@ -1,0 +1,104 @@
+#include "platform/qt/HostLoop.h"
+
+#include "platform/core/MessageQueue.h"
+#include "platform/qt/Backing.h"
+#include "platform/qt/Graveyard.h"
+#include "platform/qt/Shot.h"
+#include "platform/qt/Signals.h"
+#include "platform/qt/StartupLog.h"
+#include "platform/qt/Window.h"
+
+#include <QAbstractEventDispatcher>
+#include <QBasicTimer>
+#include <QCoreApplication>
+#include <QObject>
+#include <QTimerEvent>
+
+#include <atomic>
+
+namespace tavrix::platform
+{
+namespace
+{
+
+// Ends a wait at a point in time.
+class Alarm : public QObject
+{
+public:
+    void Set(int milliseconds) { timer.start(milliseconds, Qt::PreciseTimer, this); }
+    void Clear() { timer.stop(); }
+
+protected:
+    void timerEvent(QTimerEvent*) override { timer.stop(); }
+
+private:
+    QBasicTimer timer;
+};
+
+std::atomic<QAbstractEventDispatcher*> dispatcher{nullptr};
+Alarm* alarmClock = nullptr;
+
+void Wait(int milliseconds)
+{
+    QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents;
+    if (milliseconds != 0)
+        flags |= QEventLoop::WaitForMoreEvents;
+    if (milliseconds > 0)
+        alarmClock->Set(milliseconds);
+    dispatcher.load()->processEvents(flags);
+    // A loop inside may have used the alarm for itself; the queue wakes this one up then.
+    alarmClock->Clear();
+    LogFirstPaint();
+}
+
+void Pump()
+{
+    dispatcher.load()->processEvents(QEventLoop::AllEvents);
+    LogFirstPaint();
+}
+
+void Wake()
+{
+    dispatcher.load()->wakeUp();
+}
+
+void Outermost()
+{
+    EmptyGraveyard();
+    // With no exec() on the stack nobody else carries these out.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    PassSignalOn();
+}
+
+void Idle()
+{
+    if (!StartIsOver())
+        return;
+    LogStartOver();
+    TakeShot();
+}
+
+bool MayTakeInput(HWND window)
+{
+    const Window* record = FindWindowRecord(window);
+    return record != nullptr && TakesInput(*record);
+}
+
+} // namespace
+
+void InstallHostLoop()
+{
+    dispatcher = QAbstractEventDispatcher::instance();
+    alarmClock = new Alarm;
+    HostLoop loop;
+    loop.wait = Wait;
+    loop.pump = Pump;
+    loop.wake = Wake;
+    loop.nextPaint = NextWindowToPaint;
+    loop.takesInput = MayTakeInput;
+    loop.outermost = Outermost;
+    loop.idle = Idle;
+    SetHostLoop(loop);
+}
+
+} // namespace tavrix::platform

@@ -1,0 +1,136 @@
+// The class msctls_progress32: a bar from a lowest to a highest position. A worker that reports by
+// SendMessageW waits for the answer, so a position that moves no pixel draws nothing, and one that
+// does is on the screen before the answer goes out.
+#include "platform/qt/ControlMessages.h"
+#include "platform/qt/ControlSupport.h"
+#include "platform/qt/StockClasses.h"
+#include "platform/qt/Window.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <QPainter>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace tavrix::platform
+{
+namespace
+{
+
+struct ProgressState {
+    int lowest = 0;
+    int highest = 100;
+    int position = 0;
+};
+
+class ProgressWidget : public QWidget
+{
+public:
+    ProgressWidget(std::shared_ptr<const ProgressState> shown, QWidget* parent)
+        : QWidget(parent), state(std::move(shown))
+    {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+    }
+
+    /// The bar follows the state, at once if it is visible.
+    void Follow()
+    {
+        if (FilledWidth() == drawn)
+            return;
+        if (isVisible())
+            repaint();
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        drawn = FilledWidth();
+        painter.setPen(QColor(0x80, 0x80, 0x80));
+        painter.setBrush(Qt::white);
+        painter.drawRect(0, 0, width() - 1, height() - 1);
+        if (drawn > 0)
+            painter.fillRect(1, 1, drawn, height() - 2, QColor(0x30, 0x60, 0xB0));
+    }
+
+private:
+    int FilledWidth() const
+    {
+        const long long inside = width() - 2;
+        const long long range = static_cast<long long>(state->highest) - state->lowest;
+        if (range <= 0 || inside <= 0)
+            return 0;
+        return static_cast<int>(inside * (state->position - state->lowest) / range);
+    }
+
+    // Shared with the window, which may be gone before the widget's last paint.
+    std::shared_ptr<const ProgressState> state;
+    int drawn = -1;
+};
+
+ProgressState& StateOf(Window& window)
+{
+    return *std::static_pointer_cast<ProgressState>(window.extra);
+}
+
+void Follow(Window& window)
+{
+    static_cast<ProgressWidget*>(window.widget)->Follow();
+}
+
+LRESULT SetRange(Window& window, LPARAM range)
+{
+    ProgressState& state = StateOf(window);
+    const LRESULT before = MAKELONG(state.lowest, state.highest);
+    state.lowest = LOWORD(range);
+    state.highest = std::max<int>(state.lowest, HIWORD(range));
+    state.position = std::clamp(state.position, state.lowest, state.highest);
+    Follow(window);
+    return before;
+}
+
+LRESULT SetPosition(Window& window, WPARAM position)
+{
+    ProgressState& state = StateOf(window);
+    const int before = state.position;
+    state.position = std::clamp(static_cast<int>(position), state.lowest, state.highest);
+    Follow(window);
+    return before;
+}
+
+} // namespace
+
+QWidget* MakeProgressWidget(Window& window, QWidget* parent)
+{
+    auto state = std::make_shared<ProgressState>();
+    window.extra = state;
+    auto* widget = new ProgressWidget(std::move(state), parent);
+    widget->setEnabled((window.style & WS_DISABLED) == 0);
+    return widget;
+}
+
+LRESULT CALLBACK ProgressProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    Window* window = FindWindowRecord(handle);
+    if (window == nullptr)
+        return 0;
+    LRESULT result = 0;
+    bool changed = false;
+    if (HandleCommonMessage(*window, message, wParam, lParam, &result, &changed))
+        return result;
+    switch (message) {
+    case PBM_SETRANGE:
+        return SetRange(*window, lParam);
+    case PBM_SETPOS:
+        return SetPosition(*window, wParam);
+    case PBM_GETPOS:
+        return StateOf(*window).position;
+    default:
+        return DefWindowProcW(handle, message, wParam, lParam);
+    }
+}
+
+} // namespace tavrix::platform

@@ -1,0 +1,19 @@
+// The device screen: the one host window, of a fixed size. Its coordinates are the ones that every
+// call of the device's interface uses; one device pixel is one physical pixel.
+#pragma once
+
+#include <QSize>
+
+class QWidget;
+
+namespace tavrix::platform
+{
+
+/// The device screen's size: TAVRIX_SCREEN=WxH, with TAVRIX_FULLSCREEN=1 the whole of the host's,
+/// else four fifths of the desktop's height at 4:3 and at least 640x480. The same for the whole
+/// run.
+QSize ScreenSize();
+/// Brings the host window to the front and gives it the keyboard.
+void ActivateScreen();
+
+} // namespace tavrix::platform

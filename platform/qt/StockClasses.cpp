@@ -1,0 +1,22 @@
+#include "platform/qt/StockClasses.h"
+
+#include "platform/qt/ControlMessages.h"
+#include "platform/qt/Window.h"
+
+namespace tavrix::platform
+{
+
+void RegisterStockClasses()
+{
+    static bool done = false;
+    if (done)
+        return;
+    done = true;
+    RegisterStockClass(DialogClassName, DialogClassProcedure, MakeDialogWidget, true);
+    RegisterStockClass(TEXT("STATIC"), StaticProcedure, MakeStaticWidget);
+    RegisterStockClass(TEXT("BUTTON"), ButtonProcedure, MakeButtonWidget);
+    RegisterStockClass(TEXT("msctls_progress32"), ProgressProcedure, MakeProgressWidget);
+    RegisterStockClass(CommandBarClassName, CommandBarProcedure, MakeCommandBarWidget);
+}
+
+} // namespace tavrix::platform

@@ -1,0 +1,72 @@
+#include "platform/qt/Toolkit.h"
+
+#include "platform/qt/Backing.h"
+#include "platform/qt/DialogFont.h"
+#include "platform/qt/HostLoop.h"
+#include "platform/qt/Input.h"
+#include "platform/qt/Signals.h"
+
+#include <QApplication>
+#include <QByteArray>
+#include <QPalette>
+#include <QStyle>
+#include <QStyleFactory>
+
+#include <clocale>
+
+namespace tavrix::platform
+{
+namespace
+{
+
+bool up = false;
+
+// One device pixel is one physical pixel at any density, whatever the desktop asks for.
+void UnsetScaling()
+{
+    for (const char* name :
+         {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI", "QT_DEVICE_PIXEL_RATIO",
+          "QT_AUTO_SCREEN_SCALE_FACTOR", "QT_SCALE_FACTOR_ROUNDING_POLICY", "QT_USE_PHYSICAL_DPI",
+          "QT_STYLE_OVERRIDE"})
+        qunsetenv(name);
+    qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+}
+
+} // namespace
+
+bool ToolkitIsUp()
+{
+    return up;
+}
+
+void EnsureToolkit()
+{
+    if (up)
+        return;
+    up = true;
+    UnsetScaling();
+    // The other event dispatcher costs ten times as much a message.
+    qputenv("QT_NO_GLIB", "1");
+    QCoreApplication::setApplicationName(QStringLiteral("Tavrix"));
+    QGuiApplication::setDesktopSettingsAware(false);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+
+    static char name[] = "tavrix";
+    static char* arguments[] = {name, nullptr};
+    static int count = 1;
+    // Never deleted: windows and static objects of the program may outlast any place to do it.
+    static const QApplication* application = new QApplication(count, arguments);
+    (void)application;
+    // It took the user's locale over, decimal comma included.
+    std::setlocale(LC_NUMERIC, "C");
+
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    InstallHostLoop();
+    InstallBacking();
+    InstallInput();
+    WatchSignals();
+    QApplication::setFont(DialogFont());
+}
+
+} // namespace tavrix::platform

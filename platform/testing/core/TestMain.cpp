@@ -1,0 +1,70 @@
+// The entry of every test program: gives the run a home of its own and fixed surroundings, so that
+// no test sees the user's files, settings, fonts' language or display.
+
+#include "platform/testing/core/TestHome.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+
+namespace
+{
+
+std::filesystem::path home;
+
+void MakeHome()
+{
+    const char* base = std::getenv("TMPDIR");
+    std::string pattern = std::string(base != nullptr ? base : "/tmp") + "/tavrix-test-XXXXXX";
+    if (mkdtemp(pattern.data()) == nullptr)
+        std::abort();
+    home = pattern;
+    std::filesystem::create_directories(home / "tmp");
+    std::filesystem::create_directories(home / "runtime");
+    std::filesystem::permissions(home / "runtime", std::filesystem::perms::owner_all);
+}
+
+void SetSurroundings()
+{
+    for (const char* name :
+         {"TAVRIX_SCREEN", "TAVRIX_LANG", "TAVRIX_MEMORY", "TAVRIX_STORAGE_CARD", "TAVRIX_SHOT",
+          "TAVRIX_FULLSCREEN", "TAVRIX_STARTUP_LOG", "DISPLAY", "WAYLAND_DISPLAY",
+          "QT_SCALE_FACTOR", "QT_FONT_DPI", "QT_AUTO_SCREEN_SCALE_FACTOR"})
+        unsetenv(name);
+    setenv("HOME", home.c_str(), 1);
+    setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", (home / "runtime").c_str(), 1);
+    setenv("TMPDIR", (home / "tmp").c_str(), 1);
+    setenv("LC_ALL", "C.UTF-8", 1);
+    setenv("TAVRIX_SCREEN", "640x480", 1);
+
+    const std::filesystem::path screen = home / "screen.json";
+    std::ofstream(screen) << R"({"screens":[{"name":"s","x":0,"y":0,"width":1280,"height":1024,)"
+                             R"("logicalDpi":96,"dpr":1}],"windowFrameMargins":false})";
+    setenv("QT_QPA_PLATFORM", ("offscreen:configfile=" + screen.string()).c_str(), 1);
+}
+
+} // namespace
+
+namespace tavrix::testing
+{
+
+std::string TestHome() { return home.string(); }
+
+} // namespace tavrix::testing
+
+int main(int argc, char** argv)
+{
+    MakeHome();
+    SetSurroundings();
+    ::testing::InitGoogleTest(&argc, argv);
+    const int result = RUN_ALL_TESTS();
+    std::error_code ignored;
+    std::filesystem::remove_all(home, ignored);
+    return result;
+}

@@ -1,0 +1,153 @@
+#include "platform/core/MessageQueue.h"
+#include "platform/core/WindowTable.h"
+#include "platform/tests/core/EarlyTimer.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+using namespace tavrix::platform;
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+int ticks = 0;
+UINT_PTR lastId = 0;
+UINT lastMessage = 0;
+
+void CALLBACK CountTick(HWND, UINT message, UINT_PTR id, DWORD)
+{
+    ++ticks;
+    lastId = id;
+    lastMessage = message;
+}
+
+constexpr UINT EarlyPeriod = 5;
+constexpr UINT Never = 1000000;
+
+// Set before main runs, as a static object of the program does.
+const UINT_PTR earlyTimer = SetTimer(nullptr, 0, EarlyPeriod, CountTick);
+
+LRESULT CALLBACK Nothing(HWND, UINT, WPARAM, LPARAM)
+{
+    return 0;
+}
+
+// Runs the loop until `count` timer messages were dispatched, or two seconds are over.
+void RunTicks(int count)
+{
+    const Clock::time_point end = Clock::now() + std::chrono::seconds(2);
+    MSG message;
+    while (ticks < count && Clock::now() < end && GetMessageW(&message, nullptr, 0, 0))
+        DispatchMessageW(&message);
+}
+
+} // namespace
+
+void RestEarlyTimer()
+{
+    SetTimer(nullptr, earlyTimer, Never, CountTick);
+}
+
+void ResumeEarlyTimer()
+{
+    SetTimer(nullptr, earlyTimer, EarlyPeriod, CountTick);
+}
+
+namespace
+{
+
+class TimersTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { RestEarlyTimer(); }
+    void TearDown() override { ResumeEarlyTimer(); }
+};
+
+} // namespace
+
+TEST(Timers, ATimerWithoutAWindowSetBeforeMainFiresOnceALoopRuns)
+{
+    ASSERT_NE(earlyTimer, 0u);
+    ticks = 0;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(ticks, 0) << "fired without a loop";
+    RunTicks(3);
+    EXPECT_EQ(ticks, 3);
+    EXPECT_EQ(lastId, earlyTimer);
+    EXPECT_EQ(lastMessage, static_cast<UINT>(WM_TIMER));
+}
+
+TEST_F(TimersTest, FiveMillisecondsAreKeptOverManyTicks)
+{
+    ticks = 0;
+    const UINT_PTR id = SetTimer(nullptr, 0, 5, CountTick);
+    const Clock::time_point start = Clock::now();
+    RunTicks(100);
+    const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+    EXPECT_TRUE(KillTimer(nullptr, id));
+    EXPECT_FALSE(KillTimer(nullptr, id));
+    EXPECT_EQ(ticks, 100);
+    EXPECT_GE(taken.count(), 499);
+    // A busy machine may lose some ticks, each a period long; none may be lost to rounding.
+    EXPECT_LE(taken.count(), 650);
+}
+
+TEST_F(TimersTest, MissedTicksBecomeOneMessage)
+{
+    ticks = 0;
+    const UINT_PTR id = SetTimer(nullptr, 0, 200, CountTick);
+    std::this_thread::sleep_for(std::chrono::milliseconds(650));
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&message);
+    KillTimer(nullptr, id);
+    EXPECT_EQ(ticks, 1);
+}
+
+TEST_F(TimersTest, AWindowsTimerGivesAMessageWithItsId)
+{
+    WNDPROC procedure = Nothing;
+    int record = 0;
+    const HWND window = AddWindowHandle(&record, &procedure);
+    EXPECT_EQ(SetTimer(window, 2, 1, nullptr), 2u);
+    MSG message{};
+    GetMessageW(&message, nullptr, 0, 0);
+    EXPECT_EQ(message.message, static_cast<UINT>(WM_TIMER));
+    EXPECT_EQ(message.hwnd, window);
+    EXPECT_EQ(message.wParam, 2u);
+    EXPECT_EQ(message.lParam, 0);
+    // Setting it again replaces it.
+    EXPECT_EQ(SetTimer(window, 2, 100000, nullptr), 2u);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    EXPECT_FALSE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_TRUE(KillTimer(window, 2));
+    EXPECT_FALSE(KillTimer(window, 2));
+    ForgetWindow(window);
+    RemoveWindowHandle(window);
+    EXPECT_EQ(SetTimer(window, 2, 1, nullptr), 0u);
+}
+
+TEST_F(TimersTest, AKilledTimersMessageNoLongerCallsItsFunction)
+{
+    ticks = 0;
+    const UINT_PTR id = SetTimer(nullptr, 0, 1, CountTick);
+    MSG message{};
+    GetMessageW(&message, nullptr, 0, 0);
+    ASSERT_EQ(message.message, static_cast<UINT>(WM_TIMER));
+    KillTimer(nullptr, id);
+    DispatchMessageW(&message);
+    EXPECT_EQ(ticks, 0);
+}
+
+TEST_F(TimersTest, ATimerMessageWithAFunctionThatNobodySetIsNotFollowed)
+{
+    MSG message{};
+    message.message = WM_TIMER;
+    message.wParam = 1;
+    message.lParam = 0x1234;
+    EXPECT_EQ(DispatchMessageW(&message), 0);
+}

@@ -1,0 +1,142 @@
+/* Identifiers of resources, menu commands and controls: design values shared by the resource scripts
+ * and the code. Plain defines only, since the resource compiler reads them too. */
+#ifndef TAVRIX_RESOURCES_IDS_H
+#define TAVRIX_RESOURCES_IDS_H
+
+/* Resources. */
+#define AcceleratorTable 3
+#define DialogProgress 105
+#define MenuEnglish 110
+#define MenuJapanese 111
+#define IconApplication 115
+
+/* Controls of the progress dialog. */
+#define ControlAbort 3
+#define ControlProgressBar 1000
+#define ControlProgressStatus 1002
+#define ControlHeadline 1004
+
+/* The command bar's own id. */
+#define ControlCommandBar 1
+
+/* Menu: Info, Help. */
+#define CommandImageInformation 205
+#define CommandAbout 207
+#define CommandPaletteInformation 40060
+#define CommandPluginsInfo 40068
+
+/* Menu: File. */
+#define CommandExit 40002
+#define CommandOpenFile 40003
+#define CommandSave 40004
+#define CommandNew 40017
+#define CommandVirtualSave 40184
+#define CommandOpenUrl 40197
+#define CommandOpenIrObex 40202
+
+/* Entries that stand in for an empty list of plugins. */
+#define CommandNoEffectPlugin 40009
+#define CommandNoAdjustPlugin 40010
+#define CommandNoFilePlugin 40014
+#define CommandNoScalePlugin 40016
+
+/* Menu: Edit. */
+#define CommandCopyToMemory 40036
+#define CommandPasteFromMemory 40037
+#define CommandSelectAll 40056
+#define CommandReverseSelection 40073
+#define CommandDeselect 40074
+#define CommandClearMemory 40159
+#define CommandClearClipboard 40193
+#define CommandCopyToClipboard 40194
+#define CommandPasteFromClipboard 40195
+#define CommandUndo 40205
+
+/* Menu: Tools. */
+#define CommandText 40030
+#define CommandSelectRound 40095
+#define CommandSelectRectangle 40105
+#define CommandSelectEllipse 40106
+#define CommandSelectFreePass 40107
+#define CommandBrush 40119
+#define CommandAirbrush 40120
+#define CommandSolidPenJapanese 40121
+#define CommandSoftPen 40122
+#define CommandUserPen 40123
+#define CommandSolidPen 40124
+#define CommandScroll 40125
+#define CommandColorEraser 40126
+#define CommandAlphaEraser 40129
+#define CommandUserEraser 40130
+#define CommandAdjustBrush 40151
+#define CommandEffectBrush 40152
+#define CommandLine 40154
+#define CommandRectangle 40155
+#define CommandRound 40156
+#define CommandEllipse 40157
+#define CommandCurve 40158
+#define CommandSelectPoint 40160
+#define CommandPipette 40161
+#define CommandSelectSmoothing 40162
+#define CommandSelectPointJapanese 40163
+#define CommandLaunchViewer 40201
+
+/* Menu: Image. */
+#define CommandResolution 40005
+#define CommandSize 40006
+#define CommandReloadOpened 40007
+#define CommandSubtract 40008
+#define CommandRotate180 40045
+#define CommandRotateClockwise 40047
+#define CommandRotateCounterClockwise 40048
+#define CommandReverseHorizontal 40050
+#define CommandReverseVertical 40051
+#define CommandModeRgb 40064
+#define CommandModeRgba 40065
+#define CommandModeIndex 40066
+#define CommandMainLayer 40178
+#define CommandTextLayer 40179
+#define CommandNewLayer 40180
+#define CommandDeleteLayer 40181
+#define CommandReloadSaved 40185
+
+/* Menu: Display. */
+#define CommandInitializeView 40012
+#define CommandMethodBuiltIn 40015
+#define CommandZoom100 40018
+#define CommandZoomWindow 40020
+#define CommandZoom200 40022
+#define CommandZoom400 40023
+#define CommandZoom50 40024
+#define CommandZoom25 40025
+#define CommandZoom75 40026
+#define CommandRotation90 40040
+#define CommandRotation0 40041
+#define CommandRotation180 40042
+#define CommandRotation270 40043
+#define CommandCentering 40063
+#define CommandZoom300 40115
+#define CommandToolboxWindow 40118
+#define CommandDitherRandom 40137
+#define CommandDitherOnEnglish 40138 /* no command stands behind it; the check mark is 40164's */
+#define CommandColors4 40142
+#define CommandColors16 40143
+#define CommandColors256 40144
+#define CommandColors1024 40145
+#define CommandColors32768 40146
+#define CommandColors65536 40147
+#define CommandDitherBayer 40149
+#define CommandColorboxWindow 40153
+#define CommandDitherOn 40164
+#define CommandScreenColor 40203
+#define CommandScreenMono 40204
+
+/* Keys only. */
+#define CommandScrollLeft 40165
+#define CommandScrollRight 40166
+#define CommandScrollUp 40167
+#define CommandScrollDown 40168
+#define CommandNothingPrint 40192
+#define CommandNothingQuit 1
+
+#endif

@@ -1,0 +1,101 @@
+// SettingsFile::Save: the two lists to text.
+#include "settings/SettingsFile.h"
+
+namespace
+{
+
+// Finds `part` anywhere in `text`, exactly, and gives what stands behind its first place; else
+// null.
+const WCHAR* Behind(const WCHAR* text, const WCHAR* part)
+{
+    for (;; ++text) {
+        u32 i = 0;
+        while (part[i] != 0 && text[i] == part[i])
+            ++i;
+        if (part[i] == 0)
+            return text + i;
+        if (*text == 0)
+            return nullptr;
+    }
+}
+
+} // namespace
+
+i32 SettingsFile::Save(const WCHAR* newPath)
+{
+    if (isOpen == 0)
+        return Failed;
+    if (AllocText(BlockCells, &lineBuffer) < 0 || AllocText(ComposeCells, &composeBuffer) < 0) {
+        FreeBuffers();
+        return NoMemory;
+    }
+    saveBuffersReady = 1;
+    linePosition = 0;
+    const WCHAR* target = newPath != nullptr ? newPath : path;
+    // Neither result is looked at: what cannot be written is lost, and the program ends all the
+    // same.
+    (void)directory.MakeFile(target, MakeEmpty);
+    (void)file.Open(target, 0);
+    Put(ByteOrderMark);
+    WriteSections();
+    Flush();
+    (void)file.CloseFile();
+    FreeBuffers();
+    return Done;
+}
+
+void SettingsFile::WriteSections()
+{
+    Variant section{nullptr, VariantUnsigned, 0};
+    for (u32 i = 0; sections.GetAt(i, &section) > 0; ++i) {
+        if (section.value != 0) {
+            PutText(TEXT("["));
+            PutText(section.name);
+            PutText(TEXT("]\r\n"));
+            WriteKeys(section.name);
+            PutText(TEXT("\r\n"));
+        }
+        section.type = VariantUnsigned;
+    }
+}
+
+void SettingsFile::WriteKeys(const WCHAR* section)
+{
+    Compose(composeBuffer, section, TEXT(""));
+    // Two things about this walk are meant as they stand, as other files would come of the same
+    // lists. The section's text is found anywhere in a composed name, so that "ab" also collects
+    // the keys of "xab". And a key without a value ends the walk: it and all keys stored after it
+    // are lost.
+    Variant key{nullptr, VariantWide, 0};
+    for (u32 i = 0; keys.GetAt(i, &key) > 0; ++i) {
+        const WCHAR* name = Behind(key.name, composeBuffer);
+        if (name != nullptr) {
+            PutText(name);
+            PutText(TEXT("="));
+            PutText(reinterpret_cast<const WCHAR*>(key.value));
+            PutText(TEXT("\r\n"));
+        }
+        key.type = VariantWide;
+    }
+}
+
+void SettingsFile::PutText(const WCHAR* text)
+{
+    for (; *text != 0; ++text)
+        Put(*text);
+}
+
+void SettingsFile::Put(WCHAR character)
+{
+    if (linePosition == BlockCells)
+        Flush();
+    lineBuffer[linePosition] = character;
+    ++linePosition;
+}
+
+void SettingsFile::Flush()
+{
+    u32 length = linePosition * static_cast<u32>(sizeof(WCHAR));
+    (void)file.Write(lineBuffer, &length);
+    linePosition = 0;
+}

@@ -1,0 +1,19 @@
+// Closing: what goes back into the settings, and the end of the message loop. No question is asked.
+
+#include "resources/Ids.h"
+#include "shell/MainFrame.h"
+
+void MainFrame::OnClose()
+{
+    settings->SetUInt(ProgramSection, TEXT("ShowToolbox"), showToolbox);
+    settings->SetUInt(ProgramSection, TEXT("ShowColorbox"), showColorbox);
+    settings->SetUInt(ProgramSection, TEXT("FaceColor"), faceColor);
+    settings->SetUInt(ProgramSection, TEXT("BackgroundColor"), backgroundColor);
+    settings->SetUInt(ProgramSection, TEXT("WindowAdjusted"),
+                      zoomCommand == CommandZoomWindow ? 1 : 0);
+    if (popupMenu != nullptr)
+        DestroyMenu(popupMenu);
+    if (smallIcon != nullptr)
+        DestroyIcon(smallIcon);
+    PostQuitMessage(0);
+}

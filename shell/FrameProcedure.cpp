@@ -1,0 +1,52 @@
+// The window procedure of the main window.
+
+#include "shell/MainFrame.h"
+
+namespace
+{
+
+// Set at WM_CREATE. A message that comes before has no object and takes the default road.
+MainFrame* frame = nullptr;
+
+LRESULT Create(HWND window, const CREATESTRUCTW* record)
+{
+    frame = static_cast<MainFrame*>(record->lpCreateParams);
+    frame->window = window;
+    return frame->OnCreate(record);
+}
+
+} // namespace
+
+LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_CREATE)
+        return Create(window, reinterpret_cast<const CREATESTRUCTW*>(lParam));
+    // The window outlives the frame: it is never destroyed by the program and goes with the
+    // process.
+    if (frame == nullptr || mainFrame != frame || frame->window != window)
+        return DefWindowProcW(window, message, wParam, lParam);
+
+    switch (message) {
+    case WM_PAINT:
+        frame->OnPaint();
+        return 0;
+    case WM_COMMAND:
+        return frame->OnCommand(HIWORD(wParam), LOWORD(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_CLOSE:
+        frame->OnClose();
+        return 0;
+    case WM_SIZE: // the size is taken from the screen once, at creation
+        return 0;
+    case WM_CTLCOLORSTATIC:
+        return 0;
+    case WM_APP:
+        return frame->OnGetInstance();
+    default:
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+}
+
+LRESULT MainFrame::OnGetInstance()
+{
+    return reinterpret_cast<LRESULT>(instance);
+}

@@ -1,0 +1,196 @@
+// The main window object and the one record that holds all state of the running program: the
+// picture, where it came from, the view, the plugin hosts, the menus and the settings. Shell and
+// view share it, so its fields are open to both and each of their operations stands in the file of
+// its topic.
+//
+// One instance. Everything runs on the user-interface thread; a worker reads it only for
+// `abortRequested` and `window`. No lock: the modal progress dialog keeps commands away while a
+// worker has the picture.
+//
+// Coordinates of the picture and the view are doubles; zoom is picture pixels for one screen pixel,
+// so that 2.0 is the menu's 50%. Colours are words 0xRRGGBBAA.
+#pragma once
+
+#include "foundation/Allocator.h"
+#include "image/Raster.h"
+#include "pixel/ScreenSurface.h"
+#include "plugin/AdjustPlugin.h"
+#include "plugin/EffectPlugin.h"
+#include "plugin/FormatList.h"
+#include "plugin/InputPlugin.h"
+#include "plugin/OutputPlugin.h"
+#include "plugin/PrintPlugin.h"
+#include "plugin/ScalePlugin.h"
+#include "plugin/SubtractPlugin.h"
+#include "settings/SettingsFile.h"
+
+#include <windows.h>
+
+class MainFrame
+{
+public:
+    /// Leaves all window work to OnCreate. An object that cannot be allocated stays null.
+    MainFrame();
+    /// Saves and closes the settings, then gives everything up.
+    virtual ~MainFrame();
+    MainFrame(const MainFrame&) = delete;
+    MainFrame& operator=(const MainFrame&) = delete;
+
+    // Message handlers, in the order of their slots.
+    virtual void GetCreateParams(CREATESTRUCTW* record);
+    virtual LRESULT OnCreate(const CREATESTRUCTW* record);
+    virtual void OnPaint();
+    virtual LRESULT OnCommand(u32 notifyCode, u32 id, HWND control);
+    virtual void OnClose();
+    virtual LRESULT OnGetInstance();
+
+    // Menus (shell/Menus.cpp).
+    /// Takes all submenu handles by position. Called before each bulk update.
+    void FetchMenus();
+    /// A picture has come to exist. Enables only, never disables.
+    void EnableImageMenus();
+    void UpdateClipMenus();
+    void UpdateZoomChecks();
+    void UpdateDitherCheck();
+    void UpdateScreenChecks();
+    void UpdateWindowChecks();
+
+    // Opening (shell/OpenImages.cpp). Paths are device paths.
+    /// Opens what the command line or a hand-over names. Silent when it cannot be opened or no
+    /// plugin's patterns hold its extension.
+    void OpenFile(const WCHAR* path);
+    /// The open's negative code, else what LoadFromStream gives.
+    i32 LoadFromFile(const WCHAR* path, i32 plugin, i32 configure);
+    /// Decodes `stream` with INPUT plugin number `plugin` into `image`, as one job. NothingDone if
+    /// it stopped before the job, else the dialog's result, which says nothing about the success.
+    i32 LoadFromStream(Stream* stream, i32 plugin, i32 configure);
+    /// The plugin of the first format whose patterns hold the path's extension. NothingDone when
+    /// there is no extension or no such format.
+    [[nodiscard]] i32 FindInputPlugin(const WCHAR* path, i32* plugin) const;
+
+    // View (view/ViewTransform.cpp, Zoom.cpp, Scroll.cpp, RedrawView.cpp). The conversions change
+    // the point in place; Done, or NothingDone for null.
+    struct Point {
+        f64 x;
+        f64 y;
+    };
+    i32 WindowToView(Point* point) const;
+    i32 ViewToWindow(Point* point) const;
+    i32 ViewToImage(Point* point) const;
+    i32 ImageToView(Point* point) const;
+    i32 WindowToScreen(Point* point) const;
+    i32 ScreenToWindow(Point* point) const;
+    /// Centres the picture, or starts it at its own edge where it is larger than the view; redraws.
+    void InitializeView();
+    /// Computes the zoom at which the picture fills the view; with `centre` initialises the view.
+    void FitToWindow(i32 centre);
+    /// A fixed zoom, by its command.
+    void SetZoom(u32 command);
+    /// Moves the picture by 10 screen pixels away in the key's direction. There is no limit.
+    void ScrollByKeys(u32 command);
+    /// Composes and shows the whole view.
+    void RedrawView();
+
+    // State, in the order of the record.
+    HWND window = nullptr;
+    HINSTANCE instance = nullptr;
+    HeapAllocator allocator;
+    ScreenSurface surface; // what the view is presented to and painted from
+    Raster viewRaster;     // 24 bits, of the screen's size; the view is composed here
+    f64 clientOriginX = 0; // the view's top left in the window
+    f64 clientOriginY = 0; // the command bar's height
+    i32 screenWidth;
+    i32 screenHeight;
+    i32 viewWidth;   // usable area, for fitting and centring
+    i32 viewHeight;  // the screen's less command bar, task bar and 1
+    f64 scrollX = 0; // picture coordinate at the view's top left
+    f64 scrollY = 0;
+    u32 showToolbox = 1;
+    u32 toolPhase = 0;
+    u32 backgroundColor = 0xFFFFFFFF;
+    u32 faceColor = 0;
+    u32 showColorbox = 1;
+    InputPlugin* inputPlugins;
+    OutputPlugin* outputPlugins;
+    PrintPlugin* printPlugins;
+    EffectPlugin* effectPlugins;
+    AdjustPlugin* adjustPlugins;
+    ScalePlugin* scalePlugins;
+    SubtractPlugin* subtractPlugins;
+    enum : u32 { PathCapacity = 260 };
+    WCHAR* openedPath; // file of the picture, empty when it has none
+    WCHAR* savedPath;  // last file written
+    i32 inputPlugin = -1;
+    Raster* image;        // the document
+    u32 imagePresent = 0; // 1 once a picture was loaded or made, and from then on
+    Raster* clipImage = nullptr;
+    u32 undoEnabled = 0;
+    FormatList* inputExtensions;
+    FormatList* outputExtensions;
+    PropertyList* inputNames; // plugin name -> plugin index, in menu order
+    PropertyList* outputNames;
+    PropertyList* effectNames;
+    PropertyList* adjustNames;
+    PropertyList* scaleNames;
+    PropertyList* subtractNames;
+    PropertyList* printNames;
+    u32 selectionActive = 0;
+    u32 clipboardHasImage = 0;
+    u32 zoomCommand;
+    f64 zoom = 1.0;
+    u32 dither = 0;
+    u32 monoScreen = 0;
+    HMENU mainMenu = nullptr;
+    HMENU fileMenu = nullptr;
+    HMENU editMenu = nullptr;
+    HMENU toolsMenu = nullptr;
+    HMENU imageMenu = nullptr;
+    HMENU infoMenu = nullptr;
+    HMENU displayMenu = nullptr;
+    HMENU openMenu = nullptr;
+    HMENU openAsMenu = nullptr;
+    HMENU saveMenu = nullptr;
+    HMENU saveAsMenu = nullptr;
+    HMENU streamMenu = nullptr; // fetched and never used
+    HMENU printMenu = nullptr;
+    HMENU copyMenu = nullptr;
+    HMENU pasteMenu = nullptr;
+    HMENU clearMenu = nullptr;
+    HMENU selectMenu = nullptr;
+    HMENU brushMenu = nullptr;
+    HMENU eraserMenu = nullptr;
+    HMENU effectMenu = nullptr;
+    HMENU adjustMenu = nullptr;
+    HMENU reloadMenu = nullptr;
+    HMENU windowMenu = nullptr;
+    HMENU zoomMenu = nullptr;
+    HMENU methodMenu = nullptr;
+    HMENU ditherMenu = nullptr;
+    HMENU screenMenu = nullptr;
+    HWND commandBar = nullptr;
+    HICON smallIcon = nullptr;
+    HMENU popupMenu = nullptr; // never set; destroyed at close if it ever were
+    u32 abortRequested = 0;
+    SettingsFile* settings;
+
+private:
+    void CreateCommandBar();
+    void ScanPlugins();
+    void ReadColors();
+    void ReadToolWindows();
+    void ReadZoom();
+    void TakeTaskBar();
+    void OpenCommandLine();
+    void ReadUndo();
+};
+
+/// The frame, from its construction to the end of its destruction; for the callbacks that run
+/// without an object at hand.
+extern MainFrame* mainFrame;
+
+/// The window procedure of the main window: hands the messages to the handlers.
+LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+/// The section of the settings that is the program's own, and the plugins'.
+inline const WCHAR* const ProgramSection = TEXT("Tavrix");
+inline const WCHAR* const PluginSection = TEXT("Global");

@@ -1,0 +1,237 @@
+// Jobs with real plugins under the real progress dialog, in the headless platform.
+
+#include "foundation/FileStream.h"
+#include "platform/testing/core/TestHome.h"
+#include "platform/testing/WindowTesting.h"
+#include "resources/Ids.h"
+#include "shell/Job.h"
+#include "shell/PluginCallbacks.h"
+#include "shell/ProgressDialog.h"
+#include "tests/support/Program.h"
+#include "tests/support/TestPicture.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+using namespace tavrix::testing;
+
+namespace
+{
+
+/// A picture file whose extension leads to the fixture plugin of that name.
+std::string FileFor(const std::string& extension)
+{
+    const std::string path = TestHome() + "/picture." + extension;
+    std::ofstream(path) << "anything";
+    return path;
+}
+
+void InstallFixture(const std::string& name)
+{
+    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/" + name + ".dll");
+}
+
+u32 Stored(MainFrame& frame, const WCHAR* key)
+{
+    u32 value = 0;
+    EXPECT_EQ(frame.settings->GetUInt(TEXT("Global"), key, &value), Done) << Utf8(key);
+    return value;
+}
+
+} // namespace
+
+TEST(Jobs, AJobOfNoWorkStillShowsTheDialogForItsDelay)
+{
+    InstallFixture("quick");
+    RunProgramOn(FileFor("quick"), [](MainFrame& frame) {
+        EXPECT_EQ(frame.imagePresent, 1U);
+        EXPECT_GE(ProgressDialogTime() + 20, 100U);
+        EXPECT_TRUE(StatusTexts().empty());
+    });
+}
+
+TEST(Jobs, ProgressSetsTheBarInThreeHundredStepsAndATotalOfNoneEmptiesIt)
+{
+    InstallFixture("progress");
+    // The plugin waits after each report, so that the bar can be looked at meanwhile, and stores
+    // what each report answered.
+    std::vector<LRESULT> positions;
+    static std::vector<LRESULT>* seen = &positions;
+    OnModal([](HWND dialog, bool box) {
+        if (box)
+            return;
+        SetTimer(nullptr, 0, 5, [](HWND, UINT, UINT_PTR, DWORD) {
+            if (!IsWindow(progressState.bar))
+                return;
+            const LRESULT position = SendMessageW(progressState.bar, PBM_GETPOS, 0, 0);
+            if (seen->empty() || seen->back() != position)
+                seen->push_back(position);
+        });
+        (void)dialog;
+    });
+    RunProgramOn(FileFor("progress"), [](MainFrame& frame) {
+        EXPECT_EQ(Stored(frame, TEXT("ProgressFixtureHalf")), 1U);
+        EXPECT_EQ(Stored(frame, TEXT("ProgressFixtureNone")), 0U);
+        EXPECT_EQ(Stored(frame, TEXT("ProgressFixtureFull")), 1U);
+    });
+    // 1 of 2 is 150; 1 of 7 is 42.857, truncated; 2 of 2 is the whole.
+    EXPECT_EQ(positions, (std::vector<LRESULT>{0, 150, 0, 42, 300}));
+}
+
+TEST(Jobs, AFailureShowsTheKindsTextForTwoSecondsAndBeeps)
+{
+    Scope scope;
+    SetLanguage(1033);
+    InstallFixture("failing");
+    RunProgramOn(FileFor("failing"), [](MainFrame& frame) {
+        ASSERT_EQ(StatusTexts().size(), 1U);
+        EXPECT_EQ(StatusTexts()[0],
+                  u"Failed to load an image file, might be broken or unknown-format.");
+        EXPECT_GE(ProgressDialogTime(), 2000U);
+        EXPECT_EQ(tavrix::platform::Hooks().beeps, 1U);
+        // The flow takes its success path all the same.
+        EXPECT_EQ(frame.imagePresent, 1U);
+        EXPECT_EQ(GetMenuState(frame.editMenu, CommandSelectAll, MF_BYCOMMAND) & MF_GRAYED, 0U);
+    });
+}
+
+TEST(Jobs, AFailureIsToldInJapanese)
+{
+    Scope scope;
+    SetLanguage(1041);
+    InstallFixture("failing");
+    RunProgramOn(FileFor("failing"), [](MainFrame&) {
+        ASSERT_EQ(StatusTexts().size(), 1U);
+        EXPECT_EQ(StatusTexts()[0],
+                  u"画像ファイルがロードできません。ファイルが壊れているか未対応の画像形式です。");
+    });
+}
+
+TEST(Jobs, ThePluginsOwnWordsStandInTheStatusLine)
+{
+    InstallFixture("talking");
+    RunProgramOn(FileFor("talking"), [](MainFrame&) {
+        ASSERT_EQ(StatusTexts().size(), 1U);
+        EXPECT_EQ(StatusTexts()[0], u"half way");
+        EXPECT_EQ(tavrix::platform::Hooks().beeps, 0U);
+    });
+}
+
+namespace
+{
+
+void ExpectHeadline(LANGID language, const WCHAR* expected)
+{
+    Scope scope;
+    SetLanguage(language);
+    InstallFixture("quick");
+    std::u16string headline;
+    bool abortEnabled = true;
+    RECT dialogPlace = {};
+    OnModal([&](HWND dialog, bool) {
+        headline = ControlText(dialog, ControlHeadline);
+        abortEnabled = IsWindowEnabled(GetDlgItem(dialog, ControlAbort));
+        GetWindowRect(dialog, &dialogPlace);
+    });
+    RunProgramOn(FileFor("quick"), [](MainFrame&) {});
+    EXPECT_EQ(headline, expected);
+    EXPECT_FALSE(abortEnabled);
+    // The middle of the screen, which the main window fills.
+    EXPECT_EQ(dialogPlace.left, (640 - (dialogPlace.right - dialogPlace.left)) / 2);
+    EXPECT_EQ(dialogPlace.top, (480 - (dialogPlace.bottom - dialogPlace.top)) / 2);
+}
+
+} // namespace
+
+TEST(Jobs, TheHeadlineNamesTheWork)
+{
+    ExpectHeadline(1033, TEXT("Loading an image..."));
+}
+
+TEST(Jobs, TheHeadlineNamesTheWorkInJapanese)
+{
+    ExpectHeadline(1041, TEXT("画像を読み込んでいます..."));
+}
+
+TEST(Jobs, AThreadThatCannotBeMadeClosesTheDialogAndTellsByABox)
+{
+    Scope scope;
+    InstallFixture("quick");
+    SetThreadFault(true);
+    std::u16string text;
+    std::u16string caption;
+    OnModal([&](HWND dialog, bool box) {
+        if (!box)
+            return;
+        text = BoxText(dialog);
+        caption = BoxCaption(dialog);
+        EndDialog(dialog, IDOK);
+    });
+    RunProgramOn(FileFor("quick"), [](MainFrame& frame) { EXPECT_EQ(frame.imagePresent, 0U); });
+    EXPECT_EQ(text, u"Failed to load an image file, might be broken or unknown-format.");
+    EXPECT_EQ(caption, u"ERROR");
+}
+
+TEST(Jobs, TheDeviceIsKeptAwakeEveryTenSecondsAcrossJobs)
+{
+    Scope scope;
+    auto& resets = tavrix::platform::Hooks().idleTimerResets;
+    SetTickCount(50000);
+    EXPECT_EQ(ProgressCallback(1, 10), 1); // the first report of the process only starts the clock
+    EXPECT_EQ(resets, 0U);
+    SetTickCount(59999);
+    EXPECT_EQ(ProgressCallback(2, 10), 1);
+    EXPECT_EQ(resets, 0U);
+    SetTickCount(60000);
+    EXPECT_EQ(ProgressCallback(3, 10), 1);
+    EXPECT_EQ(resets, 1U);
+    SetTickCount(61000);
+    EXPECT_EQ(ProgressCallback(0, 0), 0);
+    SetTickCount(70000);
+    EXPECT_EQ(ProgressCallback(1, 10), 1);
+    EXPECT_EQ(resets, 2U);
+}
+
+TEST(Jobs, ARequestToStopIsSeenAtTheNextReport)
+{
+    MainFrame frame;
+    EXPECT_EQ(ProgressCallback(1, 10), 1);
+    frame.abortRequested = 1;
+    EXPECT_EQ(ProgressCallback(2, 10), -1);
+    EXPECT_EQ(ProgressCallback(0, 0), 0);
+}
+
+TEST(Jobs, WithoutADialogAMessageIsABox)
+{
+    Scope scope;
+    std::u16string text;
+    std::u16string caption;
+    OnModal([&](HWND box, bool isBox) {
+        ASSERT_TRUE(isBox);
+        text = BoxText(box);
+        caption = BoxCaption(box);
+        EndDialog(box, IDOK);
+    });
+    EXPECT_EQ(MessageCallback(TEXT("words"), TEXT("WARNING"), MB_ICONEXCLAMATION), 0);
+    EXPECT_EQ(text, u"words");
+    EXPECT_EQ(caption, u"WARNING");
+}
+
+TEST(Jobs, PluginsPropertiesLieInTheirOwnSection)
+{
+    MainFrame frame;
+    const std::u16string path = DevicePath(TestHome() + "/x.ini");
+    ASSERT_EQ(frame.settings->Load(path.c_str()), Done);
+    Variant item = {TEXT("SomePluginLevel"), VariantUnsigned, 42};
+    EXPECT_EQ(GetPropertyCallback(&item), -1); // nothing was ever stored
+    item = {TEXT("SomePluginLevel"), VariantUnsigned, 42};
+    EXPECT_EQ(PutPropertyCallback(&item), 3);
+    EXPECT_EQ(PutPropertyCallback(&item), 5);
+    Variant asked = {TEXT("SomePluginLevel"), VariantUnsigned, 0};
+    EXPECT_EQ(GetPropertyCallback(&asked), 1);
+    EXPECT_EQ(asked.value, 42U);
+    asked = {TEXT("Other"), VariantUnsigned, 0};
+    EXPECT_EQ(GetPropertyCallback(&asked), -10);
+}

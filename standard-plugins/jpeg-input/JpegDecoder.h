@@ -1,0 +1,28 @@
+// Reads a JPEG from a stream into the host's picture, a line at a time.
+//
+// A baseline file is decoded as it arrives; the decoder keeps one row of blocks, whatever the
+// height. A file of several scans (progressive files are) can be decoded only from the coefficients
+// of the whole picture. What they take is computed from the header and refused above a limit: 512
+// MB, or the number of megabytes under `JpegInputMemory` in the settings.
+//
+// PluginDone means a whole and sound file to its very end. With any other result the lines that
+// were read stay in the picture: of a baseline file that breaks off the lines before the break, of
+// a progressive one the whole picture as coarse as it had become. Warnings that lose no pixel, such
+// as stray bytes between two markers, change nothing.
+#pragma once
+
+#include <tavrix/plugin.h>
+
+/// What GetImage hands on.
+struct JpegRequest {
+    PluginStreamRecord* stream;
+    TavrixImageHandle image;
+    RasterFunctionTable* rasters;
+    TavrixProgressCallback progress;
+    TavrixMessageCallback message;
+    TavrixGetPropertyCallback get;
+};
+
+int32_t ReadJpegPicture(const JpegRequest& request);
+/// The size alone; `stream` is read up to the first scan.
+int32_t ReadJpegSize(PluginStreamRecord* stream, uint32_t* width, uint32_t* height);

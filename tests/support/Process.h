@@ -1,0 +1,24 @@
+// The program as a process of its own, as a user starts it: with arguments and an environment, in
+// the headless platform, until it ends.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tavrix::testing
+{
+
+struct ProcessResult {
+    int exitCode = -1;  // -1 when it was killed or did not end in time
+    std::string output; // standard output and standard error together
+    long peakResidentKilobytes = 0;
+};
+
+/// Runs the built program. `whileRunning` is called every few milliseconds with the process id.
+ProcessResult RunTavrix(const std::vector<std::string>& arguments,
+                        const std::map<std::string, std::string>& environment,
+                        const std::function<void(int)>& whileRunning = {}, int secondsAtMost = 100);
+
+} // namespace tavrix::testing

@@ -1,0 +1,18 @@
+// Pictures for whole-program tests: painted by a formula, written by libraries that the program
+// does not use for it, compared pixel by pixel.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tavrix::testing
+{
+
+/// The colour of pixel (x, y) of every test picture, 0xRRGGBB. Never black.
+uint32_t TestColor(int x, int y);
+/// Writes a picture of that formula as PNG below the test's home; answers its host path.
+std::string WriteTestPng(int width, int height, const std::string& name = "picture.png");
+/// The first `numerator`/`denominator` of a file, under a new name in the same folder.
+std::string TruncateFile(const std::string& path, int numerator, int denominator);
+
+} // namespace tavrix::testing
