@@ -2,7 +2,10 @@
 #include "platform/core/Gdi.h"
 #include "platform/core/MessageQueue.h"
 #include "platform/qt/Backing.h"
+#include "platform/qt/Icons.h"
 #include "platform/qt/WindowRecords.h"
+
+#include <QWidget>
 
 #include <algorithm>
 
@@ -35,6 +38,9 @@ LRESULT SetIcon(Window& window, WPARAM which, LPARAM icon)
         return 0;
     const HICON before = window.icons[which];
     window.icons[which] = reinterpret_cast<HICON>(icon);
+    // The main window's icon is what the desktop shows for the program.
+    if (&window == MainWindow() && window.icons[which] != nullptr)
+        ScreenWidget()->setWindowIcon(IconOf(window.icons[which]));
     return reinterpret_cast<LRESULT>(before);
 }
 

@@ -1,6 +1,7 @@
 // The class msctls_progress32: a bar from a lowest to a highest position. A worker that reports by
-// SendMessageW waits for the answer, so a position that moves no pixel draws nothing, and one that
-// does is on the screen before the answer goes out.
+// SendMessageW waits for the answer, so nothing is drawn before the answer goes out: the bar is drawn
+// by the loop right behind it, while the worker works on, and a position that moves no pixel draws
+// nothing at all.
 #include "platform/qt/ControlMessages.h"
 #include "platform/qt/ControlSupport.h"
 #include "platform/qt/StockClasses.h"
@@ -35,13 +36,12 @@ public:
         setAttribute(Qt::WA_OpaquePaintEvent);
     }
 
-    /// The bar follows the state, at once if it is visible.
+    /// The bar follows the state at the loop's next turn.
     void Follow()
     {
         if (FilledWidth() == drawn)
             return;
-        if (isVisible())
-            repaint();
+        update();
     }
 
 protected:
