@@ -23,12 +23,13 @@ struct SlotTable {
     std::mutex lock; // guards what follows
     uint32_t used = 0;
     std::vector<HeapSlot*> unused;
+    HeapSlot* processHeap; // slot 0
+    HeapSlot* globalHeap;  // slot 1: carries the global blocks and has no handle
 
-    // Slot 0 is the process heap, slot 1 carries the global blocks and has no handle.
     SlotTable()
     {
-        Take(0);
-        Take(0);
+        processHeap = Take(0);
+        globalHeap = Take(0);
     }
 
     HeapSlot* At(uint32_t index)
@@ -100,12 +101,12 @@ HeapSlot* SlotOf(HANDLE handle)
 
 HeapSlot& ProcessHeapSlot()
 {
-    return *Slots().At(0);
+    return *Slots().processHeap;
 }
 
 HeapSlot& GlobalHeapSlot()
 {
-    return *Slots().At(1);
+    return *Slots().globalHeap;
 }
 
 } // namespace tavrix::platform

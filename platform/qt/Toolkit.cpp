@@ -32,6 +32,15 @@ void UnsetScaling()
     qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
 }
 
+QtMessageHandler hostMessages = nullptr;
+
+// A machine without a session has no run-time folder; the toolkit's note about it helps nobody.
+void FilterMessages(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+        hostMessages(type, context, text);
+}
+
 } // namespace
 
 bool ToolkitIsUp()
@@ -45,6 +54,7 @@ void EnsureToolkit()
         return;
     up = true;
     UnsetScaling();
+    hostMessages = qInstallMessageHandler(FilterMessages);
     // The other event dispatcher costs ten times as much a message.
     qputenv("QT_NO_GLIB", "1");
     QCoreApplication::setApplicationName(QStringLiteral("Tavrix"));
