@@ -94,6 +94,12 @@ public:
     i32 StretchRect(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourceRight,
                     f64 sourceBottom, f64 targetLeft, f64 targetTop, f64 targetRight,
                     f64 targetBottom);
+    /// The same mapping for the same two rectangles, written only inside the inclusive clip
+    /// rectangle of the target, so that a part drawn by it lines up with the whole to the pixel.
+    /// Rectangles of one size are mapped like any others. Results as StretchRect.
+    i32 StretchRegion(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourceRight,
+                      f64 sourceBottom, f64 targetLeft, f64 targetTop, f64 targetRight,
+                      f64 targetBottom, f64 clipLeft, f64 clipTop, f64 clipRight, f64 clipBottom);
 
 private:
     /// The three words of each logical line, as arrays.

@@ -17,26 +17,30 @@ constexpr f64 One = 65536.0; // 1 in 16.16
 struct Axis {
     u32 start; // source position of the first target pixel, 16.16
     u32 step;  // source pixels for one target pixel, 16.16
-    i32 to;    // first target pixel
-    i32 count; // target pixels
+    i32 to;    // the mapping's first target pixel
+    f64 low;   // the target's bounds, corrected
+    f64 high;
+    i32 first; // the first target pixel to be written, counted from `to`
+    i32 count; // how many
 };
 
-// How many of `count` positions lie before the end of a source of `size` pixels. Found in 64 bits:
-// a position past 2^32 is past the source, though the loops' 32 bits would come round.
+// How many of the axis's pixels have their source before the end of `size` pixels. Found in 64
+// bits: a position past 2^32 is past the source, though the loops' 32 bits would come round.
 i32 CutToSource(const Axis& axis, u32 size)
 {
     const u64 end = std::min(u64{size} << 16, u64{1} << 32);
-    if (axis.start >= end)
+    const u64 start = axis.start + static_cast<u64>(axis.first) * axis.step;
+    if (start >= end)
         return 0;
     if (axis.step == 0)
         return axis.count;
-    const u64 inside = (end - axis.start + axis.step - 1) / axis.step;
+    const u64 inside = (end - start + axis.step - 1) / axis.step;
     return inside < static_cast<u64>(axis.count) ? static_cast<i32>(inside) : axis.count;
 }
 
-// `low` and `high` bound the source and the target along the axis, `size` and `targetSize` are the
-// rasters' extents.
-Axis MapAxis(f64 sourceLow, f64 sourceHigh, f64 targetLow, f64 targetHigh, u32 size, u32 targetSize)
+// `low` and `high` bound the source and the target along the axis; `targetSize` is the target
+// raster's extent. Leaves what is to be written open.
+Axis MapAxis(f64 sourceLow, f64 sourceHigh, f64 targetLow, f64 targetHigh, u32 targetSize)
 {
     const f64 span = sourceHigh - sourceLow + 1.0;
     const f64 targetSpan = targetHigh - targetLow + 1.0;
@@ -52,27 +56,76 @@ Axis MapAxis(f64 sourceLow, f64 sourceHigh, f64 targetLow, f64 targetHigh, u32 s
         targetLow = 0;
     if (targetHigh >= targetSize)
         targetHigh = targetSize - 1.0;
-    axis.count = TruncateToSigned(floor(targetHigh - targetLow + 1.0));
+    axis.low = targetLow;
+    axis.high = targetHigh;
     axis.to = TruncateToSigned(floor(targetLow));
     axis.start = TruncateToUnsigned(floor(sourceLow * One));
-    // Rounding of the sum can bring the last pixel of a fractional rectangle past the edge.
-    axis.count = static_cast<i32>(std::min(i64{axis.count}, i64{targetSize} - axis.to));
-    axis.count = axis.count < 1 ? 0 : CutToSource(axis, size);
     return axis;
+}
+
+// Writes `count` pixels from `first` on, as far as both rasters go. Rounding of the sum can bring
+// the last pixel of a fractional rectangle past the target's edge.
+void TakePart(Axis* axis, i64 first, i64 count, u32 size, u32 targetSize)
+{
+    axis->first = static_cast<i32>(std::clamp<i64>(first, 0, targetSize));
+    count = std::min(count, i64{targetSize} - axis->to - axis->first);
+    axis->count = count < 1 ? 0 : static_cast<i32>(count);
+    if (axis->count > 0)
+        axis->count = CutToSource(*axis, size);
+}
+
+void TakeAll(Axis* axis, u32 size, u32 targetSize)
+{
+    TakePart(axis, 0, TruncateToSigned(floor(axis->high - axis->low + 1.0)), size, targetSize);
+}
+
+// From the pixel of `clipLow` to that of `clipHigh`, both inside the target's bounds.
+void TakeClip(Axis* axis, f64 clipLow, f64 clipHigh, u32 size, u32 targetSize)
+{
+    clipLow = std::max(clipLow, axis->low);
+    clipHigh = std::min(clipHigh, axis->high);
+    const i64 first = TruncateToSigned(floor(clipLow - axis->low));
+    const i64 last = TruncateToSigned(floor(clipHigh - axis->low));
+    TakePart(axis, first, last - first + 1, size, targetSize);
 }
 
 void StretchRow(u8* target, const u8* source, const Axis& columns)
 {
-    target += size_t{3} * static_cast<u32>(columns.to);
+    target += size_t{3} * static_cast<u32>(columns.to + columns.first);
     u8* const end = target + size_t{3} * static_cast<u32>(columns.count);
     const u32 step = columns.step;
-    u32 position = columns.start;
+    u32 position = columns.start + static_cast<u32>(columns.first) * step;
     for (; target != end; target += 3, position += step) {
         const u8* const pixel = source + size_t{3} * (position >> 16);
         target[0] = pixel[0];
         target[1] = pixel[1];
         target[2] = pixel[2];
     }
+}
+
+void StretchRows(Raster* source, Raster* target, const Axis& columns, const Axis& rows)
+{
+    u32 position = rows.start + static_cast<u32>(rows.first) * rows.step;
+    for (i32 i = 0; i < rows.count; ++i, position += rows.step) {
+        const i32 targetLine = rows.to + rows.first + i;
+        const i32 line = static_cast<i32>(position >> 16);
+        u8* written = nullptr;
+        u8* read = nullptr;
+        // A line that cannot be had ends the work quietly: the view stays incomplete until it is
+        // drawn again. The target's line then stays locked until UnlockAll.
+        if (target->LockLines(targetLine, &written, nullptr) < 1 ||
+            source->LockLines(line, &read, nullptr) < 1)
+            return;
+        StretchRow(written, read, columns);
+        (void)source->ReleaseLines(line, 1, 0);
+        (void)target->ReleaseLines(targetLine, 1, 0);
+    }
+}
+
+// Written so that a coordinate that is no number draws nothing.
+bool StartsInside(const DoubleRect& rectangle, const RasterInfo& raster)
+{
+    return rectangle.left < raster.width && rectangle.top < raster.height;
 }
 
 } // namespace
@@ -90,9 +143,7 @@ i32 Raster::StretchRect(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourc
     DoubleRect into = {targetLeft, targetTop, targetRight, targetBottom};
     (void)NormalizeDoubleRect(&from);
     (void)NormalizeDoubleRect(&into);
-    // Written so that a coordinate that is no number draws nothing.
-    if (!(from.left < info.width && from.top < info.height && into.left < to.width &&
-          into.top < to.height))
+    if (!StartsInside(from, info) || !StartsInside(into, to))
         return Done;
     const f64 width = from.right - from.left + 1.0;
     const f64 height = from.bottom - from.top + 1.0;
@@ -101,23 +152,41 @@ i32 Raster::StretchRect(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourc
                       TruncateToSigned(width), TruncateToSigned(height), target,
                       TruncateToSigned(into.left), TruncateToSigned(into.top), SRCCOPY);
 
-    const Axis columns =
-        MapAxis(from.left, from.right, into.left, into.right, info.width, to.width);
-    const Axis rows = MapAxis(from.top, from.bottom, into.top, into.bottom, info.height, to.height);
-    u32 position = rows.start;
-    for (i32 i = 0; i < rows.count; ++i, position += rows.step) {
-        const i32 targetLine = rows.to + i;
-        const i32 line = static_cast<i32>(position >> 16);
-        u8* written = nullptr;
-        u8* read = nullptr;
-        // A line that cannot be had ends the work quietly: the view stays incomplete until it is
-        // drawn again. The target's line then stays locked until UnlockAll.
-        if (target->LockLines(targetLine, &written, nullptr) < 1 ||
-            LockLines(line, &read, nullptr) < 1)
-            return Done;
-        StretchRow(written, read, columns);
-        (void)ReleaseLines(line, 1, 0);
-        (void)target->ReleaseLines(targetLine, 1, 0);
-    }
+    Axis columns = MapAxis(from.left, from.right, into.left, into.right, to.width);
+    Axis rows = MapAxis(from.top, from.bottom, into.top, into.bottom, to.height);
+    TakeAll(&columns, info.width, to.width);
+    TakeAll(&rows, info.height, to.height);
+    StretchRows(this, target, columns, rows);
+    return Done;
+}
+
+i32 Raster::StretchRegion(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourceRight,
+                          f64 sourceBottom, f64 targetLeft, f64 targetTop, f64 targetRight,
+                          f64 targetBottom, f64 clipLeft, f64 clipTop, f64 clipRight,
+                          f64 clipBottom)
+{
+    if (target == nullptr)
+        return BadArgument;
+    const RasterInfo& to = target->info;
+    if (info.depth != 24 || to.depth != 24)
+        return Failed;
+    DoubleRect from = {sourceLeft, sourceTop, sourceRight, sourceBottom};
+    DoubleRect into = {targetLeft, targetTop, targetRight, targetBottom};
+    DoubleRect clip = {clipLeft, clipTop, clipRight, clipBottom};
+    (void)NormalizeDoubleRect(&from);
+    (void)NormalizeDoubleRect(&into);
+    (void)NormalizeDoubleRect(&clip);
+    if (!StartsInside(from, info) || !StartsInside(into, to))
+        return Done;
+    // Narrowed to the target as it was given, and again to the corrected one.
+    clip = {std::max(clip.left, into.left), std::max(clip.top, into.top),
+            std::min(clip.right, into.right), std::min(clip.bottom, into.bottom)};
+    if (!StartsInside(clip, to))
+        return Done;
+    Axis columns = MapAxis(from.left, from.right, into.left, into.right, to.width);
+    Axis rows = MapAxis(from.top, from.bottom, into.top, into.bottom, to.height);
+    TakeClip(&columns, clip.left, clip.right, info.width, to.width);
+    TakeClip(&rows, clip.top, clip.bottom, info.height, to.height);
+    StretchRows(this, target, columns, rows);
     return Done;
 }

@@ -90,6 +90,9 @@ public:
     void ScrollByKeys(u32 command);
     /// Composes and shows the whole view.
     void RedrawView();
+    /// Composes and shows a part, in window coordinates, inclusive: for what follows the pen.
+    /// NothingDone without a picture, else Done.
+    i32 RedrawRegion(f64 left, f64 top, f64 right, f64 bottom);
 
     // State, in the order of the record.
     HWND window = nullptr;
@@ -174,6 +177,14 @@ public:
     SettingsFile* settings;
 
 private:
+    struct ViewRectangles {
+        Point sourceTopLeft;
+        Point sourceBottomRight;
+        Point targetTopLeft;
+        Point targetBottomRight;
+    };
+    ViewRectangles GetViewRectangles() const;
+    void ShowSurface(i32 left, i32 top, i32 width, i32 height);
     void CreateCommandBar();
     void ScanPlugins();
     void ReadColors();

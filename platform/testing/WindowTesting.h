@@ -40,6 +40,8 @@ void ClickScreen(int x, int y);
 void ClickControl(HWND dialog, int id);
 /// Presses and releases a key (VK_ code) with modifiers (MK_CONTROL, MK_SHIFT; alt = 0x20).
 void TypeKey(int virtualKey, int modifiers = 0);
+/// Presses a key without modifiers and keeps it down, or lets it go again.
+void HoldKey(int virtualKey, bool down);
 /// A control's text.
 std::u16string ControlText(HWND dialog, int id);
 /// The text and caption of a message box handed to a modal script.

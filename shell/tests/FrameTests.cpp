@@ -367,6 +367,22 @@ TEST(Frame, KeysReachTheirCommandsThroughTheTable)
                      }});
 }
 
+TEST(Frame, ASecondArrowKeyThatIsHeldAddsItsOwnMovement)
+{
+    InstallQuick();
+    RunProgram(u"", {[](MainFrame&) { HoldKey(VK_UP, true); }, [](MainFrame&) { TypeKey(VK_LEFT); },
+                     [](MainFrame& frame) {
+                         EXPECT_EQ(frame.scrollX, 10);
+                         EXPECT_EQ(frame.scrollY, 20) << "once for its own press, once beside Left";
+                         HoldKey(VK_UP, false);
+                     },
+                     [](MainFrame&) { TypeKey(VK_LEFT); },
+                     [](MainFrame& frame) {
+                         EXPECT_EQ(frame.scrollX, 20);
+                         EXPECT_EQ(frame.scrollY, 20);
+                     }});
+}
+
 TEST(Frame, ExitGoesTheOneRoadOut)
 {
     InstallQuick();

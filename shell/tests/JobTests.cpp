@@ -49,6 +49,8 @@ TEST(Jobs, AJobOfNoWorkStillShowsTheDialogForItsDelay)
         EXPECT_EQ(frame.imagePresent, 1U);
         EXPECT_GE(ProgressDialogTime() + 20, 100U);
         EXPECT_TRUE(StatusTexts().empty());
+        // It never reported, so nothing told the device that it is in use.
+        EXPECT_EQ(tavrix::platform::Hooks().idleTimerResets, 0U);
     });
 }
 
@@ -217,6 +219,42 @@ TEST(Jobs, WithoutADialogAMessageIsABox)
     EXPECT_EQ(MessageCallback(TEXT("words"), TEXT("WARNING"), MB_ICONEXCLAMATION), 0);
     EXPECT_EQ(text, u"words");
     EXPECT_EQ(caption, u"WARNING");
+}
+
+TEST(Jobs, AfterAJobAMessageIsABoxAgainThoughTheOldHandleIsStillStored)
+{
+    InstallFixture("quick");
+    int boxes = 0;
+    OnModal([&](HWND dialog, bool box) {
+        if (!box)
+            return;
+        ++boxes;
+        EndDialog(dialog, IDOK);
+    });
+    RunProgramOn(FileFor("quick"), [](MainFrame&) {
+        EXPECT_NE(progressState.statusLine, nullptr);
+        EXPECT_EQ(MessageCallback(TEXT("words"), TEXT("caption"), MB_ICONHAND), 0);
+    });
+    EXPECT_EQ(boxes, 1);
+}
+
+TEST(Jobs, ThePressOfAbortAsksToStopAndGraysTheButtonAtOnce)
+{
+    InstallFixture("quick");
+    bool enabledAfter = true;
+    OnModal([&](HWND dialog, bool box) {
+        if (box)
+            return;
+        HWND button = GetDlgItem(dialog, ControlAbort);
+        EnableWindow(button, TRUE);
+        SendMessageW(dialog, WM_COMMAND, ControlAbort, reinterpret_cast<LPARAM>(button));
+        enabledAfter = IsWindowEnabled(button);
+    });
+    RunProgramOn(FileFor("quick"), [](MainFrame& frame) {
+        EXPECT_EQ(frame.abortRequested, 1U);
+        EXPECT_EQ(ProgressCallback(1, 2), -1);
+    });
+    EXPECT_FALSE(enabledAfter);
 }
 
 TEST(Jobs, PluginsPropertiesLieInTheirOwnSection)

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace
 {
 
@@ -220,4 +222,71 @@ TEST(View, APictureScrolledOutOfTheViewLeavesItBlack)
     frame.RedrawView();
     for (i32 x = 0; x < 240; x += 7)
         EXPECT_EQ(ViewPixel(frame, x, 145), 0x000000FFU);
+}
+
+TEST(View, WithNoPictureARegionIsNotDrawn)
+{
+    FrameOfView frame(240, 290);
+    EXPECT_EQ(frame.RedrawRegion(0, 0, 10, 10), 0);
+}
+
+TEST(View, ARegionChangesItsOwnPartAloneAndAsTheWholeViewWould)
+{
+    FrameOfView frame(240, 290);
+    frame.screenWidth = 240;
+    frame.screenHeight = 320;
+    frame.clientOriginY = 30;
+    ASSERT_EQ(frame.viewRaster.Create(240, 320, 24, nullptr, nullptr), Done);
+    frame.Show(400, 400);
+    for (i32 y = 0; y < 400; ++y)
+        for (i32 x = 0; x < 400; ++x)
+            ASSERT_EQ(frame.image->SetPixel(x, y, static_cast<u32>(x << 20 | y << 8)), Done);
+    frame.OnCommand(0, CommandZoom75, nullptr);
+    std::vector<u32> whole;
+    for (i32 y = 0; y < 320; ++y)
+        for (i32 x = 0; x < 240; ++x)
+            whole.push_back(ViewPixel(frame, x, y));
+
+    frame.viewRaster.FillAll(0x55AA11FF);
+    // Fractions go outward: columns 50 to 61, rows 99 to 121.
+    EXPECT_EQ(frame.RedrawRegion(50.9, 99.5, 60.1, 120.2), 1);
+    for (i32 y = 0; y < 320; ++y)
+        for (i32 x = 0; x < 240; ++x) {
+            const bool inside = x >= 50 && x <= 61 && y >= 99 && y <= 121;
+            ASSERT_EQ(ViewPixel(frame, x, y),
+                      inside ? whole[static_cast<size_t>(y * 240 + x)] : 0x55AA11FFU)
+                << x << ", " << y;
+        }
+}
+
+TEST(View, ARegionOutsideTheScreenIsDoneWithNothingDrawn)
+{
+    FrameOfView frame(240, 290);
+    frame.screenWidth = 240;
+    frame.screenHeight = 320;
+    ASSERT_EQ(frame.viewRaster.Create(240, 320, 24, nullptr, nullptr), Done);
+    frame.Show(400, 400);
+    frame.viewRaster.FillAll(0x55AA11FF);
+    EXPECT_EQ(frame.RedrawRegion(240, 0, 250, 10), 1);
+    EXPECT_EQ(frame.RedrawRegion(0, 320, 10, 330), 1);
+    EXPECT_EQ(frame.RedrawRegion(-20, 0, -1.5, 10), 1);
+    EXPECT_EQ(frame.RedrawRegion(0, -20, 10, -1.5), 1);
+    EXPECT_EQ(ViewPixel(frame, 0, 0), 0x55AA11FFU);
+    EXPECT_EQ(ViewPixel(frame, 239, 319), 0x55AA11FFU);
+}
+
+TEST(View, ARegionIsCutToTheScreenAndOrdered)
+{
+    FrameOfView frame(240, 290);
+    frame.screenWidth = 240;
+    frame.screenHeight = 320;
+    ASSERT_EQ(frame.viewRaster.Create(240, 320, 24, nullptr, nullptr), Done);
+    frame.Show(400, 400);
+    frame.image->FillAll(0x010203FF);
+    frame.viewRaster.FillAll(0x55AA11FF);
+    EXPECT_EQ(frame.RedrawRegion(20, 310, 10, 5000), 1);
+    EXPECT_EQ(ViewPixel(frame, 10, 310), 0x010203FFU);
+    EXPECT_EQ(ViewPixel(frame, 20, 319), 0x010203FFU);
+    EXPECT_EQ(ViewPixel(frame, 21, 319), 0x55AA11FFU);
+    EXPECT_EQ(ViewPixel(frame, 10, 309), 0x55AA11FFU);
 }

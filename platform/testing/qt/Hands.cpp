@@ -101,6 +101,18 @@ void AwaitActivation()
         QTest::qWait(5);
 }
 
+void SendKey(QTest::KeyAction action, int virtualKey, Qt::KeyboardModifiers held)
+{
+    AwaitActivation();
+    const QWidget* top = QApplication::activePopupWidget();
+    if (top == nullptr)
+        top = QApplication::activeWindow();
+    if (top == nullptr)
+        top = platform::ScreenWidget();
+    if (QWindow* window = top->windowHandle())
+        QTest::sendKeyEvent(action, window, KeyOf(virtualKey), TextOf(virtualKey, held), held);
+}
+
 } // namespace
 
 void ClickScreen(int x, int y)
@@ -124,7 +136,6 @@ void ClickControl(HWND dialog, int id)
 
 void TypeKey(int virtualKey, int modifiers)
 {
-    AwaitActivation();
     Qt::KeyboardModifiers held = Qt::NoModifier;
     if ((modifiers & MK_CONTROL) != 0)
         held |= Qt::ControlModifier;
@@ -132,14 +143,12 @@ void TypeKey(int virtualKey, int modifiers)
         held |= Qt::ShiftModifier;
     if ((modifiers & AltFlag) != 0)
         held |= Qt::AltModifier;
-    const QWidget* top = QApplication::activePopupWidget();
-    if (top == nullptr)
-        top = QApplication::activeWindow();
-    if (top == nullptr)
-        top = platform::ScreenWidget();
-    if (QWindow* window = top->windowHandle())
-        QTest::sendKeyEvent(QTest::Click, window, KeyOf(virtualKey), TextOf(virtualKey, held),
-                            held);
+    SendKey(QTest::Click, virtualKey, held);
+}
+
+void HoldKey(int virtualKey, bool down)
+{
+    SendKey(down ? QTest::Press : QTest::Release, virtualKey, Qt::NoModifier);
 }
 
 std::u16string ControlText(HWND dialog, int id)
