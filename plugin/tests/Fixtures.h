@@ -61,13 +61,15 @@ private:
     std::filesystem::path host;
 };
 
-/// Where the program's own plugins lie.
+/// Where the user's plugins lie, which the program sees among its own. The folder beside the test
+/// program is shared by all tests that run at the time, and none writes to it.
 inline PluginFolder ProgramPlugins()
 {
-    const std::filesystem::path program = tavrix::testing::HostPath(u"\\Program Files\\Tavrix");
-    std::filesystem::remove_all(program / "PLUGINS");
-    std::filesystem::create_directories(program / "PLUGINS");
-    return PluginFolder(program / "PLUGINS");
+    const std::filesystem::path own =
+        std::filesystem::path(tavrix::testing::TestHome()) / "data" / "tavrix" / "PLUGINS";
+    std::filesystem::remove_all(own);
+    std::filesystem::create_directories(own);
+    return PluginFolder(own);
 }
 
 /// Whether a library of this file name is in the process.
