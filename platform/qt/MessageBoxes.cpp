@@ -8,6 +8,7 @@
 #include "platform/qt/DialogWidget.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/MessageBoxText.h"
+#include "platform/qt/Shot.h"
 #include "platform/qt/UiThread.h"
 #include "platform/qt/Window.h"
 
@@ -15,6 +16,8 @@
 #include <QFontMetrics>
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
 
 namespace tavrix::platform
 {
@@ -125,12 +128,30 @@ DialogPlan PlanBox(const QString& text, const std::u16string& rawText,
     return plan;
 }
 
+std::string TextOf(HWND window)
+{
+    std::u16string text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, 0);
+    text.resize(
+        static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return QString::fromStdU16String(text).toStdString();
+}
+
+// Without anybody to answer, the box says its words where they can be read and takes its default.
+void AnswerForNobody(HWND box, UINT answer)
+{
+    std::fprintf(stderr, "tavrix: %s: %s\n", TextOf(box).c_str(),
+                 TextOf(GetDlgItem(box, BoxTextId)).c_str());
+    PostMessageW(box, WM_COMMAND, answer, 0);
+}
+
 INT_PTR CALLBACK BoxProcedure(HWND box, UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message) {
     case WM_INITDIALOG: {
         const auto state = DialogStateOf(FindWindowRecord(box));
         SetFocus(GetDlgItem(box, static_cast<int>(state->defaultId)));
+        if (ShotIsWanted())
+            AnswerForNobody(box, state->defaultId);
         return FALSE;
     }
     case WM_COMMAND: {

@@ -13,13 +13,19 @@
 namespace tavrix::platform
 {
 
+bool ShotIsWanted()
+{
+    const char* path = std::getenv("TAVRIX_SHOT");
+    return path != nullptr && *path != 0;
+}
+
 void TakeShot()
 {
     static bool taken = false;
-    const char* path = std::getenv("TAVRIX_SHOT");
-    if (taken || path == nullptr || *path == 0)
+    if (taken || !ShotIsWanted())
         return;
     taken = true;
+    const char* path = std::getenv("TAVRIX_SHOT");
     const QImage picture = ScreenWidget()->grab().toImage().convertToFormat(QImage::Format_RGB888);
     if (!picture.save(QString::fromLocal8Bit(path), "PNG"))
         std::fprintf(stderr, "tavrix: cannot write the picture of the screen to %s\n", path);

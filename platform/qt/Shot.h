@@ -5,6 +5,8 @@
 namespace tavrix::platform
 {
 
+/// Whether the environment asks for one. Nobody sits at the machine then.
+bool ShotIsWanted();
 /// Writes the picture if it is asked for, and closes the main window. Only the first call does.
 void TakeShot();
 

@@ -194,6 +194,21 @@ TEST(Process, ALibraryThatIsNoPluginIsLeftOutWithoutAWord)
     EXPECT_GT(FirstPictureRow(shot, 220, 200), 0);
 }
 
+TEST(Process, WithNobodyToAnswerABoxTellsItsTextAndTakesItsDefault)
+{
+    // The program alone, without its plugins.
+    const std::string alone = TestHome() + "/alone";
+    fs::create_directories(alone);
+    for (const char* file : {"/tavrix", "/libtavrix-platform.so"})
+        fs::copy_file(TAVRIX_BINARY_DIR "/bin" + std::string(file), alone + file);
+    const ProcessResult result =
+        RunTavrix({WriteTestPng(20, 20)}, {{"TAVRIX_SHOT", ShotPath()}, {"TAVRIX_LANG", "en"}}, {},
+                  alone + "/tavrix");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "tavrix: WARNING: No INPUT plugin is installed\n");
+    EXPECT_FALSE(QImage(QString::fromStdString(ShotPath())).isNull());
+}
+
 TEST(Process, SpeaksJapaneseWhenAsked)
 {
     const ProcessResult result = RunTavrix(

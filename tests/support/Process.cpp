@@ -17,7 +17,8 @@ namespace tavrix::testing
 
 ProcessResult RunTavrix(const std::vector<std::string>& arguments,
                         const std::map<std::string, std::string>& environment,
-                        const std::function<void(int)>& whileRunning, int secondsAtMost)
+                        const std::function<void(int)>& whileRunning, const std::string& program,
+                        int secondsAtMost)
 {
     const std::string outputFile = TestHome() + "/output.txt";
     const pid_t child = fork();
@@ -28,8 +29,7 @@ ProcessResult RunTavrix(const std::vector<std::string>& arguments,
         for (const auto& [name, value] : environment)
             setenv(name.c_str(), value.c_str(), 1);
         std::vector<char*> list;
-        std::string program = TAVRIX_BINARY_DIR "/bin/tavrix";
-        list.push_back(program.data());
+        list.push_back(const_cast<char*>(program.c_str()));
         for (const std::string& argument : arguments)
             list.push_back(const_cast<char*>(argument.c_str()));
         list.push_back(nullptr);

@@ -16,9 +16,14 @@ struct ProcessResult {
     long peakResidentKilobytes = 0;
 };
 
-/// Runs the built program. `whileRunning` is called every few milliseconds with the process id.
+/// The program as the build made it, with its plugins beside it.
+inline const std::string BuiltProgram = TAVRIX_BINARY_DIR "/bin/tavrix";
+
+/// Runs a program, by default the built one. `whileRunning` is called every few milliseconds with
+/// the process id.
 ProcessResult RunTavrix(const std::vector<std::string>& arguments,
                         const std::map<std::string, std::string>& environment,
-                        const std::function<void(int)>& whileRunning = {}, int secondsAtMost = 100);
+                        const std::function<void(int)>& whileRunning = {},
+                        const std::string& program = BuiltProgram, int secondsAtMost = 100);
 
 } // namespace tavrix::testing
