@@ -105,6 +105,8 @@ void StretchRow(u8* target, const u8* source, const Axis& columns)
 
 void StretchRows(Raster* source, Raster* target, const Axis& columns, const Axis& rows)
 {
+    if (columns.count < 1)
+        return;
     u32 position = rows.start + static_cast<u32>(rows.first) * rows.step;
     for (i32 i = 0; i < rows.count; ++i, position += rows.step) {
         const i32 targetLine = rows.to + rows.first + i;
@@ -122,10 +124,19 @@ void StretchRows(Raster* source, Raster* target, const Axis& columns, const Axis
     }
 }
 
-// Written so that a coordinate that is no number draws nothing.
+// A coordinate that is no number is not inside, and so draws nothing.
 bool StartsInside(const DoubleRect& rectangle, const RasterInfo& raster)
 {
     return rectangle.left < raster.width && rectangle.top < raster.height;
+}
+
+// Orders both rectangles; false when one starts behind its raster and there is nothing to map.
+bool PrepareMapping(DoubleRect* from, DoubleRect* into, const RasterInfo& source,
+                    const RasterInfo& target)
+{
+    (void)NormalizeDoubleRect(from);
+    (void)NormalizeDoubleRect(into);
+    return StartsInside(*from, source) && StartsInside(*into, target);
 }
 
 } // namespace
@@ -141,9 +152,7 @@ i32 Raster::StretchRect(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourc
         return Failed;
     DoubleRect from = {sourceLeft, sourceTop, sourceRight, sourceBottom};
     DoubleRect into = {targetLeft, targetTop, targetRight, targetBottom};
-    (void)NormalizeDoubleRect(&from);
-    (void)NormalizeDoubleRect(&into);
-    if (!StartsInside(from, info) || !StartsInside(into, to))
+    if (!PrepareMapping(&from, &into, info, to))
         return Done;
     const f64 width = from.right - from.left + 1.0;
     const f64 height = from.bottom - from.top + 1.0;
@@ -172,12 +181,10 @@ i32 Raster::StretchRegion(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sou
         return Failed;
     DoubleRect from = {sourceLeft, sourceTop, sourceRight, sourceBottom};
     DoubleRect into = {targetLeft, targetTop, targetRight, targetBottom};
-    DoubleRect clip = {clipLeft, clipTop, clipRight, clipBottom};
-    (void)NormalizeDoubleRect(&from);
-    (void)NormalizeDoubleRect(&into);
-    (void)NormalizeDoubleRect(&clip);
-    if (!StartsInside(from, info) || !StartsInside(into, to))
+    if (!PrepareMapping(&from, &into, info, to))
         return Done;
+    DoubleRect clip = {clipLeft, clipTop, clipRight, clipBottom};
+    (void)NormalizeDoubleRect(&clip);
     // Narrowed to the target as it was given, and again to the corrected one.
     clip = {std::max(clip.left, into.left), std::max(clip.top, into.top),
             std::min(clip.right, into.right), std::min(clip.bottom, into.bottom)};

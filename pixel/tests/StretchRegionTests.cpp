@@ -1,18 +1,11 @@
 // The clipped stretch against its steps, pixel by pixel, and against the whole stretch.
 
-#include "Rasters.h"
-
-#include <cmath>
-#include <random>
+#include "RandomStretches.h"
 
 namespace
 {
 
 using StretchRegion = PagingTest;
-
-struct Sides {
-    f64 left, top, right, bottom;
-};
 
 void Order(Sides& sides)
 {
@@ -102,38 +95,14 @@ i32 Draw(Raster& source, Raster& target, const Sides& s, const Sides& d, const S
 
 TEST_F(StretchRegion, FollowsItsStepsForRandomRectanglesOnEverySide)
 {
-    std::mt19937 random(11);
-    const auto side = [&random](f64 low, f64 high, int kind) {
-        const f64 value = low + (high - low) * (random() / 4294967296.0);
-        return kind == 0 ? std::floor(value) : kind == 1 ? std::floor(value * 4) / 4 : value;
-    };
-    for (const bool pages : {false, true})
-        for (u32 width = 1; width <= 33; ++width) {
-            const Paging paging = pages ? Paging::Under : Paging::None;
-            const u32 height = 1 + (width * 7) % 12;
-            Raster source;
-            Raster target;
-            ASSERT_NO_FATAL_FAILURE(MakeRaster(source, width, height, 24, width, paging));
-            ASSERT_NO_FATAL_FAILURE(MakeRaster(target, 34 - width, 9, 24, width + 50, paging));
-            const Plain from = PlainOf(source);
-            Plain expected = PlainOf(target);
-            for (int round = 0; round < (pages ? 4 : 150); ++round) {
-                const int kind = round % 3;
-                const f64 w = width;
-                const f64 h = height;
-                const f64 dw = 34.0 - width;
-                const Sides s = {side(-w, w + 2, kind), side(-h, h + 2, kind), side(0, 2 * w, kind),
-                                 side(0, 2 * h, kind)};
-                const Sides d = {side(-dw, dw + 2, kind), side(-9, 11, kind), side(0, 2 * dw, kind),
-                                 side(0, 18, kind)};
-                const Sides clip = {side(-dw, dw + 2, kind), side(-9, 11, kind),
-                                    side(0, 2 * dw, kind), side(0, 18, kind)};
-                ASSERT_EQ(Draw(source, target, s, d, clip), 1);
-                Stretched(from, expected, s, d, clip);
-                ASSERT_EQ(PlainOf(target).rows, expected.rows)
-                    << "width " << width << " round " << round;
-            }
-        }
+    ExpectSameForRandomStretches(
+        11,
+        [](Raster& source, Raster& target, const StretchCase& drawn) {
+            return Draw(source, target, drawn.source, drawn.target, drawn.clip);
+        },
+        [](const Plain& source, Plain& target, const StretchCase& drawn) {
+            Stretched(source, target, drawn.source, drawn.target, drawn.clip);
+        });
 }
 
 TEST_F(StretchRegion, APartLinesUpWithTheWholeToThePixel)

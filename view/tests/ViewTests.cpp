@@ -16,6 +16,14 @@ struct FrameOfView : MainFrame {
         viewWidth = width;
         viewHeight = height;
     }
+    void MakeScreen(i32 width, i32 height)
+    {
+        screenWidth = width;
+        screenHeight = height;
+        ASSERT_EQ(viewRaster.Create(static_cast<u32>(width), static_cast<u32>(height), 24, nullptr,
+                                    nullptr),
+                  Done);
+    }
     void Show(u32 width, u32 height)
     {
         ASSERT_EQ(image->Create(width, height, 24, nullptr, nullptr), Done);
@@ -211,9 +219,7 @@ TEST(View, WithNoPictureTheViewIsBlack)
 TEST(View, APictureScrolledOutOfTheViewLeavesItBlack)
 {
     FrameOfView frame(240, 290);
-    frame.screenWidth = 240;
-    frame.screenHeight = 320;
-    ASSERT_EQ(frame.viewRaster.Create(240, 320, 24, nullptr, nullptr), Done);
+    frame.MakeScreen(240, 320);
     frame.Show(50, 50);
     frame.image->FillAll(0x102030FF);
     frame.InitializeView();
@@ -233,10 +239,8 @@ TEST(View, WithNoPictureARegionIsNotDrawn)
 TEST(View, ARegionChangesItsOwnPartAloneAndAsTheWholeViewWould)
 {
     FrameOfView frame(240, 290);
-    frame.screenWidth = 240;
-    frame.screenHeight = 320;
+    frame.MakeScreen(240, 320);
     frame.clientOriginY = 30;
-    ASSERT_EQ(frame.viewRaster.Create(240, 320, 24, nullptr, nullptr), Done);
     frame.Show(400, 400);
     for (i32 y = 0; y < 400; ++y)
         for (i32 x = 0; x < 400; ++x)
@@ -262,9 +266,7 @@ TEST(View, ARegionChangesItsOwnPartAloneAndAsTheWholeViewWould)
 TEST(View, ARegionOutsideTheScreenIsDoneWithNothingDrawn)
 {
     FrameOfView frame(240, 290);
-    frame.screenWidth = 240;
-    frame.screenHeight = 320;
-    ASSERT_EQ(frame.viewRaster.Create(240, 320, 24, nullptr, nullptr), Done);
+    frame.MakeScreen(240, 320);
     frame.Show(400, 400);
     frame.viewRaster.FillAll(0x55AA11FF);
     EXPECT_EQ(frame.RedrawRegion(240, 0, 250, 10), 1);
@@ -278,9 +280,7 @@ TEST(View, ARegionOutsideTheScreenIsDoneWithNothingDrawn)
 TEST(View, ARegionIsCutToTheScreenAndOrdered)
 {
     FrameOfView frame(240, 290);
-    frame.screenWidth = 240;
-    frame.screenHeight = 320;
-    ASSERT_EQ(frame.viewRaster.Create(240, 320, 24, nullptr, nullptr), Done);
+    frame.MakeScreen(240, 320);
     frame.Show(400, 400);
     frame.image->FillAll(0x010203FF);
     frame.viewRaster.FillAll(0x55AA11FF);
