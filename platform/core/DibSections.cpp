@@ -18,15 +18,6 @@ bool IsKnownDepth(int depth)
     return depth == 1 || depth == 2 || depth == 4 || depth == 8 || depth == 24 || depth == 32;
 }
 
-bool MayAllocate(SIZE_T size)
-{
-    TestHooks& hooks = Hooks();
-    if (!hooks.active)
-        return true;
-    std::lock_guard guard(hooks.lock);
-    return !hooks.allocationFault || !hooks.allocationFault(size);
-}
-
 std::vector<RGBQUAD> ColorsOf(const BITMAPINFO& info)
 {
     const BITMAPINFOHEADER& header = info.bmiHeader;
@@ -69,10 +60,11 @@ HBITMAP WINAPI CreateDIBSection(HDC, const BITMAPINFO* info, UINT usage, void** 
     if (stride > LargestSection / height)
         return nullptr;
     const size_t size = static_cast<size_t>(stride * height);
-    if (!MayAllocate(size))
+    if (IsAllocationFaulty(size))
         return nullptr;
     try {
         const auto bitmap = std::make_shared<Bitmap>();
+        const HostAllocation own;
         bitmap->memory = std::calloc(1, size);
         if (bitmap->memory == nullptr)
             return nullptr;

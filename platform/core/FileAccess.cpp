@@ -46,6 +46,19 @@ bool SizeOf(const OpenFile& file, int64_t* size)
     return true;
 }
 
+/// How many of the bytes to be written at the position fit on the disk.
+DWORD FittingOf(const OpenFile& file, DWORD length)
+{
+    struct stat info {
+    };
+    if (!Hooks().active || fstat(file.file.Get(), &info) != 0)
+        return length;
+    const int64_t end = file.position + length;
+    const int64_t growth = std::clamp<int64_t>(end - info.st_size, 0, length);
+    const auto fitting = TakeDiskSpace(static_cast<unsigned long long>(growth));
+    return length - static_cast<DWORD>(growth) + static_cast<DWORD>(fitting);
+}
+
 } // namespace
 
 BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD length, LPDWORD done,
@@ -60,11 +73,13 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD length, LPDWORD done,
         return FailWith(ERROR_INVALID_PARAMETER);
     if (!file->canRead)
         return FailWith(ERROR_ACCESS_DENIED);
-    if (IsFaulty(FileOperation::Read, file->path.c_str()))
+    DWORD missing = 0;
+    if (IsFaulty(FileOperation::Read, file->path.c_str(), &missing) && missing == 0)
         return FailWithHost(EIO);
+    const DWORD wanted = length - std::min(length, missing);
     const std::lock_guard guard(file->lock);
     int error = 0;
-    const size_t got = ReadAt(file->file.Get(), buffer, length, file->position, &error);
+    const size_t got = ReadAt(file->file.Get(), buffer, wanted, file->position, &error);
     file->position += static_cast<int64_t>(got);
     *done = static_cast<DWORD>(got);
     return error == 0 || got != 0 ? TRUE : FailWithHost(error);
@@ -84,10 +99,11 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID buffer, DWORD length, LPDWORD done,
         return FailWith(ERROR_ACCESS_DENIED);
     DWORD missing = 0;
     const bool isFaulty = IsFaulty(FileOperation::Write, file->path.c_str(), &missing);
-    const DWORD wanted = isFaulty ? length - std::min(length, missing) : length;
+    const DWORD wanted = isFaulty ? length - std::min(length, std::max(missing, 1u)) : length;
     const std::lock_guard guard(file->lock);
     int error = 0;
-    const size_t put = WriteAt(file->file.Get(), buffer, wanted, file->position, &error);
+    const size_t put =
+        WriteAt(file->file.Get(), buffer, FittingOf(*file, wanted), file->position, &error);
     file->position += static_cast<int64_t>(put);
     *done = static_cast<DWORD>(put);
     if (put == length)

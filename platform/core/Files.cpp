@@ -64,6 +64,8 @@ DWORD OpenAt(const std::string& host, bool exists, DWORD access, const Opening& 
 {
     int flags = AccessFlags(access, opening);
     if (!exists) {
+        if (IsDiskFull())
+            return ERROR_DISK_FULL;
         if (flags == O_PATH)
             flags = O_RDONLY;
         flags |= O_CREAT | (opening.mustBeNew ? O_EXCL : 0);

@@ -118,6 +118,13 @@ bool RemoveGdiObject(HGDIOBJ handle)
     return true;
 }
 
+size_t CountDrawingObjects()
+{
+    Table& table = Objects();
+    std::lock_guard guard(table.lock);
+    return table.objects.size() + table.contexts.size();
+}
+
 HDC AddDeviceContext(std::shared_ptr<DeviceContext> context)
 {
     const StockObjects& stock = Stock();

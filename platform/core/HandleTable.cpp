@@ -113,6 +113,13 @@ std::shared_ptr<KernelObject> RemoveHandle(HANDLE handle)
     return std::move(slot->object);
 }
 
+size_t CountHandles()
+{
+    Table& table = TheTable();
+    const std::lock_guard guard(table.lock);
+    return table.slots.size() - 1 - table.resting.size();
+}
+
 } // namespace tavrix::platform
 
 BOOL WINAPI CloseHandle(HANDLE handle)

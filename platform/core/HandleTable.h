@@ -1,6 +1,7 @@
 // The table behind every kernel handle: files, listings, threads, events, mutexes. A handle is a
-// number with a generation in it, never an address, so that a stale or made-up handle is told from a
-// live one. Safe from any thread; an object lives until its last handle and its last user are gone.
+// number with a generation in it, never an address, so that a stale or made-up handle is told from
+// a live one. Safe from any thread; an object lives until its last handle and its last user are
+// gone.
 #pragma once
 
 #include <windows.h>
@@ -14,8 +15,8 @@ class KernelObject
 {
 public:
     virtual ~KernelObject() = default;
-    /// Waits until the object is signalled: WAIT_OBJECT_0, WAIT_TIMEOUT or WAIT_FAILED (the default:
-    /// the object cannot be waited for).
+    /// Waits until the object is signalled: WAIT_OBJECT_0, WAIT_TIMEOUT or WAIT_FAILED (the
+    /// default: the object cannot be waited for).
     virtual DWORD Wait(DWORD milliseconds);
 };
 
@@ -25,6 +26,8 @@ HANDLE AddHandle(std::shared_ptr<KernelObject> object);
 std::shared_ptr<KernelObject> FindObject(HANDLE handle);
 /// Takes the handle out of the table; empty when it was not in it.
 std::shared_ptr<KernelObject> RemoveHandle(HANDLE handle);
+/// The handles that are open.
+size_t CountHandles();
 
 /// The object behind a handle if it is of type T.
 template <class T>

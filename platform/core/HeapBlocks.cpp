@@ -26,16 +26,6 @@ uint32_t MarkFor(const HeapBlock* block)
     return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(block) >> 3) ^ 0x5AB10C4Bu;
 }
 
-bool FaultWanted(SIZE_T size)
-{
-    TestHooks& hooks = Hooks();
-    if (!hooks.active.load(std::memory_order_relaxed))
-        return false;
-    // Called under the lock, so that a fault that counts its calls needs no lock of its own.
-    const std::lock_guard<std::mutex> guard(hooks.lock);
-    return hooks.allocationFault && hooks.allocationFault(size);
-}
-
 } // namespace
 
 size_t HeldBytes()
@@ -45,13 +35,14 @@ size_t HeldBytes()
 
 void* AllocateBlock(HeapSlot& heap, SIZE_T size, bool zeroed)
 {
-    if (size > LargestBlock || FaultWanted(size))
+    if (size > LargestBlock || IsAllocationFaulty(size))
         return nullptr;
     {
         const std::lock_guard<std::mutex> guard(heap.lock);
         if (heap.maximum != 0 && (size > heap.maximum || heap.held > heap.maximum - size))
             return nullptr;
     }
+    const HostAllocation own;
     void* memory =
         zeroed ? std::calloc(1, sizeof(HeapBlock) + size) : std::malloc(sizeof(HeapBlock) + size);
     if (memory == nullptr)

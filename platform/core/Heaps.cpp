@@ -109,6 +109,13 @@ HeapSlot& GlobalHeapSlot()
     return *Slots().globalHeap;
 }
 
+size_t CountHeaps()
+{
+    SlotTable& table = Slots();
+    const std::lock_guard<std::mutex> guard(table.lock);
+    return table.used - table.unused.size();
+}
+
 } // namespace tavrix::platform
 
 using namespace tavrix::platform;

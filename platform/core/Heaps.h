@@ -11,4 +11,7 @@ namespace tavrix::platform
 /// counted. Any thread, costs one load.
 size_t HeldBytes();
 
+/// The heaps that live.
+size_t CountHeaps();
+
 } // namespace tavrix::platform

@@ -1,5 +1,5 @@
-// What a test may bend in the platform. One process-wide record, all at rest by default; the program
-// never touches it. Tests reach it through platform/testing, never directly.
+// What a test may bend in the platform. One process-wide record, all at rest by default; the
+// program never touches it. Tests reach it through platform/testing, never directly.
 #pragma once
 
 #include <windows.h>
@@ -17,20 +17,25 @@ namespace tavrix::platform
 enum class FileOperation { Create, Open, Read, Write };
 
 struct TestHooks {
-    std::mutex lock;                            // guards every field that is not atomic
-    std::atomic<bool> active{false};            // false: nobody looks further
+    std::mutex lock;                             // guards every field that is not atomic
+    std::atomic<bool> active{false};             // false: nobody looks further
     std::optional<unsigned long long> freeBytes; // what the device pretends to have free, exactly
     std::optional<LANGID> language;
-    std::vector<LONG> randomNumbers;            // given out in order before the generator takes over
+    std::vector<LONG> randomNumbers; // given out in order before the generator takes over
     size_t randomNext = 0;
     std::optional<SYSTEMTIME> systemTime;
     std::optional<DWORD> tickCount;
     /// Asked before each operation on a host file, with the device path: true lets it fail. A
-    /// failing write comes up short (`*shortBy` bytes fewer, at least one).
+    /// failing write comes up short (`*shortBy` bytes fewer, at least one). A failing read is an
+    /// error, or comes up short if `*shortBy` was set.
     std::function<bool(FileOperation, const WCHAR* path, DWORD* shortBy)> fileFault;
-    /// Asked before each allocation from a heap or the global heap: true lets it fail.
+    /// Bytes by which files can still grow, on all disks together. Deleting gives nothing back.
+    std::optional<unsigned long long> diskSpace;
+    /// Asked before each allocation from a heap or the global heap, and in test programs before the
+    /// program's own from the C run time: true lets it fail. Called under the lock.
     std::function<bool(SIZE_T size)> allocationFault;
-    std::atomic<bool> threadFault{false}; // no thread can be made
+    /// Asked before each thread is made: true lets it fail. Called under the lock.
+    std::function<bool()> threadFault;
     /// Counts what the program asked for.
     std::atomic<unsigned> idleTimerResets{0};
     std::atomic<unsigned> beeps{0};
@@ -41,5 +46,30 @@ struct TestHooks {
 
 /// The record. Exported, so that test programs reach the one inside the shared library.
 CE_API TestHooks& Hooks();
+
+/// Whether a test lets an allocation of `size` bytes fail.
+CE_API bool IsAllocationFaulty(SIZE_T size);
+
+/// While one lives on a thread, memory asked of the C run time there is the platform's own part of
+/// an allocation that has been asked about already.
+class CE_API HostAllocation
+{
+public:
+    HostAllocation();
+    ~HostAllocation();
+    HostAllocation(const HostAllocation&) = delete;
+    HostAllocation& operator=(const HostAllocation&) = delete;
+    static bool IsUnderWay();
+};
+
+/// What the program holds of the device, to see that nothing stays behind.
+struct Holdings {
+    size_t heapBytes = 0;
+    size_t heaps = 0;
+    size_t kernelHandles = 0;
+    size_t drawingObjects = 0; // bitmaps, brushes, fonts, contexts
+    bool operator==(const Holdings&) const = default;
+};
+CE_API Holdings CountHoldings();
 
 } // namespace tavrix::platform

@@ -100,6 +100,15 @@ private:
     DWORD exitCode = 0;
 };
 
+bool IsThreadFaulty()
+{
+    TestHooks& hooks = Hooks();
+    if (!hooks.active)
+        return false;
+    const std::lock_guard<std::mutex> guard(hooks.lock);
+    return hooks.threadFault && hooks.threadFault();
+}
+
 } // namespace
 
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE start,
@@ -110,7 +119,7 @@ HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    if (Hooks().threadFault) {
+    if (IsThreadFaulty()) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }

@@ -1,6 +1,6 @@
 // The one door through which tests bend the platform: free memory, failing files, the language,
-// Random, the clock. Compiled into test programs only. Everything set here is undone by Reset, which
-// a Scope calls at its end.
+// Random, the clock. Compiled into test programs only. Everything set here is undone by Reset,
+// which a Scope calls at its end.
 #pragma once
 
 #include "platform/core/TestHooks.h"
@@ -31,11 +31,14 @@ void SetTickCount(DWORD milliseconds);
 /// Asked before each operation on a file (see TestHooks::fileFault).
 void SetFileFault(
     std::function<bool(platform::FileOperation, const WCHAR* path, DWORD* shortBy)> fault);
-/// Asked before each allocation from a heap or the global heap.
+/// What is left on every disk, in bytes; writes beyond that come up short, and at 0 no file can be
+/// made. Deleting gives nothing back.
+void SetDiskSpace(unsigned long long bytes);
+/// Asked before each allocation (which ones: see Faults.h).
 void SetAllocationFault(std::function<bool(SIZE_T size)> fault);
 
-/// From now on no thread can be made.
-void SetThreadFault(bool fault);
+/// Asked before each thread is made.
+void SetThreadFault(std::function<bool()> fault);
 
 /// The host path behind a device path, in UTF-8, for looking from outside. Empty when it has none.
 std::string HostPath(const WCHAR* devicePath);

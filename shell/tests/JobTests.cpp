@@ -161,7 +161,7 @@ TEST(Jobs, AThreadThatCannotBeMadeClosesTheDialogAndTellsByABox)
 {
     Scope scope;
     InstallFixture("quick");
-    SetThreadFault(true);
+    SetThreadFault([] { return true; });
     std::u16string text;
     std::u16string caption;
     OnModal([&](HWND dialog, bool box) {

@@ -103,6 +103,15 @@ CE_API BOOL WINAPI MoveFileW(LPCWSTR from, LPCWSTR to);
 CE_API BOOL WINAPI CopyFileW(LPCWSTR from, LPCWSTR to, BOOL failIfExists);
 CE_API BOOL WINAPI CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES security);
 CE_API BOOL WINAPI RemoveDirectoryW(LPCWSTR path);
+typedef union _ULARGE_INTEGER {
+    struct {
+        DWORD LowPart;
+        DWORD HighPart;
+    } u;
+    uint64_t QuadPart;
+} ULARGE_INTEGER, *PULARGE_INTEGER;
+CE_API BOOL WINAPI GetDiskFreeSpaceExW(LPCWSTR folder, PULARGE_INTEGER freeToCaller,
+                                       PULARGE_INTEGER total, PULARGE_INTEGER freeToAll);
 CE_API HANDLE WINAPI FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data);
 CE_API BOOL WINAPI FindNextFileW(HANDLE find, LPWIN32_FIND_DATAW data);
 CE_API BOOL WINAPI FindClose(HANDLE find);

@@ -55,7 +55,8 @@ void Reset()
     hooks.tickCount.reset();
     hooks.fileFault = nullptr;
     hooks.allocationFault = nullptr;
-    hooks.threadFault = false;
+    hooks.threadFault = nullptr;
+    hooks.diskSpace.reset();
     hooks.modalStarted = nullptr;
     hooks.idleTimerResets = 0;
     hooks.beeps = 0;
@@ -100,9 +101,17 @@ void SetAllocationFault(std::function<bool(SIZE_T size)> fault)
     Bend([&fault](platform::TestHooks& hooks) { hooks.allocationFault = std::move(fault); });
 }
 
-// By hand and not through the platform's converters, whose tests compare with these.
-void SetThreadFault(bool fault) { platform::Hooks().threadFault = fault; }
+void SetThreadFault(std::function<bool()> fault)
+{
+    Bend([&fault](platform::TestHooks& hooks) { hooks.threadFault = std::move(fault); });
+}
 
+void SetDiskSpace(unsigned long long bytes)
+{
+    Bend([bytes](platform::TestHooks& hooks) { hooks.diskSpace = bytes; });
+}
+
+// By hand and not through the platform's converters, whose tests compare with these.
 std::u16string Wide(const std::string& utf8)
 {
     std::u16string text;
