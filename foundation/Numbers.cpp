@@ -1,5 +1,7 @@
 #include "foundation/Numbers.h"
 
+#include "foundation/TextUnits.h"
+
 #include <cmath>
 
 namespace
@@ -37,6 +39,42 @@ i32 ParseWithSign(const Char* text, u64* value)
     return ParseWithoutSign(text != nullptr && *text == '-' ? text + 1 : text, value);
 }
 
+/// What a digit is worth at the given place behind the point: by repeated multiplication, whose
+/// rounding a power of ten does not have. It stops at 0, which nothing changes any more, so that a
+/// text of many digits costs no more than its length.
+f64 BehindPoint(f64 digit, u32 place)
+{
+    for (u32 i = 0; i < place && digit != 0; ++i)
+        digit *= 0.1;
+    return digit;
+}
+
+template <class Char>
+i32 ParseDecimal(const Char* text, f64* value)
+{
+    if (value == nullptr)
+        return Failed;
+    *value = 0;
+    if (text == nullptr)
+        return Failed;
+    f64 number = 0;
+    bool isBehindPoint = false;
+    u32 place = 0;
+    for (; *text != 0; ++text) {
+        if (*text == '.') {
+            isBehindPoint = true;
+            continue;
+        }
+        const f64 digit = static_cast<f64>(UnitValue(*text)) - '0';
+        if (isBehindPoint)
+            number += BehindPoint(digit, ++place);
+        else
+            number = number * 10 + digit;
+    }
+    *value = number;
+    return Done;
+}
+
 f64 Rounded(f64 value)
 {
     const f64 whole = std::trunc(value);
@@ -67,6 +105,16 @@ i32 ParseSigned(const WCHAR* text, u64* value)
 i32 ParseSigned(const char* text, u64* value)
 {
     return ParseWithSign(text, value);
+}
+
+i32 ParseReal(const WCHAR* text, f64* value)
+{
+    return ParseDecimal(text, value);
+}
+
+i32 ParseReal(const char* text, f64* value)
+{
+    return ParseDecimal(text, value);
 }
 
 i32 TruncateToSigned(f64 value)

@@ -1,5 +1,6 @@
-// Numbers to text and back, and the one conversion of a double to an integer. The parsers leave
-// their output at 0 on failure. Overflow is not looked at: values wrap in 64 bits.
+// Text to numbers, and the one conversion of a double to an integer. The parsers leave their output
+// at 0 on failure. Overflow is not looked at: values wrap in 64 bits. For numbers to text see
+// NumberText.h.
 #pragma once
 
 #include "foundation/Result.h"
@@ -12,6 +13,13 @@ i32 ParseUnsigned(const char* text, u64* value);
 /// As ParseUnsigned with one leading "-", which is skipped and never applied.
 i32 ParseSigned(const WCHAR* text, u64* value);
 i32 ParseSigned(const char* text, u64* value);
+
+/// Digits and "."; an empty text gives 0. Failed for null only, as no character is refused: each
+/// one but "." counts as a digit of the value `c - 48`, so that "1a" gives 59. Before the point the
+/// number becomes `number * 10 + digit`; the k-th digit behind it adds `digit` multiplied k times
+/// by 0.1. A second "." changes nothing, and there is no sign.
+i32 ParseReal(const WCHAR* text, f64* value);
+i32 ParseReal(const char* text, f64* value);
 
 /// Truncation towards zero with saturation at the ends of the type, the same on every processor
 /// (a plain conversion is undefined outside the range). Not-a-number gives 0.

@@ -1,5 +1,7 @@
 #include "foundation/TextSearch.h"
 
+#include "foundation/TextUnits.h"
+
 namespace
 {
 
@@ -49,14 +51,6 @@ i32 Last(const Char* text, Char character, const Char** out)
 }
 
 template <class Char>
-Char Folded(Char character)
-{
-    if (character < 'A' || character > 'Z')
-        return character;
-    return static_cast<Char>(character - 'A' + 'a');
-}
-
-template <class Char>
 i32 SearchNoCase(const Char* haystack, const Char* needle, const Char** out)
 {
     if (haystack == nullptr || needle == nullptr)
@@ -67,7 +61,7 @@ i32 SearchNoCase(const Char* haystack, const Char* needle, const Char** out)
     for (; *haystack != 0; ++haystack) {
         // Meant as it stands: the character that broke a match is not looked at again, so that a
         // needle which begins right there is missed. A full search would choose other plugins.
-        if (Folded(*haystack) != Folded(*wanted)) {
+        if (FoldedUnit(*haystack) != FoldedUnit(*wanted)) {
             wanted = needle;
             continue;
         }

@@ -1,4 +1,5 @@
-// Searches and compares on wide and narrow text. Case folding is that of A to Z only.
+// Lengths, and searches for a character or without regard to case, on wide and narrow text. Case
+// folding is that of A to Z only. `*out` may be null, and is written only when something is found.
 #pragma once
 
 #include "foundation/Result.h"
