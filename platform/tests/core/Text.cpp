@@ -1,6 +1,7 @@
 // Text between code pages and 16-bit characters. Expected bytes are typed from the code charts.
 
 #include "platform/testing/Testing.h"
+#include "platform/tests/core/CodePageText.h"
 
 #include <windows.h>
 
@@ -16,37 +17,10 @@ namespace
 using tavrix::testing::Scope;
 using tavrix::testing::SetLanguage;
 
-constexpr UINT Japanese = 932;
-constexpr UINT Western = 1252;
-
-/// Decodes into a buffer of just the size that the call itself asks for; input and output stand in
-/// blocks of their own, whose ends the sanitizer guards.
-std::u16string Decoded(UINT codePage, const std::string& bytes)
-{
-    const auto exact = std::make_unique<char[]>(bytes.size());
-    bytes.copy(exact.get(), bytes.size());
-    const int length = static_cast<int>(bytes.size());
-    const int needed = MultiByteToWideChar(codePage, 0, exact.get(), length, nullptr, 0);
-    EXPECT_GT(needed, 0);
-    const auto text = std::make_unique<WCHAR[]>(static_cast<size_t>(needed));
-    EXPECT_EQ(MultiByteToWideChar(codePage, 0, exact.get(), length, text.get(), needed), needed);
-    return std::u16string(text.get(), static_cast<size_t>(needed));
-}
-
-std::string Encoded(UINT codePage, const std::u16string& text)
-{
-    const auto exact = std::make_unique<WCHAR[]>(text.size());
-    text.copy(exact.get(), text.size());
-    const int length = static_cast<int>(text.size());
-    const int needed =
-        WideCharToMultiByte(codePage, 0, exact.get(), length, nullptr, 0, nullptr, nullptr);
-    EXPECT_GT(needed, 0);
-    const auto bytes = std::make_unique<char[]>(static_cast<size_t>(needed));
-    EXPECT_EQ(WideCharToMultiByte(codePage, 0, exact.get(), length, bytes.get(), needed, nullptr,
-                                  nullptr),
-              needed);
-    return std::string(bytes.get(), static_cast<size_t>(needed));
-}
+using tavrix::tests::Decoded;
+using tavrix::tests::Encoded;
+using tavrix::tests::Japanese;
+using tavrix::tests::Western;
 
 struct Pair {
     UINT codePage;
@@ -82,9 +56,12 @@ TEST(Text, TheAnsiPageIsThatOfTheLanguage)
     SetLanguage(1041);
     EXPECT_EQ(Decoded(CP_ACP, "\xB1"), u"\uFF71");
     EXPECT_EQ(Encoded(CP_ACP, u"\u65E5"), "\x93\xFA");
-    SetLanguage(1033);
-    EXPECT_EQ(Decoded(CP_ACP, "\xB1"), u"\u00B1");
-    EXPECT_EQ(Encoded(CP_ACP, u"\u65E5"), "?");
+    // Any other language, a Japanese one of another country among them, has the western page.
+    for (const LANGID other : {1033, 0, 17, 1042}) {
+        SetLanguage(other);
+        EXPECT_EQ(Decoded(CP_ACP, "\xB1"), u"\u00B1");
+        EXPECT_EQ(Encoded(CP_ACP, u"\u65E5"), "?");
+    }
 }
 
 TEST(Text, ALengthOfMinusOneTakesTheFinalZeroAlong)
@@ -140,8 +117,16 @@ TEST(Text, WhatAPageLacksBecomesTheDefaultCharacter)
 {
     EXPECT_EQ(Encoded(Western, u"a\u65E5b"), "a?b");
     EXPECT_EQ(Encoded(Japanese, u"\u00FC"), "?");
-    // Each half of a pair.
+    // Each half of a pair, also of those that are there to be ignored.
     EXPECT_EQ(Encoded(Japanese, u"\U0001F600"), "??");
+    EXPECT_EQ(Encoded(Japanese, u"a\U000E0041z"), "a??z");
+    EXPECT_EQ(Encoded(Western, u"a\U000E0041z"), "a??z");
+    // Halves alone, in the wrong order, and at the end of a text.
+    for (const UINT codePage : {Japanese, Western}) {
+        EXPECT_EQ(Encoded(codePage, {u'a', WCHAR{0xD83D}}), "a?");
+        EXPECT_EQ(Encoded(codePage, {WCHAR{0xD83D}, u'a'}), "?a");
+        EXPECT_EQ(Encoded(codePage, {WCHAR{0xDE00}, WCHAR{0xD83D}, u'a'}), "??a");
+    }
     char bytes[8] = {};
     BOOL used = FALSE;
     EXPECT_EQ(WideCharToMultiByte(Western, 0, TEXT("\u65E5x"), 2, bytes, 8, "_", &used), 2);
@@ -184,10 +169,16 @@ TEST(Text, AHalfOfAPairHasNoFormInUtf8)
 
 TEST(Text, WhatIsNoJapaneseTextIsReplacedAndTheRestIsKept)
 {
-    // A first byte without its second at the end of the text.
+    // A first byte without its second at the end of the text, which may be the final zero.
     EXPECT_EQ(Decoded(Japanese, "a\x93"), u"a\u30FB");
     EXPECT_EQ(Decoded(Japanese, "\x93\xFA\x93"), u"\u65E5\u30FB");
-    EXPECT_EQ(Decoded(Japanese, "\x81\x20z").back(), u'z');
+    EXPECT_EQ(Decoded(Japanese, std::string("a\x93\0", 3)), std::u16string(u"a\u30FB\0", 3));
+    // A second byte that is none stands for itself.
+    EXPECT_EQ(Decoded(Japanese, "\x81\x20z"), u"\u30FB z");
+    EXPECT_EQ(Decoded(Japanese, "\x81\x7Fz"), u"\u30FB\x7Fz");
+    // A pair that is not assigned is one character, and the next one begins behind it.
+    EXPECT_EQ(Decoded(Japanese, "\x85\x9F\x93\xFA"), u"\u30FB\u65E5");
+    EXPECT_EQ(Decoded(Japanese, "\x85\x40@"), u"\u30FB@");
 }
 
 TEST(Text, AFlagMakesInvalidBytesAnError)
@@ -196,6 +187,12 @@ TEST(Text, AFlagMakesInvalidBytesAnError)
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 8, "\xFF", 1, text, 8), 0);
     EXPECT_EQ(GetLastError(), 1113u);
     EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 8, "\xC3\xA9", 2, text, 8), 1);
+    // A byte that stands for a control character is none that is invalid.
+    EXPECT_EQ(MultiByteToWideChar(Western, 8, "\x81", 1, text, 8), 1);
+    EXPECT_EQ(MultiByteToWideChar(Japanese, 8, "\x93\xFA", 2, text, 8), 1);
+    text[0] = u'#';
+    EXPECT_EQ(MultiByteToWideChar(Japanese, 8, "a\x93", 2, text, 8), 0);
+    EXPECT_EQ(text[0], u'#');
 }
 
 TEST(Text, LongTextsAreWholeAtEveryLength)
