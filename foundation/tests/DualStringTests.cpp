@@ -1,6 +1,7 @@
 #include "foundation/DualString.h"
 
 #include "foundation/tests/Widths.h"
+#include "platform/core/Heaps.h"
 #include "platform/testing/Faults.h"
 
 #include <gtest/gtest.h>
@@ -169,6 +170,27 @@ TEST(DualString, MayBeClearedTwice)
     text.Clear();
     EXPECT_EQ(std::u16string(), text.Get());
     EXPECT_EQ(std::string(), text.GetNarrow());
+}
+
+TEST(DualString, GivesBackEveryTextThatAnotherOneReplaces)
+{
+    const size_t before = tavrix::platform::HeldBytes();
+    {
+        DualString text;
+        for (int round = 0; round < 3; ++round) {
+            text.Assign(u"abc");
+            (void)text.GetNarrow();
+            (void)text.GetNarrow();
+            text.AssignNarrow("abcdef");
+            (void)text.GetNarrow();
+            text.Assign(nullptr);
+            EXPECT_EQ(before, tavrix::platform::HeldBytes());
+        }
+        text.Assign(u"abc");
+        (void)text.GetNarrow();
+        EXPECT_LT(before, tavrix::platform::HeldBytes());
+    }
+    EXPECT_EQ(before, tavrix::platform::HeldBytes());
 }
 
 TEST(DualString, IsEmptyAfterAnyAllocationThatFailed)
