@@ -12,7 +12,6 @@ class Stream
 {
 public:
     Stream() = default;
-    virtual ~Stream() = default;
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
 
@@ -33,6 +32,9 @@ public:
     virtual i32 Release();
     /// Gives the contents up.
     virtual i32 Close() = 0;
+
+    // Last, so that the eight operations take the first places of the table.
+    virtual ~Stream() = default;
 
 protected:
     u32 refCount = 0;

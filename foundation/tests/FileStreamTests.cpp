@@ -196,3 +196,90 @@ TEST(FileStream, CloseForgetsTheName)
     WCHAR name[8];
     EXPECT_EQ(-1, stream.GetName(name, 8));
 }
+
+TEST(FileStream, TellsASizeBeyond32Bits)
+{
+    TestFolder folder;
+    folder.Write("large.bin", "");
+    std::filesystem::resize_file(folder.Host("large.bin"), 0x123456789);
+    FileStream stream;
+    ASSERT_EQ(1, stream.Open(folder.Path(u"large.bin").c_str(), 1));
+    u64 size = 0;
+    EXPECT_EQ(1, stream.GetSize(&size));
+    EXPECT_EQ(0x123456789u, size);
+}
+
+TEST(FileStream, APathWithoutASeparatorIsTheNameItself)
+{
+    // Below the root of the tree, where the home folder lies.
+    const std::string host = tavrix::testing::HostPath(TEXT("\\plain.bin"));
+    std::ofstream(host) << "hello";
+    FileStream stream;
+    ASSERT_EQ(1, stream.Open(TEXT("plain.bin"), 1));
+    WCHAR name[20];
+    EXPECT_EQ(1, stream.GetName(name, 20));
+    EXPECT_EQ(std::u16string(u"plain.bin"), name);
+    EXPECT_EQ(1, stream.Close());
+    std::filesystem::remove(host);
+}
+
+TEST(FileStream, SeeksBehindTheEndAndBackAgain)
+{
+    TestFolder folder;
+    folder.Write("a.bin", "0123456789");
+    FileStream stream;
+    ASSERT_EQ(1, stream.Open(folder.Path(u"a.bin").c_str(), 0));
+    u64 position = 0;
+    i64 offset = 3;
+    EXPECT_EQ(1, stream.Seek(&offset, &position, 2)) << "the device's own seek is not bounded";
+    EXPECT_EQ(13u, position);
+    u32 length = 1;
+    EXPECT_EQ(1, stream.Write("x", &length));
+    u64 size = 0;
+    EXPECT_EQ(1, stream.GetSize(&size));
+    EXPECT_EQ(14u, size);
+    offset = -14;
+    EXPECT_EQ(1, stream.Seek(&offset, &position, 1));
+    EXPECT_EQ(0u, position);
+}
+
+TEST(FileStream, AnUnknownOriginIsNotReportedAndMovesNothing)
+{
+    TestFolder folder;
+    folder.Write("a.bin", "hello");
+    FileStream stream;
+    ASSERT_EQ(1, stream.Open(folder.Path(u"a.bin").c_str(), 1));
+    const i64 offset = 3;
+    EXPECT_EQ(1, stream.Seek(&offset, nullptr, 7));
+    char byte = 0;
+    u32 length = 1;
+    EXPECT_EQ(1, stream.Read(&byte, &length));
+    EXPECT_EQ('h', byte);
+}
+
+TEST(FileStream, EndsWithItsObjectAndGivesTheFileBack)
+{
+    TestFolder folder;
+    folder.Write("a.bin", "");
+    {
+        FileStream stream;
+        ASSERT_EQ(1, stream.Open(folder.Path(u"a.bin").c_str(), 0));
+        u32 length = 5;
+        ASSERT_EQ(1, stream.Write("hello", &length));
+    }
+    EXPECT_EQ("hello", folder.Read("a.bin"));
+}
+
+TEST(FileStream, TheTwoOperationsOfItsParentReachTheFile)
+{
+    TestFolder folder;
+    folder.Write("a.bin", "hello");
+    FileStream stream;
+    AbstractFileStream& file = stream;
+    ASSERT_EQ(1, file.Open(folder.Path(u"a.bin").c_str(), 1));
+    u64 size = 0;
+    EXPECT_EQ(1, file.GetSize(&size));
+    EXPECT_EQ(5u, size);
+    EXPECT_EQ(1, file.CloseFile());
+    EXPECT_EQ(0, file.CloseFile());
+}
