@@ -106,6 +106,8 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID buffer, DWORD length, LPDWORD done,
         WriteAt(file->file.Get(), buffer, FittingOf(*file, wanted), file->position, &error);
     file->position += static_cast<int64_t>(put);
     *done = static_cast<DWORD>(put);
+    if (length != 0)
+        file->NoteWrite(put == length);
     if (put == length)
         return TRUE;
     // A full disk takes what fits: the call succeeds with a short count, and fails when it took
@@ -167,7 +169,9 @@ BOOL WINAPI SetEndOfFile(HANDLE handle)
     do {
         result = ftruncate(file->file.Get(), file->position);
     } while (result != 0 && errno == EINTR);
-    return result == 0 ? TRUE : FailWithHost(errno);
+    const int error = errno;
+    file->NoteWrite(result == 0);
+    return result == 0 ? TRUE : FailWithHost(error);
 }
 
 BOOL WINAPI FlushFileBuffers(HANDLE handle)
@@ -181,7 +185,11 @@ BOOL WINAPI FlushFileBuffers(HANDLE handle)
     do {
         result = fsync(file->file.Get());
     } while (result != 0 && errno == EINTR);
-    return result == 0 ? TRUE : FailWithHost(errno);
+    const int error = errno;
+    // The host tells each failure once, and nobody would hear of this one again.
+    if (result != 0)
+        file->NoteWrite(false);
+    return result == 0 ? TRUE : FailWithHost(error);
 }
 
 DWORD WINAPI GetFileSize(HANDLE handle, LPDWORD sizeHigh)

@@ -19,13 +19,14 @@ namespace
 
 constexpr mode_t AnyoneWrites = 0222;
 
-/// A path that must exist: its parts and what stands there.
-DWORD FindExisting(FileTree& tree, LPCWSTR path, DevicePath* parsed, FoundFile* found)
+/// A path that must exist: its parts and what stands there. `hold` as in FileTree::FindAndHold.
+DWORD FindExisting(FileTree& tree, LPCWSTR path, DevicePath* parsed, FoundFile* found,
+                   Replacements::Hold* hold)
 {
     DWORD error = ParsePath(path, parsed);
     if (error != ERROR_SUCCESS)
         return error;
-    error = tree.Find(*parsed, found);
+    error = tree.FindAndHold(*parsed, found, hold);
     // A separator at the end says that a folder is meant.
     if (error == ERROR_SUCCESS && parsed->endsInSeparator && !found->IsFolder())
         return ERROR_PATH_NOT_FOUND;
@@ -63,18 +64,25 @@ DWORD Delete(FileTree& tree, LPCWSTR path)
 {
     DevicePath parsed;
     FoundFile found;
+    Replacements::Hold hold;
     if (ParsePath(path, &parsed) == ERROR_SUCCESS && !parsed.endsInSeparator) {
         const std::string temporary = tree.TemporaryFile(parsed);
         if (!temporary.empty() && unlink(temporary.c_str()) == 0)
             return ERROR_SUCCESS;
     }
-    const DWORD error = FindExisting(tree, path, &parsed, &found);
+    const DWORD error = FindExisting(tree, path, &parsed, &found, &hold);
     if (error != ERROR_SUCCESS)
         return error;
     if (found.isFixed || found.IsFolder() || !found.isWritten ||
         (found.info.st_mode & AnyoneWrites) == 0)
         return ERROR_ACCESS_DENIED;
-    return HostResult(unlink(found.host.c_str()));
+    const int result = unlink(found.host.c_str());
+    // A pending file goes with what it was to replace, if anything stood there.
+    if (found.pending != nullptr && (result == 0 || errno == ENOENT)) {
+        tree.Replaced().Drop(found.pending);
+        return ERROR_SUCCESS;
+    }
+    return HostResult(result);
 }
 
 /// Copies the bytes of an open file to another one, asking the tests' fault for each block.
@@ -99,20 +107,33 @@ DWORD CopyBytes(int from, int to, LPCWSTR fromPath, LPCWSTR toPath)
     }
 }
 
+/// Copies to a file that is replaced once the copy is whole, and else stays as it was.
+DWORD CopyToReplacement(int from, Replacement& replacement, LPCWSTR fromPath, LPCWSTR toPath,
+                        Replacements::Hold* hold)
+{
+    replacement.Join();
+    hold->unlock();
+    const DWORD error = CopyBytes(from, replacement.File(), fromPath, toPath);
+    replacement.NoteWrite(error == ERROR_SUCCESS);
+    const int hostError = replacement.Close();
+    return error != ERROR_SUCCESS ? error : DeviceError(hostError);
+}
+
 DWORD Copy(FileTree& tree, LPCWSTR from, LPCWSTR to, bool failIfExists)
 {
     DevicePath source;
     DevicePath target;
     FoundFile found;
     FoundFile there;
-    DWORD error = FindExisting(tree, from, &source, &found);
+    Replacements::Hold hold;
+    DWORD error = FindExisting(tree, from, &source, &found, &hold);
     if (error == ERROR_SUCCESS)
         error = ParsePath(to, &target);
     if (error != ERROR_SUCCESS)
         return error;
     if (!found.IsRegular())
         return ERROR_ACCESS_DENIED;
-    error = tree.Find(target, &there);
+    error = tree.FindAndHold(target, &there, &hold);
     const bool exists = error == ERROR_SUCCESS;
     if (!exists && error != ERROR_FILE_NOT_FOUND)
         return error;
@@ -133,31 +154,22 @@ DWORD Copy(FileTree& tree, LPCWSTR from, LPCWSTR to, bool failIfExists)
         return error;
     Descriptor input;
     Descriptor output;
-    int hostError = OpenRegular(found.host, O_RDONLY, 0, &input);
-    if (hostError == 0)
+    std::shared_ptr<Replacement> replacement;
+    const mode_t mode = found.info.st_mode & 0777;
+    int hostError = OpenRegular(found.Bytes(), O_RDONLY, 0, &input);
+    if (hostError == 0 && there.isReplaced && !failIfExists)
+        hostError = tree.Replaced().Begin(place, mode, to, &replacement);
+    if (hostError == 0 && replacement == nullptr)
         hostError = OpenRegular(place, O_WRONLY | O_CREAT | O_TRUNC | (failIfExists ? O_EXCL : 0),
-                                found.info.st_mode & 0777, &output);
+                                mode, &output);
     if (hostError != 0)
         return DeviceError(hostError);
+    if (replacement != nullptr)
+        return CopyToReplacement(input.Get(), *replacement, from, to, &hold);
     error = CopyBytes(input.Get(), output.Get(), from, to);
     if (error != ERROR_SUCCESS)
         unlink(place.c_str());
     return error;
-}
-
-/// Renames without replacing what stands under the new name.
-int RenameNew(const std::string& from, const std::string& to)
-{
-    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return 0;
-    if (errno != EINVAL && errno != ENOSYS)
-        return errno;
-    // File systems that know no such renaming.
-    struct stat info {
-    };
-    if (lstat(to.c_str(), &info) == 0)
-        return EEXIST;
-    return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
 /// The host path of the new name when a file is only spelled anew.
@@ -172,26 +184,36 @@ DWORD Move(FileTree& tree, LPCWSTR from, LPCWSTR to)
     DevicePath target;
     FoundFile found;
     FoundFile there;
-    DWORD error = FindExisting(tree, from, &source, &found);
+    Replacements::Hold hold;
+    DWORD error = FindExisting(tree, from, &source, &found, &hold);
     if (error == ERROR_SUCCESS)
         error = ParsePath(to, &target);
     if (error != ERROR_SUCCESS)
         return error;
     if (found.isFixed || !found.isWritten || (found.IsFolder() && StandsBelow(tree, source, found)))
         return ERROR_ACCESS_DENIED;
-    error = tree.Find(target, &there);
-    if (error == ERROR_SUCCESS) {
-        if (there.isFixed || there.host != found.host)
-            return ERROR_ALREADY_EXISTS;
+    // As a folder in which a file is open.
+    if (found.isReplaced && found.IsFolder() && tree.Replaced().IsAnyBelow(found.host))
+        return ERROR_ACCESS_DENIED;
+    error = tree.FindAndHold(target, &there, &hold);
+    const bool isRespelled = error == ERROR_SUCCESS && !there.isFixed && there.host == found.host;
+    if (error == ERROR_SUCCESS && !isRespelled)
+        return ERROR_ALREADY_EXISTS;
+    if (!isRespelled && error != ERROR_FILE_NOT_FOUND)
+        return error;
+    std::string place;
+    error = isRespelled ? ERROR_SUCCESS : tree.PlaceToWrite(target, &place);
+    // What moves is the file as this process sees it.
+    if (error == ERROR_SUCCESS && found.pending != nullptr)
+        error = DeviceError(tree.Replaced().SettleNow(found.pending));
+    if (error != ERROR_SUCCESS)
+        return error;
+    if (isRespelled) {
         const std::string respelled = Respelled(found.host, target);
         return HostResult(rename(found.host.c_str(), respelled.c_str()));
     }
-    if (error != ERROR_FILE_NOT_FOUND)
-        return error;
-    std::string place;
-    error = tree.PlaceToWrite(target, &place);
-    if (error != ERROR_SUCCESS)
-        return error;
+    if (there.isReplaced)
+        tree.Replaced().Allow(place);
     const int result = RenameNew(found.host, place);
     if (result == EEXIST)
         return ERROR_ALREADY_EXISTS;
@@ -228,7 +250,8 @@ DWORD RemoveFolder(FileTree& tree, LPCWSTR path)
 {
     DevicePath parsed;
     FoundFile found;
-    const DWORD error = FindExisting(tree, path, &parsed, &found);
+    Replacements::Hold hold;
+    const DWORD error = FindExisting(tree, path, &parsed, &found, &hold);
     if (error != ERROR_SUCCESS)
         return error;
     if (found.isFixed || !found.IsFolder() || !found.isWritten || StandsBelow(tree, parsed, found))
@@ -238,6 +261,9 @@ DWORD RemoveFolder(FileTree& tree, LPCWSTR path)
     // A link to a folder goes, and what it points to stays.
     if (lstat(found.host.c_str(), &itself) == 0 && S_ISLNK(itself.st_mode))
         return HostResult(unlink(found.host.c_str()));
+    // What a killed process left there shows in no listing.
+    if (found.isReplaced)
+        ClearAbandonedReplacements(found.host);
     return HostResult(rmdir(found.host.c_str()));
 }
 
@@ -248,7 +274,9 @@ DWORD WINAPI GetFileAttributesW(LPCWSTR path)
     return WithoutThrowing(INVALID_FILE_ATTRIBUTES, [&] {
         DevicePath parsed;
         FoundFile found;
-        const DWORD error = FindExisting(*CurrentTree(), path, &parsed, &found);
+        const std::shared_ptr<FileTree> tree = CurrentTree();
+        Replacements::Hold hold;
+        const DWORD error = FindExisting(*tree, path, &parsed, &found, &hold);
         if (error != ERROR_SUCCESS) {
             SetLastError(error);
             return INVALID_FILE_ATTRIBUTES;

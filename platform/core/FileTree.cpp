@@ -1,12 +1,10 @@
 #include "platform/core/FileTree.h"
 
 #include "platform/core/ErrorCodes.h"
-#include "platform/core/FolderLookup.h"
 #include "platform/core/HostFiles.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <map>
 
 namespace tavrix::platform
 {
@@ -27,6 +25,12 @@ std::vector<std::u16string> FoldedParts(const DevicePath& path)
     for (const std::u16string& part : path.parts)
         folded.push_back(Folded(part));
     return folded;
+}
+
+/// Whether a name is that of a file that the platform itself has there for a while.
+bool IsPassing(const std::u16string& name)
+{
+    return name.starts_with(u".tavrix-") && IsReplacementName(HostName(name).value_or(""));
 }
 
 /// A folder that only the mount table makes.
@@ -51,7 +55,9 @@ FileTree::FileTree(const Surroundings& given)
     if (!given.programFolder.empty())
         program.layers.push_back(given.programFolder);
     program.goesElsewhere = true;
-    Add(u"\\Application Data\\Tavrix", {given.config + "/tavrix"}).goesElsewhere = true;
+    Mount& settings = Add(u"\\Application Data\\Tavrix", {given.config + "/tavrix"});
+    settings.goesElsewhere = true;
+    settings.isReplaced = true;
     temp = &Add(u"\\Temp", {temporary.Path()});
     temp->isTemporary = true;
     temp->isListed = false; // the user's own ~/Temp shows there instead
@@ -141,11 +147,15 @@ DWORD FileTree::FindBelow(const Route& route, FoundFile* found) const
 {
     const std::vector<std::string> layers = LayersOf(*route.mount);
     const Spelling spelling = route.mount->isTemporary ? Spelling::AsGiven : Spelling::AnyCase;
+    found->isReplaced = route.mount->isReplaced;
+    found->pending = nullptr;
     int error = ENOENT;
     for (size_t i = 0; i < layers.size(); ++i) {
         const int result =
             FindInFolder(layers[i], route.rest, spelling, &found->host, &found->info);
-        if (result == 0) {
+        if (result == 0 && found->isReplaced)
+            TakePending(replacements->PendingOf(found->host), found);
+        if (result == 0 || (found->isReplaced && FindPending(layers[i], route, spelling, found))) {
             found->isWritten = i == 0;
             return ERROR_SUCCESS;
         }
@@ -153,6 +163,33 @@ DWORD FileTree::FindBelow(const Route& route, FoundFile* found) const
             error = result;
     }
     return DeviceError(error);
+}
+
+/// Lets a pending replacement stand in for what was found.
+void FileTree::TakePending(std::shared_ptr<Replacement> pending, FoundFile* found) const
+{
+    struct stat info {
+    };
+    if (pending == nullptr || fstat(pending->File(), &info) != 0)
+        return;
+    found->info = info;
+    found->pending = std::move(pending);
+}
+
+/// Finds a pending file of which nothing stands in the folder yet.
+bool FileTree::FindPending(const std::string& layer, const Route& route, Spelling spelling,
+                           FoundFile* found) const
+{
+    if (route.rest.empty())
+        return false;
+    std::string folder;
+    struct stat info {
+    };
+    const std::vector<std::u16string> above(route.rest.begin(), route.rest.end() - 1);
+    if (FindInFolder(layer, above, spelling, &folder, &info) != 0)
+        return false;
+    TakePending(replacements->PendingIn(folder, route.rest.back(), &found->host), found);
+    return found->pending != nullptr;
 }
 
 DWORD FileTree::Find(const DevicePath& path, FoundFile* found)
@@ -174,6 +211,39 @@ DWORD FileTree::Find(const DevicePath& path, FoundFile* found)
     folder.parts.pop_back();
     return Find(folder, &above) == ERROR_SUCCESS && above.IsFolder() ? ERROR_FILE_NOT_FOUND
                                                                      : ERROR_PATH_NOT_FOUND;
+}
+
+DWORD FileTree::FindAndHold(const DevicePath& path, FoundFile* found, Replacements::Hold* hold)
+{
+    const DWORD error = Find(path, found);
+    if (!found->isReplaced || hold->owns_lock())
+        return error;
+    *hold = replacements->HoldStill();
+    return Find(path, found);
+}
+
+/// Brings the pending files of a host folder into its listing.
+void FileTree::ListPending(
+    const std::string& folder, const std::function<bool(std::u16string_view folded)>& wanted,
+    std::map<std::u16string, std::map<std::u16string, struct stat>>* names) const
+{
+    const Replacements::Hold hold = replacements->HoldStill();
+    if (replacements->IsIdle())
+        return;
+    FoundFile found;
+    for (auto& [folded, spelled] : *names)
+        for (auto& [name, info] : spelled) {
+            found.info = info;
+            TakePending(replacements->PendingOf(folder + "/" + HostName(name).value_or("")),
+                        &found);
+            info = found.info;
+        }
+    for (const auto& [name, pending] : replacements->NewIn(folder)) {
+        std::u16string folded = Folded(name);
+        TakePending(pending, &found);
+        if (wanted(folded))
+            (*names)[std::move(folded)].emplace(name, found.info); // what stands there stays
+    }
 }
 
 DWORD FileTree::List(const DevicePath& folder,
@@ -202,8 +272,11 @@ DWORD FileTree::List(const DevicePath& folder,
             std::map<std::u16string, std::map<std::u16string, struct stat>> here;
             ListFolder(host, wanted,
                        [&](std::u16string folded, std::u16string name, const struct stat& status) {
-                           here[std::move(folded)].emplace(std::move(name), status);
+                           if (!IsPassing(name))
+                               here[std::move(folded)].emplace(std::move(name), status);
                        });
+            if (route.mount->isReplaced)
+                ListPending(host, wanted, &here);
             names.merge(here); // of one name the earlier layer's stays
         }
     }
@@ -324,6 +397,7 @@ std::vector<std::u16string> FileTree::PossibleDevicePaths(const std::string& hos
 
 void FileTree::Leave()
 {
+    replacements->End();
     temporary.Leave();
     run.Remove();
 }

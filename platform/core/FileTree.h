@@ -14,15 +14,21 @@
 // written, and cannot be deleted. Names are tried as spelled, then without regard to case, except
 // in the two temporary folders, which see thousands of files come and go.
 //
+// On the mount of the settings a file that is made always-new is replaced once it is whole
+// (Replacement.h). Until then this process finds the hidden file in its place.
+//
 // A tree is safe from any thread. The one of the process is made at the first use, before main if
 // need be, and is never destroyed; its private folders are given up when the process ends.
 #pragma once
 
 #include "platform/core/FileNames.h"
+#include "platform/core/FolderLookup.h"
+#include "platform/core/Replacement.h"
 #include "platform/core/Surroundings.h"
 #include "platform/core/TemporaryFolder.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -35,9 +41,15 @@ namespace tavrix::platform
 struct FoundFile {
     std::string host; // empty for a folder that only the mount table makes
     struct stat info {
-    };                      // of what a link points to
-    bool isFixed = false;   // a mount or the way to one: not to be removed, moved or replaced
-    bool isWritten = false; // lies in the layer that takes the mount's writes
+    };                       // of what a link points to
+    bool isFixed = false;    // a mount or the way to one: not to be removed, moved or replaced
+    bool isWritten = false;  // lies in the layer that takes the mount's writes
+    bool isReplaced = false; // lies on a mount whose files are replaced; told of a missing one too
+    /// What stands in for the file for this process. `info` is then of that, and `host` need not
+    /// exist.
+    std::shared_ptr<Replacement> pending;
+    /// Where its bytes are.
+    const std::string& Bytes() const { return pending != nullptr ? pending->Hidden() : host; }
     bool IsFolder() const { return S_ISDIR(info.st_mode); }
     bool IsRegular() const { return S_ISREG(info.st_mode); }
 };
@@ -53,10 +65,17 @@ class FileTree
 {
 public:
     explicit FileTree(const Surroundings& surroundings);
+    ~FileTree() { replacements->End(); }
+    FileTree(const FileTree&) = delete;
+    FileTree& operator=(const FileTree&) = delete;
 
     /// What stands under a path. ERROR_SUCCESS, ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND when the
     /// folder above it is missing too, or what the host reports.
     DWORD Find(const DevicePath& path, FoundFile* found);
+
+    /// Find, and where the mount's files are replaced `hold` then keeps what was found from being
+    /// replaced or given up meanwhile.
+    DWORD FindAndHold(const DevicePath& path, FoundFile* found, Replacements::Hold* hold);
 
     /// The host path under which a file or folder may be written or made, which need not exist: in
     /// the writable layer, which is made if it is missing, with the folders above it. The spelling
@@ -87,7 +106,16 @@ public:
     /// Device paths under which a host path may appear, the one with the longest host folder first.
     std::vector<std::u16string> PossibleDevicePaths(const std::string& host);
 
-    /// Gives up the private folders. What happens in them afterwards fails.
+    /// The replacements on the mount of the settings.
+    Replacements& Replaced() { return *replacements; }
+    /// A file could not be opened for writing, with `error`. Where files are replaced nothing that
+    /// was meant for it must then reach the old one: what is pending is dropped, and with
+    /// `madeAnew`, where the file should have been made always-new, it is not written in place
+    /// until that succeeds. Does nothing on other mounts.
+    void CouldNotWrite(const DevicePath& path, bool madeAnew, DWORD error);
+
+    /// Ends what is pending and gives up the private folders. What happens in them afterwards
+    /// fails.
     void Leave();
 
 private:
@@ -99,6 +127,7 @@ private:
         bool isListed = true;       // shows in the listing of the folder above it
         bool goesElsewhere = false; // unwritable: writes go to the run's own folder
         bool isElsewhere = false;   // they do
+        bool isReplaced = false;    // what is made always-new there is replaced once it is whole
     };
     struct Route {
         Mount* mount = nullptr;
@@ -111,10 +140,17 @@ private:
     bool LeadsToMount(const DevicePath& path, const Mount** exact) const;
     std::vector<std::string> LayersOf(const Mount& mount) const;
     DWORD FindBelow(const Route& route, FoundFile* found) const;
+    bool FindPending(const std::string& layer, const Route& route, Spelling spelling,
+                     FoundFile* found) const;
+    void TakePending(std::shared_ptr<Replacement> pending, FoundFile* found) const;
+    void ListPending(const std::string& folder,
+                     const std::function<bool(std::u16string_view folded)>& wanted,
+                     std::map<std::u16string, std::map<std::u16string, struct stat>>* names) const;
     DWORD MakeWritable(Mount& mount);
     DWORD MakeFolderAbove(const Route& route, std::string* folder);
 
     Surroundings surroundings;
+    const std::shared_ptr<Replacements> replacements = std::make_shared<Replacements>();
     TemporaryFolder temporary;
     RunFolder run;
     mutable std::mutex lock;                    // guards the layers

@@ -3,7 +3,6 @@
 
 #include "platform/core/ErrorCodes.h"
 #include "platform/core/FileTree.h"
-#include "platform/core/FolderLookup.h"
 #include "platform/core/HostFiles.h"
 
 #include <cerrno>
@@ -86,6 +85,20 @@ DWORD FileTree::PlaceToWrite(const DevicePath& path, std::string* host)
     *host = exists ? folder + there.host.substr(there.host.rfind('/'))
                    : folder + "/" + HostName(route.rest.back()).value_or("");
     return ERROR_SUCCESS;
+}
+
+void FileTree::CouldNotWrite(const DevicePath& path, bool madeAnew, DWORD error)
+{
+    if (path.parts.empty() || !RouteOf(path).mount->isReplaced)
+        return;
+    FoundFile found;
+    Replacements::Hold hold;
+    if (FindAndHold(path, &found, &hold) != ERROR_SUCCESS || !found.IsRegular())
+        return;
+    if (found.pending != nullptr)
+        replacements->GiveUp(found.pending);
+    if (madeAnew)
+        replacements->Refuse(found.host, error);
 }
 
 } // namespace tavrix::platform

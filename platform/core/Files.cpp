@@ -73,90 +73,146 @@ DWORD OpenAt(const std::string& host, bool exists, DWORD access, const Opening& 
     return DeviceError(OpenRegular(host, flags, ModeOf(attributes), opened));
 }
 
+/// What opening a file gives.
+struct Opened {
+    Replacements::Hold hold; // until the handle stands
+    Descriptor file;
+    std::shared_ptr<Replacement> replacement; // the file is one that is to replace another
+    bool existed = false;
+};
+
+/// What is asked for.
+struct Request {
+    LPCWSTR given;
+    DevicePath path;
+    DWORD access;
+    Opening opening;
+    DWORD attributes;
+};
+
 /// A file right in a temporary folder: no look-up goes before, and the host's own answer decides.
-DWORD OpenTemporary(FileTree& tree, const DevicePath& path, const std::string& host, DWORD access,
-                    const Opening& opening, DWORD attributes, Descriptor* opened, bool* existed)
+DWORD OpenTemporary(FileTree& tree, const Request& request, const std::string& host, Opened* opened)
 {
+    const auto& [given, path, access, opening, attributes] = request;
     if (!opening.mustBeNew) {
-        const DWORD error = OpenAt(host, true, access, opening, attributes, opened);
-        *existed = error == ERROR_SUCCESS;
+        const DWORD error = OpenAt(host, true, access, opening, attributes, &opened->file);
+        opened->existed = error == ERROR_SUCCESS;
         if (error != ERROR_FILE_NOT_FOUND || opening.mustExist)
             return error;
     }
-    DWORD error = OpenAt(host, false, access, opening, attributes, opened);
+    DWORD error = OpenAt(host, false, access, opening, attributes, &opened->file);
     if (error != ERROR_FILE_NOT_FOUND)
         return error;
     std::string place;
     error = tree.PlaceToWrite(path, &place); // makes the folder
-    return error != ERROR_SUCCESS ? error
-                                  : OpenAt(place, false, access, opening, attributes, opened);
+    return error != ERROR_SUCCESS
+               ? error
+               : OpenAt(place, false, access, opening, attributes, &opened->file);
+}
+
+/// A file to be written where files are replaced: begins a replacement or joins one that is
+/// pending. ERROR_SUCCESS with nothing opened where the file is to be opened as any other.
+DWORD OpenReplaced(Replacements& replacements, const Request& request, const FoundFile& found,
+                   const std::string& place, Opened* opened)
+{
+    const Opening& opening = request.opening;
+    if (opening.empties && !opening.mustExist) {
+        const int error = replacements.Begin(place, ModeOf(request.attributes), request.given,
+                                             &opened->replacement);
+        if (error != 0 || opened->replacement == nullptr)
+            return DeviceError(error);
+        opened->file = Descriptor(fcntl(opened->replacement->File(), F_DUPFD_CLOEXEC, 0));
+        return opened->file.IsOpen() ? ERROR_SUCCESS : DeviceError(errno);
+    }
+    if (found.pending != nullptr) {
+        opened->replacement = found.pending;
+        return OpenAt(found.Bytes(), true, request.access, opening, request.attributes,
+                      &opened->file);
+    }
+    if (opened->existed)
+        return opening.empties ? ERROR_SUCCESS : replacements.RefusalOf(place);
+    replacements.Allow(place);
+    return ERROR_SUCCESS;
 }
 
 /// Any other file.
-DWORD OpenFound(FileTree& tree, const DevicePath& path, DWORD access, const Opening& opening,
-                DWORD attributes, Descriptor* opened, bool* existed)
+DWORD OpenFound(FileTree& tree, const Request& request, Opened* opened)
 {
+    const auto& [given, path, access, opening, attributes] = request;
     FoundFile found;
-    DWORD error = tree.Find(path, &found);
+    DWORD error = tree.FindAndHold(path, &found, &opened->hold);
     if (error != ERROR_SUCCESS && (error != ERROR_FILE_NOT_FOUND || opening.mustExist))
         return error;
-    *existed = error == ERROR_SUCCESS;
-    if (*existed && opening.mustBeNew)
+    const bool existed = error == ERROR_SUCCESS;
+    opened->existed = existed;
+    if (existed && opening.mustBeNew)
         return ERROR_FILE_EXISTS;
     // Only a regular file is opened: a device may act on being opened alone.
-    if (*existed && !found.IsRegular())
+    if (existed && !found.IsRegular())
         return ERROR_ACCESS_DENIED;
-    const bool writes = !*existed || opening.empties || (access & GENERIC_WRITE) != 0;
+    const bool writes = !existed || opening.empties || (access & GENERIC_WRITE) != 0;
     if (!writes)
-        return OpenAt(found.host, true, access, opening, attributes, opened);
+        return OpenAt(found.Bytes(), true, access, opening, attributes, &opened->file);
     std::string place;
     error = tree.PlaceToWrite(path, &place);
-    if (error != ERROR_SUCCESS)
+    if (error == ERROR_SUCCESS && found.isReplaced)
+        error = OpenReplaced(tree.Replaced(), request, found, place, opened);
+    if (error != ERROR_SUCCESS || opened->file.IsOpen())
         return error;
     // Looked for again: finding a place may have put another layer in front.
-    if (*existed && tree.Find(path, &found) == ERROR_SUCCESS && !found.isWritten) {
+    if (existed && tree.Find(path, &found) == ERROR_SUCCESS && !found.isWritten) {
         if (opening.empties)
-            return OpenAt(place, false, access, opening, attributes, opened);
+            return OpenAt(place, false, access, opening, attributes, &opened->file);
         error = DeviceError(CopyWhole(found.host, place));
         if (error != ERROR_SUCCESS)
             return error;
     }
-    return OpenAt(place, *existed, access, opening, attributes, opened);
+    return OpenAt(place, existed, access, opening, attributes, &opened->file);
+}
+
+/// Opens the file and gives it a handle; `*existed` tells whether it was there.
+DWORD Carry(FileTree& tree, const Request& request, const std::string& temporary, HANDLE* handle,
+            bool* existed)
+{
+    const bool makes =
+        request.opening.mustBeNew || (request.opening.empties && !request.opening.mustExist);
+    if (IsFaulty(makes ? FileOperation::Create : FileOperation::Open, request.given))
+        return makes ? ERROR_DISK_FULL : ERROR_ACCESS_DENIED;
+    Opened opened;
+    const DWORD error = temporary.empty() ? OpenFound(tree, request, &opened)
+                                          : OpenTemporary(tree, request, temporary, &opened);
+    if (error != ERROR_SUCCESS)
+        return error;
+    *existed = opened.existed;
+    *handle = AddHandle(std::make_shared<OpenFile>(std::move(opened.file), request.access,
+                                                   request.given, opened.replacement));
+    return *handle != nullptr ? ERROR_SUCCESS : ERROR_NOT_ENOUGH_MEMORY;
 }
 
 /// The whole call; `*existed` tells whether the file was there.
 DWORD MakeOrOpen(LPCWSTR path, DWORD access, DWORD disposition, DWORD attributes, HANDLE* handle,
                  bool* existed)
 {
-    Opening opening;
-    if (!OpeningOf(disposition, &opening) ||
+    Request request{path, {}, access, {}, attributes};
+    if (!OpeningOf(disposition, &request.opening) ||
         (disposition == TRUNCATE_EXISTING && (access & GENERIC_WRITE) == 0))
         return ERROR_INVALID_PARAMETER;
-    DevicePath parsed;
-    DWORD error = ParsePath(path, &parsed);
+    DWORD error = ParsePath(path, &request.path);
     if (error != ERROR_SUCCESS)
         return error;
-    if (parsed.parts.empty())
+    if (request.path.parts.empty())
         return ERROR_ACCESS_DENIED;
-    if (parsed.endsInSeparator)
+    if (request.path.endsInSeparator)
         return ERROR_INVALID_NAME;
-    if (disposition == CREATE_NEW || disposition == CREATE_ALWAYS) {
-        if (IsFaulty(FileOperation::Create, path))
-            return ERROR_DISK_FULL;
-    } else if (IsFaulty(FileOperation::Open, path)) {
-        return ERROR_ACCESS_DENIED;
-    }
     const std::shared_ptr<FileTree> tree = CurrentTree();
-    Descriptor opened;
-    const std::string temporary = tree->TemporaryFile(parsed);
-    error = temporary.empty()
-                ? OpenFound(*tree, parsed, access, opening, attributes, &opened, existed)
-                : OpenTemporary(*tree, parsed, temporary, access, opening, attributes, &opened,
-                                existed);
-    if (error != ERROR_SUCCESS)
-        return error;
-    *handle = AddHandle(std::make_shared<OpenFile>(std::move(opened), access, path));
-    return *handle != nullptr ? ERROR_SUCCESS : ERROR_NOT_ENOUGH_MEMORY;
+    const std::string temporary = tree->TemporaryFile(request.path);
+    error = WithoutThrowing(DWORD{ERROR_NOT_ENOUGH_MEMORY},
+                            [&] { return Carry(*tree, request, temporary, handle, existed); });
+    const bool isAlwaysNew = disposition == CREATE_ALWAYS;
+    const bool opensToWrite = disposition != CREATE_NEW && (access & GENERIC_WRITE) != 0;
+    if (error != ERROR_SUCCESS && temporary.empty() && (isAlwaysNew || opensToWrite))
+        tree->CouldNotWrite(request.path, isAlwaysNew, error);
+    return error;
 }
 
 } // namespace

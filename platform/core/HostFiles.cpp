@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
@@ -150,6 +152,29 @@ int CopyWhole(const std::string& from, const std::string& to)
     return error;
 }
 
+int RenameNew(const std::string& from, const std::string& to)
+{
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    // File systems that know no such renaming.
+    struct stat info {
+    };
+    if (lstat(to.c_str(), &info) == 0)
+        return EEXIST;
+    return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+int Sync(int file)
+{
+    int result = 0;
+    do {
+        result = fsync(file);
+    } while (result != 0 && errno == EINTR);
+    return result == 0 || errno == EINVAL || errno == ENOTSUP || errno == ENOSYS ? 0 : errno;
+}
+
 std::string FileText(const std::string& path)
 {
     Descriptor file;
@@ -188,6 +213,56 @@ std::string Canonical(const std::string& path)
     std::string canonical = resolved != nullptr ? resolved : "";
     std::free(resolved);
     return canonical;
+}
+
+int FollowLinks(const std::string& path, std::string* file)
+{
+    constexpr int MostLinks = 40; // as the host counts
+    std::string next = path;
+    for (int links = 0; links <= MostLinks; ++links) {
+        const size_t slash = next.rfind('/');
+        const std::string name = next.substr(slash + 1);
+        if (name.empty() || name == "." || name == "..")
+            return ENOENT;
+        std::string folder = Canonical(next.substr(0, slash));
+        if (folder.empty())
+            return errno;
+        if (folder == "/")
+            folder.clear();
+        next = folder + "/" + name;
+        std::vector<char> text(PATH_MAX);
+        const ssize_t length = readlink(next.c_str(), text.data(), text.size());
+        if (length < 0) {
+            if (errno != EINVAL && errno != ENOENT)
+                return errno;
+            *file = std::move(next);
+            return 0;
+        }
+        const std::string link(text.data(), static_cast<size_t>(length));
+        next = link.starts_with('/') ? link : folder + "/" + link;
+    }
+    return ELOOP;
+}
+
+HostLock TakeLock(int file, int kind)
+{
+    int result = 0;
+    do {
+        result = flock(file, kind);
+    } while (result != 0 && errno == EINTR);
+    if (result == 0)
+        return HostLock::Held;
+    return errno == EWOULDBLOCK ? HostLock::Busy : HostLock::Unsupported;
+}
+
+bool StandsAt(const std::string& path, int file)
+{
+    struct stat opened {
+    };
+    struct stat named {
+    };
+    return fstat(file, &opened) == 0 && lstat(path.c_str(), &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
 } // namespace tavrix::platform

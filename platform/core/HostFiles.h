@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -45,11 +46,26 @@ bool IsHostFolder(const std::string& path);
 /// Copies a file's bytes to a new file of that name, which appears under it once it is whole. What
 /// stands there already wins. The copy may be written by its owner.
 int CopyWhole(const std::string& from, const std::string& to);
+/// Renames without replacing what stands under the new name; EEXIST when something does.
+int RenameNew(const std::string& from, const std::string& to);
+/// Makes what was written to a file, or the names of a folder, outlive a crash of the host. Where
+/// the file system knows no such thing that counts as done.
+int Sync(int file);
 /// The whole text of a file, at most 1 MiB; empty when it cannot be read.
 std::string FileText(const std::string& path);
 /// The path made absolute from the current folder, with "." and double "/" dropped and ".." left.
 std::string AbsolutePath(std::string_view path);
 /// The path with every link resolved; empty when it does not exist.
 std::string Canonical(const std::string& path);
+/// The file that an absolute path leads to, with every link resolved; it need not exist, but its
+/// folder must. A link that leads nowhere gives the path that it leads to.
+int FollowLinks(const std::string& path, std::string* file);
+
+enum class HostLock { Held, Busy, Unsupported };
+/// flock(): `kind` is LOCK_SH or LOCK_EX, with LOCK_NB for an answer at once. The lock goes with
+/// the last descriptor of this opening.
+HostLock TakeLock(int file, int kind);
+/// Whether an open file or folder still stands under its path, which is not followed as a link.
+bool StandsAt(const std::string& path, int file);
 
 } // namespace tavrix::platform

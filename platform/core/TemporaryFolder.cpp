@@ -5,7 +5,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <ftw.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 namespace tavrix::platform
@@ -20,19 +19,6 @@ std::string NamePrefix()
     return "tavrix-" + std::to_string(geteuid());
 }
 
-enum class Lock { Held, Busy, Unsupported };
-
-Lock TakeLock(int folder, int kind)
-{
-    int result = 0;
-    do {
-        result = flock(folder, kind);
-    } while (result != 0 && errno == EINTR);
-    if (result == 0)
-        return Lock::Held;
-    return errno == EWOULDBLOCK ? Lock::Busy : Lock::Unsupported;
-}
-
 /// Opens a folder if it is one, not a link to one, and belongs to this user; private from then on.
 Descriptor OpenOwn(const std::string& path)
 {
@@ -44,17 +30,6 @@ Descriptor OpenOwn(const std::string& path)
     if ((info.st_mode & 0777) != 0700 && fchmod(folder.Get(), 0700) != 0)
         return Descriptor();
     return folder;
-}
-
-/// Whether the folder still stands under its path: the last holder may have just removed it.
-bool StillThere(const std::string& path, int folder)
-{
-    struct stat opened {
-    };
-    struct stat named {
-    };
-    return fstat(folder, &opened) == 0 && lstat(path.c_str(), &named) == 0 &&
-           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
 std::vector<std::string> NamesIn(int folder)
@@ -93,8 +68,8 @@ void ClearAbandoned(const std::string& base)
             continue;
         const std::string path = base + "/" + name;
         const Descriptor folder = OpenOwn(path);
-        if (!folder.IsOpen() || TakeLock(folder.Get(), LOCK_EX | LOCK_NB) != Lock::Held ||
-            !StillThere(path, folder.Get()))
+        if (!folder.IsOpen() || TakeLock(folder.Get(), LOCK_EX | LOCK_NB) != HostLock::Held ||
+            !StandsAt(path, folder.Get()))
             continue;
         ClearPagingFiles(folder.Get());
         rmdir(path.c_str()); // fails, as it is meant to, while something else lies in it
@@ -139,9 +114,9 @@ bool TemporaryFolder::TakePart(const std::string& base)
                 continue; // removed in between by its last holder
             return false;
         }
-        if (TakeLock(opened.Get(), LOCK_SH) != Lock::Held)
+        if (TakeLock(opened.Get(), LOCK_SH) != HostLock::Held)
             return false;
-        if (StillThere(shared, opened.Get())) {
+        if (StandsAt(shared, opened.Get())) {
             path = shared;
             folder = std::move(opened);
             return true;
@@ -162,8 +137,8 @@ bool TemporaryFolder::Make(const std::string& base)
         rmdir(own.c_str());
         return false;
     }
-    locks = TakeLock(folder.Get(), LOCK_SH) == Lock::Held;
-    if (!StillThere(own, folder.Get())) { // a starting process took it for an abandoned one
+    locks = TakeLock(folder.Get(), LOCK_SH) == HostLock::Held;
+    if (!StandsAt(own, folder.Get())) { // a starting process took it for an abandoned one
         folder = Descriptor();
         return false;
     }
@@ -179,9 +154,9 @@ void TemporaryFolder::Leave()
     // A forked child shares the lock with its parent and must not clear the parent's files.
     if (getpid() != owner)
         return;
-    if (locks && TakeLock(leaving.Get(), LOCK_EX | LOCK_NB) != Lock::Held)
+    if (locks && TakeLock(leaving.Get(), LOCK_EX | LOCK_NB) != HostLock::Held)
         return;
-    if (!StillThere(path, leaving.Get()))
+    if (!StandsAt(path, leaving.Get()))
         return;
     ClearPagingFiles(leaving.Get());
     rmdir(path.c_str());

@@ -13,8 +13,9 @@
 namespace tavrix::platform
 {
 
-/// The operations of the file layer that a test can make fail.
-enum class FileOperation { Create, Open, Read, Write };
+/// The operations of the file layer that a test can make fail. The last three are the steps in
+/// which a replaced file (Replacement.h) takes its place.
+enum class FileOperation { Create, Open, Read, Write, Sync, Rename, SyncFolder };
 
 struct TestHooks {
     std::mutex lock;                             // guards every field that is not atomic
