@@ -100,6 +100,8 @@ Replacement::~Replacement()
 
 int Replacement::MakeHidden(const std::string& folder, mode_t mode)
 {
+    if (IsDiskFull())
+        return ENOSPC;
     static std::atomic<unsigned> number{0};
     // A name may be taken by what another process numbered alike (in a container) has there, and a
     // file may go before it is locked: then it was taken for an abandoned one.

@@ -270,15 +270,10 @@ TEST(FileTree, SettingsOfAnUnwritableFolderLoadAndAreReplacedForThisRun)
         std::filesystem::permissions(folder, std::filesystem::perms(0555));
     std::filesystem::permissions(settings, std::filesystem::perms(0444));
     // Root writes everywhere, so the child becomes somebody else, who must reach all this first.
-    for (std::filesystem::path above = world.base; above != above.root_path();
-         above = above.parent_path())
-        if (access(above.c_str(), W_OK) == 0 &&
-            above.string().find("tavrix-test-") != std::string::npos)
-            std::filesystem::permissions(above, std::filesystem::perms(0755));
+    LetAnyoneReach(world.base);
     std::filesystem::permissions(world.Host("tmp"), std::filesystem::perms(0777));
     const int result = InChild([&world] {
-        constexpr uid_t Nobody = 65534;
-        if (geteuid() == 0 && setresuid(Nobody, Nobody, Nobody) != 0)
+        if (!BecomeOrdinary())
             return 1;
         ReplaceTree(world.surroundings);
         const WCHAR* path = u"\\Application Data\\Tavrix\\Configuration Files\\Tavrix.ini";

@@ -9,7 +9,9 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <sched.h>
 #include <string>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -125,6 +127,50 @@ inline std::string Names(const WCHAR* pattern)
     } while (FindNextFileW(find, &data));
     FindClose(find);
     return names;
+}
+
+/// How many hidden files of replacements lie in a host folder.
+inline int CountHidden(const std::string& folder)
+{
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        count += IsReplacementName(entry.path().filename().string());
+    return count;
+}
+
+/// Lets every user of the host come to a folder below the test's own ones.
+inline void LetAnyoneReach(const std::string& folder)
+{
+    for (std::filesystem::path above = folder; above != above.root_path();
+         above = above.parent_path())
+        if (access(above.c_str(), W_OK) == 0 &&
+            above.string().find("tavrix-test-") != std::string::npos)
+            std::filesystem::permissions(above, std::filesystem::perms(0755));
+}
+
+/// Becomes somebody whom permissions hold back, as they do not root.
+inline bool BecomeOrdinary()
+{
+    constexpr uid_t Nobody = 65534;
+    return geteuid() != 0 || setresuid(Nobody, Nobody, Nobody) == 0;
+}
+
+/// Takes this process into a mount space of its own, where it may mount what nobody else sees: as
+/// root, or as root of a user space of its own. Needs a process with one thread.
+inline bool EnterMountSpace()
+{
+    const uid_t user = geteuid();
+    const gid_t group = getegid();
+    if (unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0)
+        return false;
+    if (user != 0) {
+        std::ofstream("/proc/self/setgroups") << "deny";
+        std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+        std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
+        if (geteuid() != 0)
+            return false;
+    }
+    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 /// Runs `body` in a process of its own that ends by exit(); tells its exit status.
