@@ -205,6 +205,15 @@ TEST(Replacement, LastHandleThatMayWriteSettlesIt)
     CloseHandle(reader);
 }
 
+TEST(Replacement, HandleThatMadeItButMayNotWriteHoldsNothingUp)
+{
+    const SettingsWorld world;
+    const HANDLE maker = Open(Ini, CREATE_ALWAYS, GENERIC_READ);
+    ASSERT_TRUE(WriteInto(Ini, "new"));
+    EXPECT_EQ("new", world.Text());
+    CloseHandle(maker);
+}
+
 TEST(Replacement, AfterItTookItsPlaceItIsWrittenInPlaceAsAnyOther)
 {
     const SettingsWorld world;
@@ -1180,6 +1189,27 @@ TEST(Replacement, ThreadsReplaceFilesSideBySide)
     EXPECT_EQ(0, wrong);
     EXPECT_EQ(10u, world.Text().size());
     EXPECT_EQ(0, CountHidden(world.Folder()));
+}
+
+TEST(Replacement, WhoeverReadsWhileItTakesItsPlaceFindsAFile)
+{
+    const SettingsWorld world;
+    std::atomic<bool> ended{false};
+    std::atomic<int> wrong{0};
+    std::atomic<int> reads{0};
+    std::vector<std::thread> readers;
+    for (int number = 0; number < 3; ++number)
+        readers.emplace_back([&] {
+            for (; !ended; ++reads)
+                wrong += ReadDevice(Ini) == "(none)" || SizeFound(Ini) == 999;
+        });
+    for (int i = 0; i < 400; ++i)
+        EXPECT_TRUE(WriteDevice(Ini, "new"));
+    ended = true;
+    for (std::thread& reader : readers)
+        reader.join();
+    EXPECT_EQ(0, wrong) << "of " << reads;
+    EXPECT_GT(reads, 100);
 }
 
 TEST(Replacement, NoDescriptorStaysBehind)
