@@ -203,7 +203,8 @@ i32 PropertyList::SetWide(const WCHAR* name, const WCHAR* text)
     if (allocator == nullptr)
         return NoMemory;
     // Both copies are made before the old value goes: the text may be that very value.
-    return Store(name, VariantWide, CopyWide(allocator, text), Narrowed(allocator, text));
+    WCHAR* const wide = CopyWide(allocator, text);
+    return Store(name, VariantWide, wide, Narrowed(allocator, text));
 }
 
 i32 PropertyList::SetNarrow(const WCHAR* name, const char* text)
@@ -212,7 +213,8 @@ i32 PropertyList::SetNarrow(const WCHAR* name, const char* text)
         return BadArgument;
     if (allocator == nullptr)
         return NoMemory;
-    return Store(name, VariantNarrow, Widened(allocator, text), CopyNarrow(allocator, text));
+    WCHAR* const wide = Widened(allocator, text);
+    return Store(name, VariantNarrow, wide, CopyNarrow(allocator, text));
 }
 
 i32 PropertyList::Set(const Variant* item)

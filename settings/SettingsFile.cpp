@@ -77,6 +77,16 @@ void SettingsFile::Compose(WCHAR* out, const WCHAR* section, const WCHAR* name)
     (void)AppendText(out, ComposeCells, name);
 }
 
+// As PropertyList::SetUnsigned, and NoMemory where the list did not tell of it.
+i32 SettingsFile::StoreCount(const WCHAR* section, u32 keyCount)
+{
+    const i32 result = sections.SetUnsigned(section, keyCount);
+    u32 held = 0;
+    if (result > 0 && sections.GetUnsigned(section, &held) < 1)
+        return NoMemory;
+    return result;
+}
+
 i32 SettingsFile::SetValue(const WCHAR* section, const Variant* item)
 {
     if (section == nullptr || item == nullptr || item->name == nullptr)
@@ -90,7 +100,7 @@ i32 SettingsFile::SetValue(const WCHAR* section, const Variant* item)
     // whether it is 0, and it rises before the value is looked at.
     u32 changes = 0;
     (void)sections.GetUnsigned(section, &changes);
-    i32 result = sections.SetUnsigned(section, changes + 1);
+    i32 result = StoreCount(section, changes + 1);
     if (result > 0) {
         Compose(composed, section, item->name);
         const Variant stored{composed, item->type, item->value};

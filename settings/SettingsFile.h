@@ -43,6 +43,7 @@ private:
     void FreeText(WCHAR** text);
     void FreeBuffers();
     static void Compose(WCHAR* out, const WCHAR* section, const WCHAR* name);
+    i32 StoreCount(const WCHAR* section, u32 keyCount);
 
     i32 AllocLoadBuffers();
     i32 KeepPath(const WCHAR* newPath);
@@ -53,6 +54,8 @@ private:
     i32 TakeKey(const WCHAR* name, const WCHAR* value, u32* keyCount);
     i32 ReadLine();
     i32 NextCharacter(WCHAR* out);
+    i32 FillReadBuffer(u32 cells);
+    bool IsReadToItsEnd();
 
     void WriteSections();
     void WriteKeys(const WCHAR* section);

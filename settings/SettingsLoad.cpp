@@ -63,24 +63,29 @@ i32 SettingsFile::ReadFile()
         FreeText(&path);
         return Failed;
     }
-    const i32 result = SkipMark() > 0 ? ReadLines() : Done;
+    i32 result = SkipMark();
+    if (result > 0)
+        result = ReadLines();
     (void)file.CloseFile();
-    return result;
+    return result < 0 ? Failed : Done;
 }
 
+// NothingDone for a file without text.
 i32 SettingsFile::SkipMark()
 {
-    u32 length = sizeof(WCHAR);
-    if (file.Read(readBuffer, &length) < 1 || length < sizeof(WCHAR))
-        return NothingDone;
-    readCount = readBuffer[0] == ByteOrderMark ? 0 : 1;
-    return Done;
+    const i32 filled = FillReadBuffer(1);
+    if (filled > 0 && readBuffer[0] == ByteOrderMark)
+        readPosition = 1;
+    return filled;
 }
 
 i32 SettingsFile::ReadLines()
 {
     u32 keyCount = 0;
-    while (ReadLine() > 0) {
+    for (;;) {
+        const i32 read = ReadLine();
+        if (read < 1)
+            return read;
         const SettingsLine line = ParseSettingsLine(lineBuffer);
         i32 result = Done;
         if (line.kind == SettingsLineKind::Broken)
@@ -90,9 +95,8 @@ i32 SettingsFile::ReadLines()
         else if (line.kind == SettingsLineKind::Key)
             result = TakeKey(line.name, line.value, &keyCount);
         if (result < 0)
-            return Failed;
+            return result;
     }
-    return Done;
 }
 
 i32 SettingsFile::EnterSection(const WCHAR* name, u32* keyCount)
@@ -101,7 +105,7 @@ i32 SettingsFile::EnterSection(const WCHAR* name, u32* keyCount)
     (void)CopyText(sectionBuffer, NameCells, name);
     if (sections.GetUnsigned(sectionBuffer, keyCount) > 0)
         return Done;
-    const i32 added = sections.SetUnsigned(sectionBuffer, 0);
+    const i32 added = StoreCount(sectionBuffer, 0);
     if (added > 0)
         ++sectionCount;
     return added;
@@ -117,19 +121,26 @@ i32 SettingsFile::TakeKey(const WCHAR* name, const WCHAR* value, u32* keyCount)
     } else {
         (void)CopyText(valueBuffer, BlockCells, value);
         // What a full list refuses is left out, and the load goes on.
-        if (keys.SetWide(composeBuffer, valueBuffer) < 0)
+        if (keys.SetWide(composeBuffer, valueBuffer) == Failed)
             return NothingDone;
+        // No memory for the text is not told by the list. The load must not succeed without it:
+        // the next save would take it out of the file.
+        const WCHAR* held = nullptr;
+        if (keys.GetWide(composeBuffer, &held) < 1)
+            return NoMemory;
     }
     ++*keyCount;
     // A key before any section line puts the section of the empty name into the list here.
-    return sections.SetUnsigned(sectionBuffer, *keyCount);
+    return StoreCount(sectionBuffer, *keyCount);
 }
 
+// NothingDone at the end of the text, Failed where reading fails.
 i32 SettingsFile::ReadLine()
 {
     linePosition = 0;
     WCHAR character = 0;
-    while (NextCharacter(&character) > 0) {
+    i32 got = NothingDone;
+    while ((got = NextCharacter(&character)) > 0) {
         // Only the pair ends a line: a CR is an ordinary character until an LF follows it.
         if (character == TEXT('\n') && linePosition > 0 &&
             lineBuffer[linePosition - 1] == TEXT('\r')) {
@@ -143,6 +154,8 @@ i32 SettingsFile::ReadLine()
         lineBuffer[linePosition] = character;
         ++linePosition;
     }
+    if (got < 0)
+        return got;
     if (linePosition == 0 || linePosition == BlockCells)
         return NothingDone;
     lineBuffer[linePosition] = 0;
@@ -152,16 +165,42 @@ i32 SettingsFile::ReadLine()
 i32 SettingsFile::NextCharacter(WCHAR* out)
 {
     if (readPosition >= readCount) {
-        u32 length = BlockCells * sizeof(WCHAR);
-        if (file.Read(readBuffer, &length) < 1)
-            return NothingDone;
-        readPosition = 0;
-        // An odd last byte is dropped.
-        readCount = length / static_cast<u32>(sizeof(WCHAR));
-        if (readCount == 0)
-            return NothingDone;
+        const i32 filled = FillReadBuffer(BlockCells);
+        if (filled < 1)
+            return filled;
     }
     *out = readBuffer[readPosition];
     ++readPosition;
     return Done;
+}
+
+// Reads up to `cells` characters. NothingDone at the file's end; an odd last byte is dropped there.
+i32 SettingsFile::FillReadBuffer(u32 cells)
+{
+    u8* bytes = reinterpret_cast<u8*>(readBuffer);
+    const u32 wanted = cells * static_cast<u32>(sizeof(WCHAR));
+    u32 got = 0;
+    while (got < wanted) {
+        u32 length = wanted - got;
+        if (file.Read(bytes + got, &length) < 1 || length == 0)
+            break;
+        got += length;
+    }
+    // A stream does not tell a failing read from the end of the file, and half a file taken for the
+    // whole would lose its other half at the next save.
+    if (got < wanted && !IsReadToItsEnd())
+        return Failed;
+    readPosition = 0;
+    readCount = got / static_cast<u32>(sizeof(WCHAR));
+    return readCount > 0 ? Done : NothingDone;
+}
+
+bool SettingsFile::IsReadToItsEnd()
+{
+    u64 size = 0;
+    u64 position = 0;
+    const i64 here = 0;
+    (void)file.GetSize(&size);
+    (void)file.Seek(&here, &position, FILE_CURRENT);
+    return position >= size;
 }

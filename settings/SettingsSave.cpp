@@ -32,10 +32,10 @@ i32 SettingsFile::Save(const WCHAR* newPath)
     saveBuffersReady = 1;
     linePosition = 0;
     const WCHAR* target = newPath != nullptr ? newPath : path;
-    // Neither result is looked at: what cannot be written is lost, and the program ends all the
-    // same.
-    (void)directory.MakeFile(target, MakeEmpty);
-    (void)file.Open(target, 0);
+    // Neither result is told: what cannot be written is lost, and the program ends all the same. A
+    // file that cannot be emptied is not opened, since its old text would stand on behind the new.
+    if (directory.MakeFile(target, MakeEmpty) > 0)
+        (void)file.Open(target, 0);
     Put(ByteOrderMark);
     WriteSections();
     Flush();
@@ -44,18 +44,23 @@ i32 SettingsFile::Save(const WCHAR* newPath)
     return Done;
 }
 
+// In both walks an entry whose text was lost for want of memory is known by its name, which the end
+// of the list does not have: what stands behind it is not lost with it.
+
 void SettingsFile::WriteSections()
 {
-    Variant section{nullptr, VariantUnsigned, 0};
-    for (u32 i = 0; sections.GetAt(i, &section) > 0; ++i) {
-        if (section.value != 0) {
-            PutText(TEXT("["));
-            PutText(section.name);
-            PutText(TEXT("]\r\n"));
-            WriteKeys(section.name);
-            PutText(TEXT("\r\n"));
-        }
-        section.type = VariantUnsigned;
+    for (u32 i = 0;; ++i) {
+        // A count that was lost leaves the 1, so that the section's keys stay in the file.
+        Variant section{nullptr, VariantUnsigned, 1};
+        if (sections.GetAt(i, &section) < 1 && section.name == nullptr)
+            return;
+        if (section.value == 0)
+            continue;
+        PutText(TEXT("["));
+        PutText(section.name);
+        PutText(TEXT("]\r\n"));
+        WriteKeys(section.name);
+        PutText(TEXT("\r\n"));
     }
 }
 
@@ -66,16 +71,18 @@ void SettingsFile::WriteKeys(const WCHAR* section)
     // lists. The section's text is found anywhere in a composed name, so that "ab" also collects
     // the keys of "xab". And a key without a value ends the walk: it and all keys stored after it
     // are lost.
-    Variant key{nullptr, VariantWide, 0};
-    for (u32 i = 0; keys.GetAt(i, &key) > 0; ++i) {
-        const WCHAR* name = Behind(key.name, composeBuffer);
+    for (u32 i = 0;; ++i) {
+        Variant key{nullptr, VariantWide, 0};
+        const bool has = keys.GetAt(i, &key) > 0;
+        if (!has && key.name == nullptr)
+            return;
+        const WCHAR* name = has ? Behind(key.name, composeBuffer) : nullptr;
         if (name != nullptr) {
             PutText(name);
             PutText(TEXT("="));
             PutText(reinterpret_cast<const WCHAR*>(key.value));
             PutText(TEXT("\r\n"));
         }
-        key.type = VariantWide;
     }
 }
 

@@ -93,6 +93,20 @@ TEST(SettingsLoad, ReadsAFileWithoutTheMarkFromItsFirstBytes)
     EXPECT_EQ(u"v", loaded.Text(u"S", u"k"));
 }
 
+TEST(SettingsLoad, AnotherFirstCharacterStaysTheFirstOfTheText)
+{
+    // The mark of the other byte order, and a second mark, are characters like any others: what
+    // would be a section line is a line without a sign then.
+    for (const char16_t* first : {u"\uFFFE", u"\uFEFF\uFEFF", u"x"}) {
+        Loaded loaded(Utf16Bytes(first + std::u16string(u"[S]\r\nk=v\r\n")));
+        ASSERT_EQ(1, loaded.result);
+        EXPECT_EQ(-1, loaded.Get(u"S", u"k"));
+        EXPECT_EQ(u"v", loaded.Text(u"", u"k"));
+    }
+    Loaded key(Utf16Bytes(u"\uFFFEk=v\r\n"));
+    EXPECT_EQ(u"v", key.Text(u"", u"\uFFFEk"));
+}
+
 TEST(SettingsLoad, DropsAnOddLastByte)
 {
     Loaded loaded(FileOf(u"[S]\r\nk=v") + "x");
