@@ -1,0 +1,179 @@
+// The program's own settings: what each key's value, its absence and nonsense in its place come to,
+// and what stands in the file at the end of a run.
+
+#include "platform/testing/core/TestHome.h"
+#include "settings/tests/SettingsText.h"
+#include "tests/support/Program.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+using namespace tavrix::testing;
+
+namespace
+{
+
+std::string NewFile()
+{
+    return TestHome() + "/config/tavrix/Configuration Files/Tavrix.ini";
+}
+
+std::string OldFile()
+{
+    return TestHome() + "/data/tavrix/Tavrix.ini";
+}
+
+void Write(const std::string& path, const std::u16string& text)
+{
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::binary) << FileOf(text);
+}
+
+std::string Read(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+/// A run with no command line and one plugin, as the program asks for one.
+void RunWithPlugin(const Step& step)
+{
+    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/quick.dll");
+    RunProgram(u"", step);
+}
+
+bool Saved(const std::u16string& text)
+{
+    return Read(NewFile()).find(Utf16Bytes(text)) != std::string::npos;
+}
+
+} // namespace
+
+TEST(SettingsKeys, TextThatIsNoNumberLeavesEachDefault)
+{
+    Write(NewFile(), u"[Tavrix]\r\nFaceColor=red\r\nBackgroundColor=-5\r\nShowToolbox=0x0\r\n"
+                     u"ShowColorbox=no\r\nWindowAdjusted=1 \r\nEnableUndo=yes\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(0u, frame.faceColor);
+        EXPECT_EQ(0xFFFFFFFFu, frame.backgroundColor);
+        EXPECT_EQ(1u, frame.showToolbox);
+        EXPECT_EQ(1u, frame.showColorbox);
+        EXPECT_EQ(40018u, frame.zoomCommand);
+        EXPECT_EQ(0u, frame.undoEnabled);
+    });
+    EXPECT_TRUE(Saved(u"\r\nFaceColor=0\r\n"));
+    EXPECT_TRUE(Saved(u"\r\nBackgroundColor=4294967295\r\n"));
+    EXPECT_TRUE(Saved(u"\r\nEnableUndo=yes\r\n")) << "never written by the program";
+}
+
+TEST(SettingsKeys, KeysWithoutAValueLeaveEachDefault)
+{
+    Write(NewFile(), u"[Tavrix]\r\nFaceColor=\r\nBackgroundColor=\r\nShowToolbox=\r\n"
+                     u"ShowColorbox=\r\nWindowAdjusted=\r\nEnableUndo=\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(0u, frame.faceColor);
+        EXPECT_EQ(0xFFFFFFFFu, frame.backgroundColor);
+        EXPECT_EQ(1u, frame.showToolbox);
+        EXPECT_EQ(1u, frame.showColorbox);
+        EXPECT_EQ(40018u, frame.zoomCommand);
+        EXPECT_EQ(0u, frame.undoEnabled);
+    });
+}
+
+TEST(SettingsKeys, NumbersAreUnsignedAndStopAt32Bits)
+{
+    Write(NewFile(), u"[Tavrix]\r\nFaceColor=4278190335\r\nBackgroundColor=99999999999\r\n"
+                     u"ShowToolbox=7\r\nEnableUndo=4294967295\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(0xFF0000FFu, frame.faceColor);
+        EXPECT_EQ(0xFFFFFFFFu, frame.backgroundColor);
+        EXPECT_EQ(1u, frame.undoEnabled) << "as a truth value";
+    });
+    EXPECT_TRUE(Saved(u"\r\nFaceColor=4278190335\r\n"));
+    EXPECT_TRUE(Saved(u"\r\nBackgroundColor=4294967295\r\n"));
+}
+
+TEST(SettingsKeys, UndoIsOffWithoutItsKeyWhichIsNotWritten)
+{
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(0u, frame.undoEnabled); });
+    EXPECT_FALSE(Saved(u"EnableUndo"));
+}
+
+TEST(SettingsKeys, ZeroSwitchesUndoOff)
+{
+    Write(NewFile(), u"[Tavrix]\r\nEnableUndo=0\r\n");
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(0u, frame.undoEnabled); });
+    EXPECT_TRUE(Saved(u"\r\nEnableUndo=0\r\n"));
+}
+
+TEST(SettingsKeys, AnyOtherNumberAdjustsTheWindowAndIsWrittenAsOne)
+{
+    Write(NewFile(), u"[Tavrix]\r\nWindowAdjusted=2\r\n");
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(40020u, frame.zoomCommand); });
+    EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=1\r\n"));
+}
+
+TEST(SettingsKeys, AFixedZoomIsWrittenAsNotAdjusted)
+{
+    Write(NewFile(), u"[Tavrix]\r\nWindowAdjusted=1\r\n");
+    RunWithPlugin([](MainFrame& frame) { frame.SetZoom(40022); });
+    EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=0\r\n"));
+}
+
+TEST(SettingsKeys, AFirstRunWritesTheDefaultsInTheirOrder)
+{
+    RunWithPlugin([](MainFrame&) {});
+    const std::string bytes = Read(NewFile());
+    EXPECT_EQ(0u, bytes.find(FileOf(u"[Tavrix]\r\nLastCommandLine=\r\nShowToolbox=1\r\n"
+                                    u"ShowColorbox=1\r\nFaceColor=0\r\n"
+                                    u"BackgroundColor=4294967295\r\n")));
+    EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=0\r\n"));
+    EXPECT_FALSE(Saved(u"[Global]"));
+}
+
+TEST(SettingsKeys, WhatIsShownIsWrittenAtTheEnd)
+{
+    RunWithPlugin([](MainFrame& frame) {
+        frame.showToolbox = 0;
+        frame.showColorbox = 0;
+        frame.faceColor = 1;
+        frame.backgroundColor = 2;
+    });
+    EXPECT_TRUE(Saved(u"\r\nShowToolbox=0\r\nShowColorbox=0\r\nFaceColor=1\r\n"
+                      u"BackgroundColor=2\r\n"));
+}
+
+TEST(SettingsKeys, TheCommandLineIsRewrittenAtEveryStartBeforeItsEmptyTextCanEndASave)
+{
+    Write(NewFile(), u"[Tavrix]\r\nLastCommandLine=\r\nEnableUndo=1\r\n[Global]\r\nk=v\r\n");
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(1u, frame.undoEnabled); });
+    EXPECT_TRUE(Saved(u"[Tavrix]\r\nLastCommandLine=\r\nEnableUndo=1\r\n"));
+    EXPECT_TRUE(Saved(u"[Global]\r\nk=v\r\n"));
+}
+
+TEST(SettingsKeys, ACommandLineOfTheRunBeforeIsNotOpened)
+{
+    const std::string file = TestHome() + "/a.quick";
+    std::ofstream(file) << "x";
+    Write(NewFile(), u"[Tavrix]\r\nLastCommandLine=" + DevicePath(file) + u"\r\n");
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(0u, frame.imagePresent); });
+    EXPECT_TRUE(Saved(u"\r\nLastCommandLine=\r\n"));
+}
+
+TEST(SettingsKeys, AFileBesideTheProgramIsMovedAtTheStart)
+{
+    Write(OldFile(), u"[Tavrix]\r\nFaceColor=5\r\n");
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(5u, frame.faceColor); });
+    EXPECT_TRUE(Saved(u"[Tavrix]\r\nFaceColor=5\r\nLastCommandLine=\r\n"));
+    EXPECT_EQ(FileOf(u"[Tavrix]\r\nFaceColor=5\r\n\r\n"), Read(OldFile()));
+}
+
+TEST(SettingsKeys, ABrokenFileMeansDefaultsAndIsNotWrittenOver)
+{
+    Write(NewFile(), u"[Tavrix]\r\nFaceColor=5\r\n[Glob\r\n");
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(0u, frame.faceColor); });
+    EXPECT_EQ(FileOf(u"[Tavrix]\r\nFaceColor=5\r\n[Glob\r\n"), Read(NewFile()));
+}
