@@ -211,6 +211,8 @@ TEST_F(DibBufferTest, ARasterThatPagesIsCopiedWhole)
     ASSERT_EQ(buffer.Create(7, 9, 24), 1);
     EXPECT_EQ(buffer.CopyFrom(&raster), 1);
     EXPECT_EQ(Bits(buffer).bytes, expected);
+    // Each line went out again at its release, but for the last, which no release of its own frees.
+    EXPECT_EQ(FilesIn(FirstFolder).size(), 8u);
     PlentyOfMemory();
     EXPECT_EQ(raster.UnlockAll(), 1);
 }
