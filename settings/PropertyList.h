@@ -32,7 +32,8 @@ public:
     i32 Find(const WCHAR* name, i32* index) const;
 
     // The setters give Added or Replaced; Failed for a full list; BadArgument for null; NoMemory
-    // without allocator or table.
+    // without allocator or table. Memory that runs out over a text is not told: the entry then has
+    // no such value to give (NotConvertible), and a new name is not there at all.
     [[nodiscard]] i32 SetEmpty(const WCHAR* name);
     [[nodiscard]] i32 SetUnsigned(const WCHAR* name, u32 value);
     [[nodiscard]] i32 SetSigned(const WCHAR* name, i32 value);

@@ -16,12 +16,15 @@ public:
     SettingsFile(const SettingsFile&) = delete;
     SettingsFile& operator=(const SettingsFile&) = delete;
 
-    /// Reads the file, which is created empty if absent; what was open is saved and closed first.
-    /// BadArgument, NoMemory; Failed when it cannot be opened or a section line is broken.
+    /// Reads the file, which is created empty if absent; what was open is saved and closed first,
+    /// so that `path` must be no text of this store. BadArgument for null; NoMemory without
+    /// buffers; Failed when the file cannot be opened, read or held, or a section line is broken:
+    /// nothing is open then, and the file stays as it is.
     [[nodiscard]] i32 Load(const WCHAR* path);
-    /// Writes to `path`, or with null to where the last load came from. Failed when not open.
+    /// Writes to `path`, or with null to where the last load came from. Failed when not open,
+    /// NoMemory without buffers, else Done: what the disk refuses is not told.
     i32 Save(const WCHAR* path);
-    /// Failed when not open.
+    /// Saves if `save` is not 0, then drops everything. Failed when not open, else Done.
     i32 Close(u32 save);
 
     // WrongState when not open, BadArgument for null, else what the property list says.
