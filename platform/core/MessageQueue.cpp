@@ -2,6 +2,8 @@
 
 #include "platform/core/KeyState.h"
 #include "platform/core/Timers.h"
+#include "platform/core/WindowMessenger.h"
+#include "platform/core/WindowRegistry.h"
 #include "platform/core/WindowTable.h"
 
 #include <atomic>
@@ -10,8 +12,11 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavrix::platform
 {
@@ -35,7 +40,7 @@ struct SentCall {
 };
 
 struct Queue {
-    std::mutex lock; // guards the fields down to `woken`
+    std::mutex lock; // guards the fields down to `bell`
     std::condition_variable wakeUp;
     std::deque<std::shared_ptr<SentCall>> sent;
     std::deque<MSG> posted;
@@ -43,6 +48,7 @@ struct Queue {
     bool quit = false;
     int exitCode = 0;
     bool woken = false;
+    int bell = -1; // rung at each sent call while the thread waits for a descriptor
 
     std::atomic<void (*)()> wakeHost{nullptr};
 
@@ -98,6 +104,19 @@ void WaitForWork(Queue& queue, int limit)
     else
         queue.wakeUp.wait_for(guard, milliseconds(limit), woken);
     queue.woken = false;
+}
+
+void Send(const std::shared_ptr<SentCall>& sent)
+{
+    Queue& queue = TheQueue();
+    {
+        std::lock_guard guard(queue.lock);
+        queue.sent.push_back(sent);
+        const uint64_t one = 1;
+        if (queue.bell >= 0)
+            (void)!write(queue.bell, &one, sizeof one);
+    }
+    WakeLoop();
 }
 
 void RunSentCalls(Queue& queue)
@@ -305,15 +324,43 @@ LRESULT RunOnUiThread(std::function<LRESULT()> call)
         return call();
     const auto sent = std::make_shared<SentCall>();
     sent->call = std::move(call);
-    Queue& queue = TheQueue();
-    {
-        std::lock_guard guard(queue.lock);
-        queue.sent.push_back(sent);
-    }
-    WakeLoop();
+    Send(sent);
     std::unique_lock guard(sent->lock);
     sent->finished.wait(guard, [&sent] { return sent->done; });
     return sent->result;
+}
+
+void CallSoon(std::function<LRESULT()> call)
+{
+    const auto sent = std::make_shared<SentCall>();
+    sent->call = std::move(call);
+    Send(sent);
+}
+
+void WaitForDescriptor(int file)
+{
+    Queue& queue = TheQueue();
+    const bool serves = IsUiThread();
+    const int bell = serves ? eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK) : -1;
+    const auto exchangeBell = [&queue, serves](int other) {
+        std::lock_guard guard(queue.lock);
+        return serves ? std::exchange(queue.bell, other) : -1;
+    };
+    // A wait inside a call that this one serves has a bell of its own.
+    const int before = exchangeBell(bell);
+    pollfd watched[] = {{file, POLLIN, 0}, {bell, POLLIN, 0}};
+    do {
+        if (serves)
+            RunSentCalls(queue);
+        uint64_t rung = 0;
+        if (poll(watched, 2, -1) < 0)
+            watched[0].revents = watched[1].revents = 0; // a signal: look again
+        else if (watched[1].revents != 0)
+            (void)!read(bell, &rung, sizeof rung);
+    } while (watched[0].revents == 0);
+    exchangeBell(before);
+    if (bell >= 0)
+        close(bell);
 }
 
 NestedLoop::NestedLoop()
@@ -344,6 +391,9 @@ BOOL WINAPI GetMessageW(LPMSG message, HWND window, UINT first, UINT last)
             queue.host.idle();
         WaitForWork(queue, UntilNextTimer().value_or(-1));
     }
+    // The program goes down: from here on nobody is left to serve what another process sends.
+    if (message->message == WM_QUIT && Outermost(queue))
+        RetractAllWindows();
     return message->message != WM_QUIT;
 }
 
@@ -419,6 +469,8 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam
 LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (!IsWindow(window)) {
+        if (ForeignWindowOf(window))
+            return SendToForeignWindow(window, message, lParam);
         SetLastError(InvalidWindowHandle);
         return 0;
     }

@@ -57,6 +57,13 @@ LRESULT CallWindow(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /// Runs `call` on the user-interface thread and waits for its result.
 LRESULT RunOnUiThread(std::function<LRESULT()> call);
 
+/// The same without waiting: the call runs when the thread comes to its sent messages, in any loop.
+/// From any thread.
+void CallSoon(std::function<LRESULT()> call);
+/// Waits until the descriptor can be read or has ended. On the user-interface thread sent messages
+/// are served meanwhile, and nothing else is. From any thread.
+void WaitForDescriptor(int file);
+
 /// Lets the host handle the events that are there. Nothing without a toolkit.
 void PumpHost();
 /// Ends a wait of the loop that is going on, or the next one. From any thread.

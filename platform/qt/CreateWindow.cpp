@@ -1,5 +1,6 @@
 // How windows come and go.
 #include "platform/core/MessageQueue.h"
+#include "platform/core/WindowRegistry.h"
 #include "platform/qt/Backing.h"
 #include "platform/qt/Input.h"
 #include "platform/qt/Screen.h"
@@ -96,6 +97,9 @@ HWND Create(const Request& request)
     }
     const QRect place = PlaceOf(request, *window);
     MakeWidget(*window, place);
+    // Other processes may look for the program's own windows; nobody looks for its dialogs there.
+    if (!isChild && windowClass->makeWidget == nullptr)
+        PublishWindow(window->handle, windowClass->name, window->text);
 
     CREATESTRUCTW creation{};
     creation.lpCreateParams = request.parameter;

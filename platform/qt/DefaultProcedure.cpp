@@ -1,6 +1,7 @@
 // What a window does with the messages that its own procedure leaves.
 #include "platform/core/Gdi.h"
 #include "platform/core/MessageQueue.h"
+#include "platform/core/WindowRegistry.h"
 #include "platform/qt/Backing.h"
 #include "platform/qt/Icons.h"
 #include "platform/qt/WindowRecords.h"
@@ -18,6 +19,7 @@ LRESULT SetText(Window& window, LPARAM lParam)
 {
     const auto* text = reinterpret_cast<const WCHAR*>(lParam);
     window.text = text != nullptr ? text : u"";
+    RetitleWindow(window.handle, window.text);
     return TRUE;
 }
 

@@ -1,8 +1,10 @@
 #include "platform/qt/HostLoop.h"
 
 #include "platform/core/MessageQueue.h"
+#include "platform/core/WindowReceiver.h"
 #include "platform/qt/Backing.h"
 #include "platform/qt/Graveyard.h"
+#include "platform/qt/Screen.h"
 #include "platform/qt/Shot.h"
 #include "platform/qt/Signals.h"
 #include "platform/qt/StartupLog.h"
@@ -11,6 +13,7 @@
 #include <QAbstractEventDispatcher>
 #include <QBasicTimer>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QObject>
 #include <QTimerEvent>
 
@@ -84,6 +87,19 @@ bool MayTakeInput(HWND window)
     return record != nullptr && TakesInput(*record);
 }
 
+void RaiseForAnother(HWND window, bool activate, const std::string& token)
+{
+    BringWindowToTop(window);
+    RaiseScreen();
+    if (!activate)
+        return;
+    // Where the desktop asks for one, the other process's right to the front is handed on. The
+    // toolkit takes it from here and removes it.
+    if (!token.empty() && QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
+    SetForegroundWindow(window);
+}
+
 } // namespace
 
 void InstallHostLoop()
@@ -99,6 +115,7 @@ void InstallHostLoop()
     loop.outermost = Outermost;
     loop.idle = Idle;
     SetHostLoop(loop);
+    SetRaiseForOthers(RaiseForAnother);
 }
 
 } // namespace tavrix::platform

@@ -137,10 +137,18 @@ void ShowScreen()
         screen->show();
 }
 
-void ActivateScreen()
+void RaiseScreen()
 {
     QWidget* screen = ScreenWidget();
+    if (screen->isMinimized())
+        screen->setWindowState(screen->windowState() & ~Qt::WindowMinimized);
     screen->raise();
+}
+
+void ActivateScreen()
+{
+    RaiseScreen();
+    QWidget* screen = ScreenWidget();
     screen->activateWindow();
 }
 

@@ -13,7 +13,9 @@ namespace tavrix::platform
 /// else four fifths of the desktop's height at 4:3 and at least 640x480. The same for the whole
 /// run.
 QSize ScreenSize();
-/// Brings the host window to the front and gives it the keyboard.
+/// Brings the host window to the front, also out of the task bar.
+void RaiseScreen();
+/// The same, and gives it the keyboard.
 void ActivateScreen();
 
 } // namespace tavrix::platform

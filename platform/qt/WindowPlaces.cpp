@@ -1,6 +1,7 @@
 // Where windows lie: sizes, coordinates, order. Coordinates are those of the device screen, or for
 // children those of their parent's client area.
 #include "platform/core/MessageQueue.h"
+#include "platform/core/WindowMessenger.h"
 #include "platform/qt/Screen.h"
 #include "platform/qt/WindowRecords.h"
 
@@ -150,7 +151,7 @@ BOOL WINAPI BringWindowToTop(HWND handle)
 {
     Window* window = FindWindowRecord(handle);
     if (window == nullptr)
-        return FALSE;
+        return RaiseForeignWindow(handle, false);
     Raise(*window);
     return TRUE;
 }
@@ -159,7 +160,7 @@ BOOL WINAPI SetForegroundWindow(HWND handle)
 {
     Window* window = FindWindowRecord(handle);
     if (window == nullptr)
-        return FALSE;
+        return RaiseForeignWindow(handle, true);
     Raise(*window);
     ActivateScreen();
     return TRUE;

@@ -1,6 +1,7 @@
 #include "platform/qt/WindowRecords.h"
 
 #include "platform/core/MessageQueue.h"
+#include "platform/core/WindowRegistry.h"
 #include "platform/core/WindowTable.h"
 #include "platform/qt/Graveyard.h"
 #include "platform/qt/UiThread.h"
@@ -62,6 +63,7 @@ Window* AddWindow(std::unique_ptr<Window> window)
 
 void RemoveWindow(Window& window)
 {
+    RetractWindow(window.handle);
     ForgetWindow(window.handle);
     RemoveWindowHandle(window.handle);
     Records& records = TheRecords();

@@ -1,5 +1,6 @@
 // What windows are asked and told besides their place: shown, enabled, texts, words, who is who.
 #include "platform/core/MessageQueue.h"
+#include "platform/core/WindowRegistry.h"
 #include "platform/core/WindowTable.h"
 #include "platform/qt/Backing.h"
 #include "platform/qt/UiThread.h"
@@ -154,6 +155,9 @@ HWND WINAPI FindWindowW(LPCWSTR className, LPCWSTR title)
         }
         return 0;
     });
+    // A class by its number means something in this process alone.
+    if (found == nullptr && !(className != nullptr && IS_INTRESOURCE(className)))
+        found = FindForeignWindow(className, title);
     return found;
 }
 

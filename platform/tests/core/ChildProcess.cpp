@@ -1,5 +1,7 @@
 #include "platform/tests/core/ChildProcess.h"
 
+#include "platform/tests/core/ChildRoles.h"
+
 #include <windows.h>
 
 #include <fcntl.h>
@@ -8,23 +10,21 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 extern char** environ;
 
-namespace
+void Tell(const std::string& line)
 {
-
-constexpr const char* RoleName = "TAVRIX_CORE_TEST_ROLE";
+    const std::string text = line + "\n";
+    if (write(STDOUT_FILENO, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+        _exit(3);
+}
 
 void Tell(unsigned long long number)
 {
-    char text[32];
-    const int length = std::snprintf(text, sizeof text, "%llu\n", number);
-    if (write(STDOUT_FILENO, text, static_cast<size_t>(length)) != length)
-        _exit(3);
+    Tell(std::to_string(number));
 }
 
 void WaitToGoOn()
@@ -33,6 +33,11 @@ void WaitToGoOn()
     if (read(STDIN_FILENO, &byte, 1) < 0)
         _exit(4);
 }
+
+namespace
+{
+
+constexpr const char* RoleName = "TAVRIX_CORE_TEST_ROLE";
 
 // Makes the mutex as its owner, tells the last error, keeps it until told.
 void HoldMutex()
@@ -101,7 +106,13 @@ const struct Start {
                               {"try-mutex", TryMutex},
                               {"memory", TellMemory},
                               {"memory-held", TellMemoryWhileHolding},
-                              {"language", TellLanguage}};
+                              {"language", TellLanguage},
+                              {"window", ShowWindowToOthers},
+                              {"window-until-told", ShowWindowUntilTold},
+                              {"window-unserved", ShowWindowThatNobodyServes},
+                              {"window-retitled", ShowWindowThatChanges},
+                              {"window-until-quit", ShowWindowUntilQuit},
+                              {"sender", SendToWindow}};
         const char* wanted = std::getenv(RoleName);
         if (wanted == nullptr)
             return;
@@ -175,6 +186,19 @@ void ChildProcess::GoOn()
 {
     if (write(toChild, "\n", 1) != 1)
         std::abort();
+}
+
+void ChildProcess::Signal(int number)
+{
+    kill(process, number);
+}
+
+int ChildProcess::Wait()
+{
+    int status = 0;
+    waitpid(process, &status, 0);
+    process = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 void ChildProcess::Kill()

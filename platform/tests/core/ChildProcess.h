@@ -19,6 +19,10 @@ public:
     std::string Line();
     /// Lets the child go on where it waits.
     void GoOn();
+    /// Sends it a signal of the host.
+    void Signal(int number);
+    /// Waits until it ends by itself; its exit code.
+    int Wait();
     /// Ends it the hard way and waits until it is gone.
     void Kill();
 
