@@ -34,10 +34,12 @@ void UnsetScaling()
 
 QtMessageHandler hostMessages = nullptr;
 
-// A machine without a session has no run-time folder; the toolkit's note about it helps nobody.
+// A machine without a session has no run-time folder, and not every desktop lets a window raise
+// itself; the toolkit's notes about it help nobody.
 void FilterMessages(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")) &&
+        !text.startsWith(QLatin1String("This plugin does not support raise()")))
         hostMessages(type, context, text);
 }
 
