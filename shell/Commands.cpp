@@ -56,6 +56,7 @@ LRESULT MainFrame::OnCommand(u32, u32 id, HWND)
 {
     for (const Command& command : commands)
         if (command.id == id) {
+            const ScopedFlow flow(this);
             command.run(*this, id);
             break;
         }

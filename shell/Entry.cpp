@@ -88,7 +88,9 @@ i32 RunApplication(HINSTANCE instance, const WCHAR* commandLine, int showCommand
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR line, int showCommand)
 {
-    WCHAR* quotedName = TakeQuotedName(line);
+    // Static, so that it stays within reach where it is left to the end of the process.
+    static WCHAR* quotedName;
+    quotedName = TakeQuotedName(line);
     const WCHAR* commandLine = quotedName != nullptr ? quotedName : line;
 
     logger = new (std::nothrow) Logger;

@@ -11,6 +11,9 @@ void MainFrame::OnClose()
     settings->SetUInt(ProgramSection, TEXT("BackgroundColor"), backgroundColor);
     settings->SetUInt(ProgramSection, TEXT("WindowAdjusted"),
                       zoomCommand == CommandZoomWindow ? 1 : 0);
+    // Nobody is left to see what still waits to be opened.
+    handOvers.closed = 1;
+    handOvers.Drop();
     if (popupMenu != nullptr)
         DestroyMenu(popupMenu);
     if (smallIcon != nullptr)

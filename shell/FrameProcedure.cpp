@@ -39,6 +39,9 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
         return 0;
     case WM_CTLCOLORSTATIC:
         return 0;
+    case WM_COPYDATA:
+        return frame->OnCopyData(reinterpret_cast<HWND>(wParam),
+                                 reinterpret_cast<const COPYDATASTRUCT*>(lParam));
     case WM_APP:
         return frame->OnGetInstance();
     default:

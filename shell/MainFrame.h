@@ -23,6 +23,7 @@
 #include "plugin/ScalePlugin.h"
 #include "plugin/SubtractPlugin.h"
 #include "settings/SettingsFile.h"
+#include "shell/HandOver.h"
 
 #include <windows.h>
 
@@ -42,6 +43,10 @@ public:
     virtual void OnPaint();
     virtual LRESULT OnCommand(u32 notifyCode, u32 id, HWND control);
     virtual void OnClose();
+    /// The hand-over of a second start (shell/HandOver.cpp): writes LastCommandLine and opens the
+    /// record's text, at once or when the flow under way has ended. Always 1. Never reads beyond
+    /// the record's count; without data it opens nothing.
+    virtual LRESULT OnCopyData(HWND sender, const COPYDATASTRUCT* record);
     virtual LRESULT OnGetInstance();
 
     // Menus (shell/Menus.cpp).
@@ -175,6 +180,7 @@ public:
     HMENU popupMenu = nullptr; // never set; destroyed at close if it ever were
     u32 abortRequested = 0;
     SettingsFile* settings;
+    HandOvers handOvers; // names that wait for the end of the flow under way
 
 private:
     struct ViewRectangles {

@@ -52,6 +52,7 @@ i32 MainFrame::LoadFromStream(Stream* stream, i32 plugin, i32 configure)
                     ErrorCaption(), MB_ICONHAND);
         return NothingDone;
     }
+    const ScopedHold hold(this);
     if (configure != 0) {
         const i32 configured = inputPlugins->Configure(window, JobCallbacks);
         if (configured == 0) {
@@ -109,6 +110,7 @@ i32 MainFrame::FindInputPlugin(const WCHAR* path, i32* plugin) const
 
 void MainFrame::OpenFile(const WCHAR* path)
 {
+    const ScopedFlow flow(this);
     if (inputExtensions->Count() == 0) {
         MessageBoxW(window,
                     InLanguage(TEXT("No INPUT plugin is installed"),

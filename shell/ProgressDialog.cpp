@@ -90,6 +90,7 @@ i32 RunJob(HWND owner, HINSTANCE instance, JobRecord* record)
         return Failed;
     const auto* dialogTemplate =
         static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(instance, resource)));
+    const ScopedHold hold(mainFrame);
     const u32 kind = record->kind;
     const INT_PTR result = DialogBoxIndirectParamW(instance, dialogTemplate, owner, Procedure,
                                                    reinterpret_cast<LPARAM>(record));

@@ -26,4 +26,29 @@ ProcessResult RunTavrix(const std::vector<std::string>& arguments,
                         const std::function<void(int)>& whileRunning = {},
                         const std::string& program = BuiltProgram, int secondsAtMost = 100);
 
+/// A program that runs beside the test. Killed at its end if it still runs then.
+class BackgroundProcess
+{
+public:
+    explicit BackgroundProcess(const std::vector<std::string>& arguments,
+                               const std::map<std::string, std::string>& environment = {},
+                               const std::string& program = BuiltProgram);
+    ~BackgroundProcess();
+    BackgroundProcess(const BackgroundProcess&) = delete;
+    BackgroundProcess& operator=(const BackgroundProcess&) = delete;
+
+    int Id() const { return process; }
+    /// Sends it a signal of the host.
+    void Signal(int number) const;
+    /// Looks, without waiting.
+    bool HasEnded();
+    /// Waits until it ends and answers how; kills it when that takes too long.
+    ProcessResult Wait(int secondsAtMost = 100);
+
+private:
+    int process = -1; // -1 once it has ended
+    std::string outputFile;
+    ProcessResult result;
+};
+
 } // namespace tavrix::testing
