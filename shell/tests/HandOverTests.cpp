@@ -3,6 +3,7 @@
 
 #include "platform/testing/core/TestHome.h"
 #include "platform/testing/Faults.h"
+#include "shell/Job.h"
 #include "tests/support/Program.h"
 
 #include <gtest/gtest.h>
@@ -290,7 +291,7 @@ TEST(HandOvers, WhileAJobRunsTheyAreAnsweredAtOnceAndOpenedInOrderAfterIt)
         EXPECT_EQ(std::u16string(mainFrame->openedPath), DevicePath(slow));
     };
     RunProgram(u"", [&](MainFrame& frame) {
-        EXPECT_EQ(HandOverFile(frame, slow), 1);
+        frame.OpenFile(DevicePath(slow).c_str());
         EXPECT_TRUE(sent);
         EXPECT_EQ(watched.opened,
                   (std::vector{DevicePath(slow), DevicePath(one), DevicePath(two)}));
@@ -332,7 +333,7 @@ TEST(HandOvers, WhileAPluginAsksForItsSettingsTheyWait)
         EXPECT_EQ(mainFrame->imagePresent, 0U);
     };
     RunProgram(u"", [&](MainFrame& frame) {
-        EXPECT_EQ(HandOverFile(frame, asking), 1);
+        frame.OpenFile(DevicePath(asking).c_str());
         EXPECT_EQ(watched.boxes, std::vector<std::u16string>{u"Settings?"});
         EXPECT_EQ(watched.opened, (std::vector{DevicePath(asking), DevicePath(other)}));
         EXPECT_EQ(watched.deepest, 1);
@@ -412,6 +413,28 @@ TEST(HandOvers, AJobOfNoFlowOpensThemAtItsEnd)
             EXPECT_EQ(frame.imagePresent, 0U);
         }
         EXPECT_EQ(frame.imagePresent, 1U);
+    });
+}
+
+TEST(HandOvers, AJobHoldsThemUpWhateverFlowItIsOf)
+{
+    InstallFixture("quick");
+    const std::string file = MakeFile("a.quick");
+    Watched watched;
+    watched.script = [&](HWND, bool) {
+        if (watched.opened.size() != 1)
+            return;
+        EXPECT_EQ(HandOverFile(*mainFrame, file), 1);
+        EXPECT_EQ(mainFrame->imagePresent, 0U);
+    };
+    RunProgram(u"", [&](MainFrame& frame) {
+        EXPECT_EQ(frame.inputPlugins->LoadByIndex(0, 0), Done);
+        Raster target(&frame.allocator);
+        LoadArguments arguments = {frame.inputPlugins, nullptr, nullptr, &target};
+        JobRecord record = {JobLoad, &arguments};
+        EXPECT_EQ(RunJob(frame.window, frame.instance, &record), 1);
+        EXPECT_EQ(frame.imagePresent, 1U);
+        EXPECT_EQ(watched.deepest, 1);
     });
 }
 
