@@ -90,7 +90,9 @@ void TakeMail(Descriptor connection)
         Descriptor connection;
         WindowMail mail;
     };
-    const auto request = std::make_shared<Request>(std::move(connection), std::move(*mail));
+    const auto request = std::make_shared<Request>();
+    request->connection = std::move(connection);
+    request->mail = std::move(*mail);
     CallSoon([request]() -> LRESULT {
         Answer(request->connection, Deliver(request->mail));
         --pending;
