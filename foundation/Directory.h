@@ -32,36 +32,48 @@ public:
     Directory(const Directory&) = delete;
     Directory& operator=(const Directory&) = delete;
 
-    /// Null takes the program's own folder. NoMemory or Done.
+    // The order of the operations is part of the class.
+
+    /// Takes a copy of `path` as the base; null takes the program's own folder. NoMemory (the base
+    /// stays) or Done.
     virtual i32 SetBase(const WCHAR* path);
     /// Without a base `buffer` becomes the empty text; otherwise the base is appended to the text
     /// that `buffer` holds, with AppendText's codes. BadArgument for null or no capacity.
     virtual i32 GetBase(WCHAR* buffer, i32 capacity);
-    /// Moves the base into a subfolder by name; nothing is checked on disk.
+    /// Moves the base into a subfolder by name; nothing is checked on disk. BadArgument, NoMemory
+    /// (the base stays) or Done.
     virtual i32 Enter(const WCHAR* name);
-    /// Done or Failed; BadArgument for null.
+    /// What a listing of `path` finds first is a file, or a folder. Done or Failed, also for want
+    /// of memory; BadArgument for null.
     [[nodiscard]] virtual i32 IsFile(const WCHAR* path);
     [[nodiscard]] virtual i32 IsDirectory(const WCHAR* path);
-    /// Opens a listing; Failed when nothing matches.
+    /// Opens a listing; undo with FindClose. `*handle` is null after a failure. BadArgument,
+    /// NoMemory, Failed when nothing matches, or Done.
     [[nodiscard]] virtual i32 FindFirst(FindRecord** handle, const WCHAR* pattern);
-    /// Gives the next entry; NothingDone past the last.
+    /// Gives the next entry. BadArgument, NothingDone past the last, or Done.
     [[nodiscard]] virtual i32 FindNext(FindRecord* handle, FileEntry* entry);
+    /// Ends a listing and frees the record. BadArgument or Done.
     virtual i32 FindClose(FindRecord* handle);
-    /// These three turn "/" into "\" in the caller's own text, which must be writable.
+    /// MakeDirectory, RemoveDirectory and DeleteFile turn "/" into "\" in the caller's own text,
+    /// which must be writable. BadArgument, NoMemory, Done, or Failed when the device refuses.
     virtual i32 MakeDirectory(WCHAR* path);
     virtual i32 RemoveDirectory(WCHAR* path);
-    virtual i32 DeleteFile(WCHAR* path);
     /// MakeEmpty replaces what is there; any other mode makes a file that must not exist yet.
+    /// BadArgument, NoMemory, Done or Failed.
     [[nodiscard]] virtual i32 MakeFile(const WCHAR* path, u32 mode);
-    /// These two ignore the base.
+    virtual i32 DeleteFile(WCHAR* path);
+    /// These two ignore the base, and have no code but Done and Failed.
     virtual i32 CopyFile(const WCHAR* from, const WCHAR* to, i32 failIfExists);
     virtual i32 MoveFile(const WCHAR* from, const WCHAR* to);
-    /// Clears `*out` first; the stream's code when it does not open. Undo with CloseFile.
+    /// Opens an existing file; undo with CloseFile. Clears `*out` first. BadArgument, NoMemory, the
+    /// stream's code when it does not open, or Done.
     [[nodiscard]] virtual i32 OpenFile(const WCHAR* path, FileStream** out, i32 readOnly);
-    /// Closes and deletes the stream and clears `*stream`. NothingDone for a null `*stream`.
+    /// Closes and deletes the stream and clears `*stream`. BadArgument, NothingDone for a null
+    /// `*stream`, or Done.
     virtual i32 CloseFile(FileStream** stream);
 
 private:
+    // Writes the whole path into `scratch`, which the operation drops at its end.
     i32 Resolve(const WCHAR* path);
     void DropScratch();
 

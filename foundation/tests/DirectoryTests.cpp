@@ -112,6 +112,35 @@ TEST(Directory, EnterAppendsANameUnchecked)
     EXPECT_EQ(1, directory.Enter(u"\\\\there is none"));
     EXPECT_EQ(u"\\Temp\\there is none", BaseOf(directory));
     EXPECT_EQ(-4, directory.Enter(nullptr));
+    EXPECT_EQ(u"\\Temp\\there is none", BaseOf(directory));
+}
+
+TEST(Directory, EnterPutsASeparatorAlsoBehindTheRoot)
+{
+    Directory directory;
+    ASSERT_EQ(1, directory.SetBase(u"\\"));
+    EXPECT_EQ(1, directory.Enter(u"Temp"));
+    EXPECT_EQ(u"\\\\Temp", BaseOf(directory));
+    ASSERT_EQ(1, directory.MakeFile(u"entered", 2));
+    EXPECT_TRUE(Exists(u"\\Temp\\entered"));
+}
+
+TEST(Directory, ABaseIsKeptAsItWasGivenAndItsSlashesAreTurnedWithThePath)
+{
+    Directory directory;
+    ASSERT_EQ(1, directory.SetBase(u"/Temp"));
+    EXPECT_EQ(u"/Temp", BaseOf(directory));
+    ASSERT_EQ(1, directory.MakeFile(u"from-base", 2));
+    EXPECT_TRUE(Exists(u"\\Temp\\from-base"));
+}
+
+TEST(Directory, TheBaseIsACopy)
+{
+    Directory directory;
+    WCHAR path[] = u"\\Temp";
+    ASSERT_EQ(1, directory.SetBase(path));
+    path[1] = u'x';
+    EXPECT_EQ(u"\\Temp", BaseOf(directory));
 }
 
 TEST(Directory, EnterWithoutABaseStartsAtTheRoot)
@@ -281,6 +310,77 @@ TEST(Directory, CopyAndMoveIgnoreTheBase)
     EXPECT_EQ(1, directory.MoveFile(folder.Path(u"to").c_str(), folder.Path(u"moved").c_str()));
     EXPECT_FALSE(folder.Has("to"));
     EXPECT_EQ("text", folder.Read("moved"));
+}
+
+TEST(Directory, CopyAndMoveHaveNoCodeForNullOfTheirOwn)
+{
+    TestFolder folder;
+    folder.Write("from", "text");
+    Directory directory;
+    EXPECT_EQ(-1, directory.CopyFile(nullptr, folder.Path(u"to").c_str(), 0));
+    EXPECT_EQ(-1, directory.CopyFile(folder.Path(u"from").c_str(), nullptr, 0));
+    EXPECT_EQ(-1, directory.MoveFile(nullptr, folder.Path(u"to").c_str()));
+    EXPECT_EQ(-1, directory.MoveFile(folder.Path(u"from").c_str(), nullptr));
+    EXPECT_EQ("text", folder.Read("from"));
+}
+
+TEST(Directory, MoveDoesNotReplaceWhatIsThere)
+{
+    TestFolder folder;
+    folder.Write("from", "new");
+    folder.Write("to", "old");
+    Directory directory;
+    EXPECT_EQ(-1, directory.MoveFile(folder.Path(u"from").c_str(), folder.Path(u"to").c_str()));
+    EXPECT_EQ("old", folder.Read("to"));
+    EXPECT_EQ("new", folder.Read("from"));
+}
+
+TEST(Directory, SlashesAreTurnedInTheCallersTextAlsoWhenTheDeviceRefuses)
+{
+    TestFolder folder;
+    Directory directory;
+    ASSERT_EQ(1, directory.SetBase(folder.Device().c_str()));
+    WCHAR made[] = u"no/such";
+    EXPECT_EQ(-1, directory.MakeDirectory(made));
+    EXPECT_EQ(std::u16string(u"no\\such"), made);
+    WCHAR removed[] = u"no/such";
+    EXPECT_EQ(-1, directory.RemoveDirectory(removed));
+    EXPECT_EQ(std::u16string(u"no\\such"), removed);
+    WCHAR deleted[] = u"no/such";
+    EXPECT_EQ(-1, directory.DeleteFile(deleted));
+    EXPECT_EQ(std::u16string(u"no\\such"), deleted);
+}
+
+TEST(Directory, AStreamItOpensLiesOnTheGlobalHeap)
+{
+    TestFolder folder;
+    folder.Write("a", "hello");
+    Directory directory;
+    ASSERT_EQ(1, directory.SetBase(folder.Device().c_str()));
+    FileStream* stream = nullptr;
+    ASSERT_EQ(1, directory.OpenFile(u"a", &stream, 1));
+    EXPECT_EQ(sizeof(FileStream), GlobalSize(stream));
+    EXPECT_EQ(1, directory.CloseFile(&stream));
+}
+
+TEST(Directory, AReadOnlyStreamCannotWriteAndAnyOtherCan)
+{
+    TestFolder folder;
+    folder.Write("a", "hello");
+    Directory directory;
+    ASSERT_EQ(1, directory.SetBase(folder.Device().c_str()));
+    FileStream* stream = nullptr;
+    ASSERT_EQ(1, directory.OpenFile(u"a", &stream, 1));
+    u32 length = 1;
+    EXPECT_EQ(1, stream->Write("J", &length));
+    EXPECT_EQ(0u, length);
+    EXPECT_EQ(1, directory.CloseFile(&stream));
+    ASSERT_EQ(1, directory.OpenFile(u"a", &stream, 0));
+    length = 1;
+    EXPECT_EQ(1, stream->Write("J", &length));
+    EXPECT_EQ(1u, length);
+    EXPECT_EQ(1, directory.CloseFile(&stream));
+    EXPECT_EQ("Jello", folder.Read("a"));
 }
 
 TEST(Directory, OpensAndClosesStreams)

@@ -84,3 +84,29 @@ TEST(MemoryGauge, ATickOfTheMessageLoopTakesANewSample)
     KillTimer(nullptr, guard);
     EXPECT_EQ(-1, MemoryGauge::HasRoomFor(0));
 }
+
+TEST(MemoryGauge, SamplesEveryFiveMilliseconds)
+{
+    Free free(10 * Reserve);
+    constexpr DWORD Expected = 20 * 5;
+    DWORD quickest = INFINITE;
+    // A busy machine makes a round long, but no machine makes it short.
+    for (int round = 0; round < 10 && quickest > Expected * 2; ++round) {
+        const DWORD begin = GetTickCount();
+        // A tick lies between any two changes that are seen one after the other.
+        for (int change = 0; change < 20; ++change) {
+            const i32 expected = change % 2 == 0 ? -1 : 1;
+            SetFreeMemory(change % 2 == 0 ? 0 : 10 * Reserve);
+            MSG message{};
+            while (MemoryGauge::HasRoomFor(0) != expected) {
+                ASSERT_LT(GetTickCount() - begin, 10000u) << "no tick comes";
+                if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+                    DispatchMessageW(&message);
+            }
+        }
+        const DWORD time = GetTickCount() - begin;
+        EXPECT_GE(time, Expected * 3 / 4);
+        quickest = time < quickest ? time : quickest;
+    }
+    EXPECT_LE(quickest, Expected * 2);
+}
