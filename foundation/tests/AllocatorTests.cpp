@@ -1,5 +1,5 @@
 #include "foundation/Allocator.h"
-#include "platform/testing/Testing.h"
+#include "platform/testing/Faults.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,8 @@
 namespace
 {
 
+using tavrix::testing::FaultKind;
+using tavrix::testing::ForEveryFault;
 using tavrix::testing::Scope;
 using tavrix::testing::SetAllocationFault;
 
@@ -60,6 +62,21 @@ TEST(MallocAllocator, GivesABlockOfNoBytes)
     EXPECT_EQ(1, allocator.Free(block));
 }
 
+TEST(MallocAllocator, AnswersNoMemoryWhenTheRunTimeHasNone)
+{
+    Scope scope;
+    MallocAllocator allocator;
+    int mark = 0;
+    void* block = &mark;
+    SetAllocationFault([](SIZE_T) { return true; });
+    EXPECT_EQ(-2, allocator.Alloc(&block, 8));
+    EXPECT_EQ(-4, allocator.Alloc(nullptr, 8)) << "a null output is told first";
+    SetAllocationFault(nullptr);
+    EXPECT_EQ(nullptr, block);
+    EXPECT_EQ(1, allocator.Alloc(&block, 8));
+    EXPECT_EQ(1, allocator.Free(block));
+}
+
 TEST(HeapAllocator, GivesZeroFilledBlocks)
 {
     HeapAllocator allocator;
@@ -96,6 +113,49 @@ TEST(HeapAllocator, ClearsTheOutputWhenMemoryIsShort)
     SetAllocationFault([](SIZE_T) { return true; });
     EXPECT_EQ(-2, allocator.Alloc(&block, 8));
     EXPECT_EQ(nullptr, block);
+}
+
+TEST(HeapAllocator, AHeapThatIsGoneMakesItsBlocksFail)
+{
+    const HANDLE heap = HeapCreate(0, 0, 0);
+    HeapAllocator allocator(heap);
+    void* block = nullptr;
+    ASSERT_EQ(1, allocator.Alloc(&block, 8));
+    ASSERT_TRUE(HeapDestroy(heap));
+    void* other = &block;
+    EXPECT_EQ(-2, allocator.Alloc(&other, 8));
+    EXPECT_EQ(nullptr, other);
+    EXPECT_EQ(-1, allocator.Free(block));
+}
+
+TEST(HeapAllocator, TheProcessHeapIsNotItsOwn)
+{
+    void* block = nullptr;
+    {
+        HeapAllocator allocator(GetProcessHeap());
+        ASSERT_EQ(1, allocator.Alloc(&block, 24));
+    }
+    EXPECT_EQ(24u, HeapSize(GetProcessHeap(), 0, block));
+    HeapAllocator again(GetProcessHeap());
+    EXPECT_EQ(1, again.Free(block));
+}
+
+TEST(HeapAllocator, NoShortageLeavesAHeapBehind)
+{
+    ForEveryFault(FaultKind::Allocation, [] {
+        HeapAllocator allocator;
+        void* block = nullptr;
+        for (int i = 0; i < 3; ++i) {
+            const i32 result = allocator.Alloc(&block, 100);
+            EXPECT_TRUE(result == 1 || result == -2) << result;
+        }
+        EXPECT_EQ(1, allocator.SetHeap(GetProcessHeap()));
+        if (allocator.Alloc(&block, 100) > 0) {
+            EXPECT_EQ(1, allocator.Free(block));
+        }
+        EXPECT_EQ(1, allocator.SetHeap(nullptr));
+        (void)allocator.Alloc(&block, 100);
+    });
 }
 
 TEST(HeapAllocator, LeavesAGivenHeapStanding)
