@@ -37,3 +37,8 @@ i32 Application::Run()
     }
     return static_cast<i32>(message.wParam);
 }
+
+i32 Application::Exit()
+{
+    return Done;
+}

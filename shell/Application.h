@@ -13,6 +13,8 @@ public:
     [[nodiscard]] virtual i32 Init();
     /// Runs until the quit message; its wParam.
     virtual i32 Run();
+    /// What is to be done behind the loop: nothing. Never called; Done.
+    virtual i32 Exit();
 
     MainFrame* frame = nullptr; // not owned
     HINSTANCE instance = nullptr;

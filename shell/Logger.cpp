@@ -9,18 +9,19 @@ Logger* logger = nullptr;
 
 Logger::Logger() : name(nullptr), stream(nullptr), open(0)
 {
+    directory.SetBase(nullptr);
     path = static_cast<WCHAR*>(calloc(PathCapacity, sizeof(WCHAR)));
     if (path == nullptr)
         return;
     if (GetModuleFileNameW(nullptr, path, PathCapacity) != 0) {
         const WCHAR* found = nullptr;
+        // The last dot of the whole path, wherever it stands.
         if (FindLastChar(path, TEXT('.'), &found) > 0)
             path[found - path] = 0;
         if (FindLastChar(path, TEXT('\\'), &found) > 0)
             name = found + 1;
     }
     AppendText(path, PathCapacity, TEXT(".log"));
-    directory.SetBase(nullptr);
 }
 
 Logger::~Logger()

@@ -82,10 +82,15 @@ std::u16string DevicePath(const std::string& hostPath)
     return path;
 }
 
-int RunProgram(const std::u16string& commandLine, const std::vector<Step>& steps)
+void RegisterProgramResources()
 {
     const EmbeddedResources resources = GetEmbeddedResources();
     TavrixRegisterResources(nullptr, resources.begin, resources.end);
+}
+
+int RunProgram(const std::u16string& commandLine, const std::vector<Step>& steps)
+{
+    RegisterProgramResources();
     pendingSteps = steps;
     auto onModal = platform::Hooks().modalStarted;
     OnModal([onModal](HWND dialog, bool box) {

@@ -19,6 +19,9 @@ void InstallBundledPlugins();
 /// The device path of a host file.
 std::u16string DevicePath(const std::string& hostPath);
 
+/// Makes the program's resources known, as its host's entry does. RunProgram does it by itself.
+void RegisterProgramResources();
+
 using Step = std::function<void(MainFrame&)>;
 
 /// Runs the program's entry on a command line (as the device sees it). Once the main window is shown
