@@ -74,7 +74,8 @@ i32 RunApplication(HINSTANCE instance, const WCHAR* commandLine, int showCommand
     logger->Write(TEXT("Create new window object."));
     application->frame = new (std::nothrow) MainFrame;
     i32 result = StartFailed;
-    if (application->frame == nullptr)
+    // A frame that found no memory for one of its objects is no frame.
+    if (application->frame == nullptr || !application->frame->IsWhole())
         MessageBoxW(nullptr, TEXT("Filed to initialize Window Object."), TEXT("ERROR"),
                     MB_ICONHAND);
     else

@@ -82,6 +82,20 @@ MainFrame::~MainFrame()
     mainFrame = nullptr;
 }
 
+bool MainFrame::IsWhole() const
+{
+    const void* const parts[] = {
+        openedPath,      savedPath,        image,         inputPlugins, outputPlugins,
+        printPlugins,    effectPlugins,    adjustPlugins, scalePlugins, subtractPlugins,
+        inputExtensions, outputExtensions, inputNames,    outputNames,  effectNames,
+        adjustNames,     scaleNames,       subtractNames, printNames,   settings,
+    };
+    for (const void* part : parts)
+        if (part == nullptr)
+            return false;
+    return true;
+}
+
 void MainFrame::GetCreateParams(CREATESTRUCTW* record)
 {
     *record = {};

@@ -37,6 +37,10 @@ public:
     MainFrame(const MainFrame&) = delete;
     MainFrame& operator=(const MainFrame&) = delete;
 
+    /// Whether every object that it owns could be allocated. The start ends without it, so that no
+    /// other operation has to ask.
+    bool IsWhole() const;
+
     // Message handlers, in the order of their slots.
     virtual void GetCreateParams(CREATESTRUCTW* record);
     virtual LRESULT OnCreate(const CREATESTRUCTW* record);

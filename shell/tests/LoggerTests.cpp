@@ -125,7 +125,9 @@ TEST(Logger, BeginOnAnOpenLogStartsItAnew)
     Logger log;
     ASSERT_EQ(log.Begin(), Done);
     EXPECT_EQ(log.Write(TEXT("first")), Done);
+    const auto held = tavrix::platform::CountHoldings();
     ASSERT_EQ(log.Begin(), Done);
+    EXPECT_TRUE(tavrix::platform::CountHoldings() == held) << "the first stream is still open";
     EXPECT_EQ(log.End(), Done);
     EXPECT_EQ(LogText(), u"2026/01/01 02:03:04 : Begin logging.\r\n"
                          u"2026/01/01 02:03:04 : Ended.\r\n");

@@ -24,10 +24,10 @@ void RegisterProgramResources();
 
 using Step = std::function<void(MainFrame&)>;
 
-/// Runs the program's entry on a command line (as the device sees it). Once the main window is shown
-/// the steps run with the frame, one after the other; between two of them the program's own message
-/// loop has the time to handle what the first brought about (keys pass the accelerators only there).
-/// Then the window is closed. Answers the exit code.
+/// Runs the program's entry on a command line (as the device sees it). Once the main window is
+/// shown the steps run with the frame, one after the other; between two of them the program's own
+/// message loop has the time to handle what the first brought about (keys pass the accelerators
+/// only there). Then the window is closed. Answers the exit code.
 int RunProgram(const std::u16string& commandLine, const std::vector<Step>& steps);
 int RunProgram(const std::u16string& commandLine, const Step& step);
 /// The same with a host file in quotes.
