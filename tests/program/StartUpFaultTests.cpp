@@ -1,6 +1,6 @@
 // The whole start, run and end of the program while one thing after the other fails: every run in a
 // process of its own. None may crash, hang, leak or upset a sanitizer; each ends with 0 or with the
-// -1 of a start in vain.
+// -1 of a start in vain; and settings from before are still there.
 
 #include "platform/testing/core/TestHome.h"
 #include "platform/testing/Faults.h"
@@ -140,6 +140,24 @@ protected:
                                                                     << result.output;
         EXPECT_EQ(result.output.find("runtime error"), std::string::npos) << result.output;
         EXPECT_EQ(result.output.find("Sanitizer"), std::string::npos) << result.output;
+        CheckSettings(run);
+    }
+
+    /// Whole as they were, or whole with what this run has changed.
+    void CheckSettings(const FaultyRun& run)
+    {
+        const std::string bytes = Bytes(run.Settings());
+        if (bytes == BytesOf(OldSettings()))
+            return;
+        std::u16string text(bytes.size() / 2, 0);
+        std::copy_n(bytes.data(), text.size() * 2, reinterpret_cast<char*>(text.data()));
+        EXPECT_EQ(bytes.size() % 2, 0U);
+        EXPECT_EQ(text.substr(0, 1), u"\uFEFF");
+        EXPECT_TRUE(text.ends_with(u"\r\n"));
+        for (const char16_t* kept : {u"[Tavrix]\r\n", u"BrushRadius=33\r\n", u"[Foreign]\r\n",
+                                     u"key0=value 0\r\n", u"key39=value 39\r\n"})
+            EXPECT_NE(text.find(kept), text.npos) << Utf8(kept) << " is gone; left is\n"
+                                                  << Utf8(text.c_str());
     }
 
     /// Every `stride`-th fault until none fires; answers the number of runs in which one did.
