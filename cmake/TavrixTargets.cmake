@@ -1,8 +1,20 @@
 # How a folder of the program becomes a library and its tests a program of their own.
 
 include(GoogleTest)
-find_package(GTest REQUIRED)
 find_package(Threads REQUIRED)
+if(CMAKE_CROSSCOMPILING)
+  # The host's test library is no use on another machine: built from the sources that come with it.
+  add_subdirectory(/usr/src/googletest/googletest googletest EXCLUDE_FROM_ALL SYSTEM)
+else()
+  find_package(GTest REQUIRED)
+endif()
+
+# What a test that starts a program of the build puts in front of it: nothing, or the emulator, as
+# the first initializers of an array of texts.
+set(TAVRIX_TEST_EMULATOR "")
+foreach(word ${CMAKE_CROSSCOMPILING_EMULATOR})
+  string(APPEND TAVRIX_TEST_EMULATOR "\"${word}\",")
+endforeach()
 
 set(TAVRIX_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 
@@ -46,7 +58,8 @@ function(tavrix_tests name)
     target_compile_options(${name} PRIVATE -fno-rtti)
   endif()
   target_compile_definitions(${name} PRIVATE TAVRIX_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
-                             TAVRIX_BINARY_DIR="${CMAKE_BINARY_DIR}" ${ARG_DEFINITIONS})
+                             TAVRIX_BINARY_DIR="${CMAKE_BINARY_DIR}"
+                             "TAVRIX_TEST_EMULATOR=${TAVRIX_TEST_EMULATOR}" ${ARG_DEFINITIONS})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)

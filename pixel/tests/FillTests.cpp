@@ -120,7 +120,8 @@ TEST_F(Fill, ALineThatCannotBeLockedEndsTheFillWithItsStatus)
         CountingAllocator memory;
         {
             Raster raster(&memory);
-            ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 5, 4, 24, 1, Paging::Under));
+            // Nine wide: no other block has the size of the table below, on any machine.
+            ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 9, 4, 24, 1, Paging::Under));
             const Plain before = PlainOf(raster);
             Plain expected = Filled(before, color);
             for (u32 y = 2; y < 4; ++y)

@@ -94,6 +94,15 @@ void TellLanguage()
     Tell(GetSystemDefaultLangID());
 }
 
+std::string Self()
+{
+    char path[4096];
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
+    if (length < 0)
+        std::abort();
+    return std::string(path, static_cast<size_t>(length));
+}
+
 struct Role {
     const char* name;
     void (*play)();
@@ -152,11 +161,15 @@ ChildProcess::ChildProcess(const std::string& role, const std::vector<std::strin
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
-    char name[] = "child";
-    char* arguments[] = {name, nullptr};
+    // A test program of another machine's kind cannot be started without what runs it.
+    std::vector<std::string> words = {TAVRIX_TEST_EMULATOR Self()};
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
     pid_t started = -1;
-    if (posix_spawn(&started, "/proc/self/exe", &actions, nullptr, arguments, environment.data()) !=
-        0)
+    if (posix_spawn(&started, words[0].c_str(), &actions, nullptr, arguments.data(),
+                    environment.data()) != 0)
         std::abort();
     posix_spawn_file_actions_destroy(&actions);
     close(in[0]);

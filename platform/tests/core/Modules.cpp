@@ -9,10 +9,12 @@
 
 #include <gtest/gtest.h>
 
+#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -223,8 +225,12 @@ TEST(Modules, HeadersThatPointNowhereAreRefused)
 {
     const std::string whole = FileBytes(TAVRIX_SAMPLE_MODULE);
     const std::string path = TestHome() + "/spoiled.dll";
-    // Offset and count of the segment table, entry size, kind, class, machine's byte order.
-    for (const size_t at : {size_t{39}, size_t{54}, size_t{57}, size_t{16}, size_t{4}, size_t{5}}) {
+    // The highest byte of the segment table's offset and count, its entries' size, kind, class, the
+    // machine's byte order.
+    using Header = ElfW(Ehdr);
+    for (const size_t at : {offsetof(Header, e_shoff) - 1, offsetof(Header, e_phentsize),
+                            offsetof(Header, e_phnum) + 1, offsetof(Header, e_type),
+                            size_t{EI_CLASS}, size_t{EI_DATA}}) {
         std::string spoiled = whole;
         spoiled[at] = static_cast<char>(0x7E);
         std::ofstream(path, std::ios::binary | std::ios::trunc) << spoiled;
