@@ -71,7 +71,7 @@ HGDIOBJ AddGdiObject(std::shared_ptr<GdiObject> object);
 std::shared_ptr<GdiObject> FindGdiObject(HGDIOBJ handle);
 /// Takes the object out of the table. False for stock objects and unknown handles.
 bool RemoveGdiObject(HGDIOBJ handle);
-/// The objects and contexts that exist, stock objects included.
+/// The objects and contexts that exist, without the stock objects.
 size_t CountDrawingObjects();
 /// The device context behind a handle; empty for a stale, null or foreign one.
 std::shared_ptr<DeviceContext> FindDeviceContext(HDC handle);

@@ -1,5 +1,6 @@
 #include "platform/core/Gdi.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
@@ -122,7 +123,9 @@ size_t CountDrawingObjects()
 {
     Table& table = Objects();
     std::lock_guard guard(table.lock);
-    return table.objects.size() + table.contexts.size();
+    const auto made = std::count_if(table.objects.begin(), table.objects.end(),
+                                    [](const auto& entry) { return !entry.second->stock; });
+    return static_cast<size_t>(made) + table.contexts.size();
 }
 
 HDC AddDeviceContext(std::shared_ptr<DeviceContext> context)
