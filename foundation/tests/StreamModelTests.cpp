@@ -23,16 +23,12 @@ struct Model {
 
     i32 Seek(i64 offset, u32 origin)
     {
-        // Wide enough for every sum.
-        const __int128 limit = static_cast<__int128>(bytes.size());
-        __int128 target = offset;
-        if (origin == 1)
-            target += static_cast<__int128>(position);
-        if (origin == 2)
-            target += limit;
-        if (origin > 2 || target < 0 || target > limit)
+        const i64 limit = static_cast<i64>(bytes.size());
+        const i64 base = origin == 0 ? 0 : origin == 1 ? static_cast<i64>(position) : limit;
+        // No sum of the offset, which may be any number of 64 bits.
+        if (origin > 2 || offset < -base || offset > limit - base)
             return -1;
-        position = static_cast<size_t>(target);
+        position = static_cast<size_t>(base + offset);
         return 1;
     }
 

@@ -15,6 +15,9 @@ namespace
 
 class DibBufferTest : public PagingTest
 {
+protected:
+    // The system's own drawing objects come with the first use of any, and stay.
+    DibBufferTest() { (void)::GetStockObject(SYSTEM_FONT); }
 };
 
 /// The buffer's bitmap from its first byte on, and its shape: another bitmap takes its place in the

@@ -346,7 +346,12 @@ TEST(FaultLoop, TheCheckRunsWithNothingArmed)
 {
     Scope scope;
     ForEveryFault(
-        FaultKind::Allocation, [] { std::free(std::malloc(1)); },
+        FaultKind::Allocation,
+        [] {
+            // Volatile, or the compiler leaves the pair of calls out.
+            void* volatile block = std::malloc(1);
+            std::free(block);
+        },
         [](bool) {
             void* block = std::malloc(1);
             EXPECT_NE(block, nullptr);
