@@ -1,25 +1,7 @@
 // SettingsFile::Save: the two lists to text.
+#include "foundation/TextFind.h"
+#include "foundation/TextSearch.h"
 #include "settings/SettingsFile.h"
-
-namespace
-{
-
-// Finds `part` anywhere in `text`, exactly, and gives what stands behind its first place; else
-// null.
-const WCHAR* Behind(const WCHAR* text, const WCHAR* part)
-{
-    for (;; ++text) {
-        u32 i = 0;
-        while (part[i] != 0 && text[i] == part[i])
-            ++i;
-        if (part[i] == 0)
-            return text + i;
-        if (*text == 0)
-            return nullptr;
-    }
-}
-
-} // namespace
 
 i32 SettingsFile::Save(const WCHAR* newPath)
 {
@@ -67,6 +49,8 @@ void SettingsFile::WriteSections()
 void SettingsFile::WriteKeys(const WCHAR* section)
 {
     Compose(composeBuffer, section, TEXT(""));
+    u32 prefixLength = 0;
+    (void)TextLength(composeBuffer, &prefixLength);
     // Two things about this walk are meant as they stand, as other files would come of the same
     // lists. The section's text is found anywhere in a composed name, so that "ab" also collects
     // the keys of "xab". And a key without a value ends the walk: it and all keys stored after it
@@ -76,9 +60,9 @@ void SettingsFile::WriteKeys(const WCHAR* section)
         const bool has = keys.GetAt(i, &key) > 0;
         if (!has && key.name == nullptr)
             return;
-        const WCHAR* name = has ? Behind(key.name, composeBuffer) : nullptr;
-        if (name != nullptr) {
-            PutText(name);
+        const WCHAR* found = nullptr;
+        if (has && FindText(key.name, composeBuffer, &found) > 0) {
+            PutText(found + prefixLength);
             PutText(TEXT("="));
             PutText(reinterpret_cast<const WCHAR*>(key.value));
             PutText(TEXT("\r\n"));

@@ -297,6 +297,25 @@ TEST(SettingsCrash, EveryFaultOfTheFilesLeavesTheOldOrTheNewSettingsWhole)
     }
 }
 
+TEST(SettingsCrash, EveryShortageOfMemoryInASaveLeavesTheOldOrTheNewSettingsWhole)
+{
+    const CrashWorld world;
+    world.BeOld();
+    SettingsFile store;
+    Fill(&store, New);
+    ForEveryFault(
+        FaultKind::Allocation,
+        [&] {
+            world.BeOld();
+            (void)store.Save(nullptr);
+        },
+        [&](bool fired) {
+            const std::string stands = world.Stands();
+            EXPECT_TRUE(stands == "new" || (fired && stands == "old")) << stands;
+            EXPECT_EQ(0, CountHidden(world.Folder()));
+        });
+}
+
 TEST(SettingsCrash, ThoseWhoReadTheSettingsMeanwhileKeepTheOldOnes)
 {
     ASSERT_TRUE(HasOneThread());

@@ -276,8 +276,9 @@ TEST_F(SettingsSearch, WithoutMemoryForItsTextsDoesNothing)
 
 TEST_F(SettingsSearch, WhateverFailsDuringTheMoveOneOfTheTwoFilesIsWhole)
 {
-    for (FaultKind kind : {FaultKind::Allocation, FaultKind::Create, FaultKind::Open,
-                           FaultKind::Read, FaultKind::ShortRead}) {
+    for (FaultKind kind :
+         {FaultKind::Allocation, FaultKind::Create, FaultKind::Open, FaultKind::Read,
+          FaultKind::ShortRead, FaultKind::Write, FaultKind::ShortWrite}) {
         SCOPED_TRACE(::testing::Message() << "kind " << static_cast<int>(kind));
         ForEveryFault(
             kind,
