@@ -18,10 +18,12 @@ endforeach()
 
 set(TAVRIX_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 
-# What the toolkit and the font library keep for the life of a process is no leak of ours.
+# What the toolkit and the font library keep for the life of a process is no leak of ours, and what
+# the C library does under locks that the sanitizer cannot see is no race.
 set(TAVRIX_TEST_ENVIRONMENT
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.supp:print_suppressions=0"
-    "UBSAN_OPTIONS=print_stacktrace=1")
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "TSAN_OPTIONS=halt_on_error=1:suppressions=${CMAKE_SOURCE_DIR}/tests/races.supp")
 
 # tavrix_library(NAME [DEPENDS target...]): the sources of the current folder as tavrix::NAME.
 # No exceptions and no run-time type information above the platform.
@@ -63,7 +65,15 @@ function(tavrix_tests name)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${name}."
-                       PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
-                       ENVIRONMENT "${TAVRIX_TEST_ENVIRONMENT}")
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 NO_PRETTY_TYPES
+                       TEST_PREFIX "${name}."
+                       PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT})
+  # Of a list among those properties only the first would arrive.
+  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}_environment.cmake CONTENT "
+if(@name@_TESTS)
+  set_tests_properties(\${@name@_TESTS} PROPERTIES ENVIRONMENT \"@TAVRIX_TEST_ENVIRONMENT@\")
+endif()
+" @ONLY)
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES
+               ${CMAKE_CURRENT_BINARY_DIR}/${name}_environment.cmake)
 endfunction()
