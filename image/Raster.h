@@ -15,6 +15,7 @@
 
 #include "image/DrawingContext.h"
 #include "image/LineTable.h"
+#include "image/PixelRect.h"
 
 /// The folders of a paging raster, for making a like one. Owned by the raster.
 struct SwapDirs {
@@ -74,20 +75,60 @@ public:
     /// first physical line is missing.
     [[nodiscard]] i32 LoadRaw(const void* block);
 
-    // Compositing (pixel/Compositing*.cpp, pixel/Fill.cpp, ...).
+    // Compositing (pixel/PixelAccess.cpp, Fill.cpp, Frame.cpp, Invert.cpp, BlendMask.cpp,
+    // CopyTo.cpp, Composite.cpp). Rectangles are inclusive, ordered first and clipped; a call that
+    // clips to nothing gives Done. A line that cannot be locked ends the work with its status: the
+    // rows before it stay changed and the row of the other raster stays locked until UnlockAll.
+    //
+    // In the formulas c is a byte of the colour (blue, green or red), a its alpha byte and w the
+    // weight a + 1 of 256.
+
     /// Failed out of bounds or at a depth other than 24 and 32, NoMemory for null.
     [[nodiscard]] i32 GetPixel(i32 x, i32 y, u32* color);
     /// No blending; the alpha byte is stored at 32 bits and dropped at 24.
     [[nodiscard]] i32 SetPixel(i32 x, i32 y, u32 color);
-    /// 24 bits: out = ((a + 1) * c + (255 - a) * old) >> 8, plain stores at alpha 255.
-    /// 32 bits: stores the word a, red, green, blue in byte order, the reverse of SetPixel's.
+    /// 24 bits: out = (w * c + (256 - w) * old) >> 8, plain stores at alpha 255, padding included.
+    /// 32 bits: stores the bytes a, red, green, blue, the reverse of SetPixel's. Failed at other
+    /// depths, as for the next four.
     i32 FillAll(u32 color);
+    /// As FillAll inside a rectangle. A right or bottom edge of 0 counts as outside; so for the
+    /// next four.
+    i32 FillRect(u32 color, PixelRect rectangle);
+    /// 24 bits: FillRect's formula along the outline, one pixel wide, without the sides that were
+    /// clipped. A rectangle of one row or column is drawn twice. 32 bits: FillRect.
+    i32 FrameRect(u32 color, PixelRect rectangle);
+    /// 24 bits: 255 - byte. 32 bits: the same, but for byte 0 of each pixel, which stays.
+    i32 InvertRect(PixelRect rectangle);
+    /// InvertRect along the outline. 24 bits: sides that were clipped are left out, but for the
+    /// bottom row, which is always drawn. 32 bits: top and bottom row always, the right column
+    /// unless it was clipped, the left one never.
+    i32 InvertFrame(PixelRect rectangle);
+    /// Paints a colour through a mask of one byte a pixel, whose (maskX, maskY) lies on the
+    /// rectangle's top left: with m the mask's byte and w = m * (a + 1),
+    /// out = ((0x10000 - w) * old + w * c) >> 16; byte 3 of a 32-bit pixel stays. The rectangle
+    /// comes back ordered and clipped to raster and mask; one outside the raster only ordered.
+    /// BadArgument for a null rectangle or mask. At depths other than 24 and 32 nothing is painted:
+    /// Done with an 8-bit mask, else Failed and the rectangle stays.
+    i32 BlendMask(u32 color, PixelRect* rectangle, Raster* mask, i32 maskX, i32 maskY);
+    /// BlendMask for callers that do not ask what was painted.
+    i32 BlendMaskRect(u32 color, PixelRect rectangle, Raster* mask, i32 maskX, i32 maskY);
     /// Copies width x height pixels at (x, y) to (targetX, targetY) of `target`. Only SRCCOPY. A
-    /// negative source position shifts the target and does not shorten the run.
+    /// negative source position shifts the target and does not shorten the run. BadArgument for a
+    /// null raster, as for the next two.
     i32 CopyTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 targetX, i32 targetY,
                u32 operation);
+    /// Copies through a mask: out = (old * (255 - m) + source * (m + 1)) >> 8. Both rasters 24 bits
+    /// and the mask 8, else Failed; Failed also when the mask is smaller than what is copied.
+    /// Negative positions as in CopyTo, without shifting the mask. Meant: a run that is cut at a
+    /// raster's edge ends one pixel before it.
+    i32 CopyMasked(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 targetX, i32 targetY,
+                   Raster* mask, i32 maskX, i32 maskY);
+    /// Lays this raster (32 bits) over a target of 24 or 32 bits by its own alpha s, else Failed:
+    /// out = ((s + 1) * source + (255 - s) * old) >> 8, byte 3 of the target stays. Clipped as
+    /// CopyTo. Meant: onto 32 bits both rows are walked one pixel ahead.
+    i32 CompositeTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 targetX, i32 targetY);
 
-    // Scaling (pixel/Stretch.cpp).
+    // Scaling and turning (pixel/Stretch.cpp, ScaleTo.cpp, Rotated.cpp).
     /// Nearest neighbour from one inclusive rectangle (doubles: left, top, right, bottom) of this
     /// raster to one of `target`, both 24 bits, else Failed. 16.16 fixed point, so both sides stay
     /// below 65,536. A line that cannot be locked ends the work and still gives Done.
@@ -100,6 +141,29 @@ public:
     i32 StretchRegion(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourceRight,
                       f64 sourceBottom, f64 targetLeft, f64 targetTop, f64 targetRight,
                       f64 targetBottom, f64 clipLeft, f64 clipTop, f64 clipRight, f64 clipBottom);
+    /// Centres this raster in `target`, which is filled with `background` first. With `fit`, and
+    /// where the source is the larger in either direction, the size is the largest of the source's
+    /// aspect; it is never enlarged without `fit`. `box` 0 stretches, else averages (BoxScaleLine).
+    /// Both 24 bits. BadArgument for a null target or this raster itself; Failed for a source that
+    /// was not created; the first result below Done of a step. With `box` the lines locked here
+    /// stay so until UnlockAll.
+    i32 ScaleTo(Raster* target, u32 background, u32 fit, u32 box);
+    /// Row `row` of this 24-bit raster averaged over areas to `width` x `height` pixels: 3 * width
+    /// bytes to `out`. Weights are coverages in 1/1024 of an output pixel, sums in 32 bits.
+    /// BadArgument for null or a row from `height` on, Failed at another depth, NoMemory; the
+    /// status of the first line when none can be locked. Source lines stay locked.
+    i32 BoxScaleLine(u8* out, u32 row, u32 height, u32 width);
+    /// Angles 0 and 90: a quarter turn clockwise into a new 24-bit `target`; 180: half a turn;
+    /// any other: Done, and nothing. Meant: 0 turns. BadArgument for null or this raster itself;
+    /// the first result below Done of a step.
+    i32 Rotated(Raster* target, i32 angle);
+
+    // Undo (pixel/Snapshot.cpp).
+    /// Makes `target` a 24-bit copy without folders, palette included, of as many bytes a line as
+    /// both have. Every line of both rasters is locked afterwards until UnlockAll. BadArgument for
+    /// null or this raster itself; Create's result when it is below Done; the status of a line that
+    /// cannot be locked.
+    i32 SnapshotTo(Raster* target);
 
 private:
     /// The three words of each logical line, as arrays.

@@ -1,13 +1,10 @@
 // The last stage of the display path: a bottom-up bitmap of the screen's size that the window is
 // painted from. Depth 24 (blue, green, red) or 2 (four greys: 0, 128, 192, 255; four pixels a byte,
 // the first in the top two bits). User-interface thread only.
-//
-// At present a surface of depth 24 shows a raster as it is (method 0). The ordered dither (method
-// 1) and the greys of depth 2 are not drawn yet: Present answers Failed for both and leaves the
-// surface as it was.
 #pragma once
 
 #include "image/DrawingContext.h"
+#include "image/PagedLineList.h"
 #include "image/Raster.h"
 
 class ScreenSurface
@@ -23,11 +20,19 @@ public:
     /// surface the old bitmap goes once the new one stands; a refused bitmap leaves the old one.
     [[nodiscard]] i32 Create(u32 width, u32 height, u32 depth);
     void Destroy();
-    /// Turns a 24-bit raster into what the display shows: method 0 is a straight copy. A raster
-    /// smaller than the surface fills its top left part. BadArgument for null, WrongState when not
-    /// created, Failed for another depth or method; the status of a line that cannot be locked,
-    /// with the rows before it shown.
+    /// A 24-bit surface of the bitmap's size that holds a copy of it. BadArgument for null, Failed
+    /// when it is no bitmap or cannot be copied; Create's result when that is negative.
+    [[nodiscard]] i32 CreateFromBitmap(HBITMAP source);
+    /// Turns a 24-bit raster into what the display shows; one smaller than the surface fills its
+    /// top left part. Depth 24: method 0 is a straight copy; 1 an ordered dither to 5 bits a
+    /// channel by a 4x4 threshold matrix (Bayer, 1973); any other is Failed. Depth 2: error
+    /// diffusion into the four greys (Floyd and Steinberg, 1976) with noise from Random, so that no
+    /// two runs are alike; `method` is not looked at. BadArgument for null, WrongState when not
+    /// created, Failed for a raster of another depth, NoMemory; the status of a line that cannot be
+    /// locked, with the rows before it shown.
     i32 Present(Raster* raster, u32 method);
+    /// Present for a list of 24 bits on a surface of depth 24, methods as there; Failed at depth 2.
+    i32 PresentLines(PagedLineList* list, u32 method);
     /// The memory context to BitBlt from.
     HDC GetDC() const { return context.Handle(); }
     u32 Depth() const { return depth; }
