@@ -1,58 +1,29 @@
 // Copying a rectangle between rasters, a row at a time.
 
 #include "image/Raster.h"
+#include "pixel/Clip.h"
+#include "pixel/Rows.h"
 
 #include <algorithm>
-#include <string.h>
 
 namespace
 {
 
-// Where a row's copy starts in each raster and how far it goes.
-struct RowCopy {
-    i64 x;
-    i64 targetX;
-    i64 width;
-    u32 step; // bytes from pixel to pixel
-    u32 targetStep;
-};
-
-bool HasColor(u32 depth)
+void CopyRow(u8* target, u32 targetDepth, const u8* source, u32 depth, const CopyRun& run)
 {
-    return depth == 24 || depth == 32;
-}
-
-u32 StepOf(u32 depth)
-{
-    return depth == 24 ? 3 : 4;
-}
-
-// Colour bytes only: a fourth byte of the target stays as it is, one of the source is dropped.
-void CopyPixels(u8* target, const u8* source, const RowCopy& copy)
-{
-    target += copy.targetX * copy.targetStep;
-    source += copy.x * copy.step;
-    for (i64 i = 0; i < copy.width; ++i) {
-        target[0] = source[0];
-        target[1] = source[1];
-        target[2] = source[2];
-        target += copy.targetStep;
-        source += copy.step;
-    }
-}
-
-void CopyRow(u8* target, const u8* source, const RowCopy& copy, u32 depth, u32 targetDepth)
-{
-    // The two rows may be one and the same.
+    const u32 targetStep = StepOf(targetDepth);
+    const u32 step = StepOf(depth);
+    const size_t x = static_cast<size_t>(run.x);
+    const size_t targetX = static_cast<size_t>(run.targetX);
+    const size_t count = static_cast<size_t>(run.width);
     if (depth == 24 && targetDepth == 24)
-        memmove(target + 3 * copy.targetX, source + 3 * copy.x,
-                static_cast<size_t>(3 * copy.width));
+        CopyRow24(target + 3 * targetX, source + 3 * x, count);
     else if (depth == 32 && targetDepth == 32)
         // Meant: pixel numbers serve as byte numbers here, so that a quarter of what is asked
         // moves.
-        memmove(target + copy.targetX, source + copy.x, static_cast<size_t>(copy.width));
+        CopyBytes(target + targetX, source + x, count);
     else
-        CopyPixels(target, source, copy);
+        CopyColors(target + targetStep * targetX, targetStep, source + step * x, step, count);
 }
 
 } // namespace
@@ -65,46 +36,20 @@ i32 Raster::CopyTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 targ
     const RasterInfo& to = target->info;
     if (!HasColor(info.depth) && !HasColor(to.depth))
         return Failed;
-
-    RowCopy copy = {x, targetX, width, StepOf(info.depth), StepOf(to.depth)};
-    i64 row = y;
-    i64 targetRow = targetY;
-    i64 rows = height;
-    // Meant: a start before the source moves the target and leaves the size as it is.
-    if (copy.x < 0) {
-        copy.targetX -= copy.x;
-        copy.x = 0;
-    }
-    if (row < 0) {
-        targetRow -= row;
-        row = 0;
-    }
-    if (copy.targetX < 0) {
-        copy.width += copy.targetX;
-        copy.x -= copy.targetX;
-        copy.targetX = 0;
-    }
-    if (targetRow < 0) {
-        rows += targetRow;
-        row -= targetRow;
-        targetRow = 0;
-    }
-    if (copy.x >= info.width || row >= info.height || copy.targetX >= to.width ||
-        targetRow >= to.height)
+    CopyRun run = {x, y, width, height, targetX, targetY};
+    if (!ClipRun(&run, info, to))
         return Done;
-    copy.width = std::min({copy.width, info.width - copy.x, to.width - copy.targetX});
-    rows = std::min({rows, info.height - row, to.height - targetRow});
     if (operation != SRCCOPY)
         return Failed;
     // A raster of 8 or 16 bits is walked in steps of 4 bytes and ends before its width does.
-    copy.width = std::min({copy.width, i64{info.stride / copy.step} - copy.x,
-                           i64{to.stride / copy.targetStep} - copy.targetX});
-    if (copy.width < 1 || rows < 1)
+    run.width = std::min({run.width, i64{info.stride / StepOf(info.depth)} - run.x,
+                          i64{to.stride / StepOf(to.depth)} - run.targetX});
+    if (run.width < 1 || run.height < 1)
         return Done;
 
-    for (i64 i = 0; i < rows; ++i) {
-        const i32 targetLine = static_cast<i32>(targetRow + i);
-        const i32 line = static_cast<i32>(row + i);
+    for (i64 i = 0; i < run.height; ++i) {
+        const i32 targetLine = static_cast<i32>(run.targetY + i);
+        const i32 line = static_cast<i32>(run.y + i);
         u8* written = nullptr;
         u8* read = nullptr;
         i32 status = target->LockLines(targetLine, &written, nullptr);
@@ -114,7 +59,7 @@ i32 Raster::CopyTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 targ
         status = LockLines(line, &read, nullptr);
         if (status < 1)
             return status;
-        CopyRow(written, read, copy, info.depth, to.depth);
+        CopyRow(written, to.depth, read, info.depth, run);
         (void)ReleaseLines(line, 1, 0);
         (void)target->ReleaseLines(targetLine, 1, 0);
     }
