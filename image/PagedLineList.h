@@ -75,11 +75,17 @@ private:
     /// State and index checked in that order: Done and `*position`, from 0 to the count, or why
     /// not.
     [[nodiscard]] i32 Locate(i32 index, u32* position) const;
+    /// As Locate for what needs a line: Failed at the count.
+    [[nodiscard]] i32 FindLine(i32 index, Line** line) const;
     Line* LineAt(u32 position) const;
-    [[nodiscard]] i32 FindPage(i32 index, PageHandle* page) const;
-    [[nodiscard]] i32 Enter(u32 position, const void* source);
+    Line* LineBefore(u32 position) const;
+    [[nodiscard]] i32 CheckState() const;
+    [[nodiscard]] i32 Enter(Line* previous, Line* next, const void* source, Line** entered);
+    [[nodiscard]] i32 MakePage(const void* source, PageHandle* page);
     void Drop(Line* line);
-    void DropValues();
+    [[nodiscard]] Value* MakeValue(u32 value);
+    void DropCache();
+    void DropValues(Value* first);
 
     i32 created;
     u32 width;

@@ -52,12 +52,15 @@ private:
         Page* next;    // toward the smaller pages
     };
 
+    enum : u32 { PathRoom = MAX_PATH + 1 }; // an exact fit counts as cut
+
     Page* Find(PageHandle handle) const;
     void Link(Page* page);
     void Unlink(Page* page);
     bool HasRoomFor(u32 needed);
     bool FitsOnDisk(u32 size) const;
-    [[nodiscard]] i32 MakeFile(Page* page);
+    bool PathOf(u32 fileId, WCHAR (&path)[PathRoom]) const;
+    [[nodiscard]] i32 MakeFile(u32* fileId, WCHAR (&path)[PathRoom]) const;
     [[nodiscard]] i32 WriteOut(Page* page);
     [[nodiscard]] i32 ReadBack(Page* page);
 
