@@ -148,4 +148,6 @@ TEST_F(ExtremePlace, RunsOfAnyPlacesAndSizesAreCut)
                     EXPECT_TRUE(status == 1 || status == -1);
                 }
             }
+    EXPECT_EQ(source.CopyMasked(0, 0, 4, 4, &target, 0, 0, &mask, Most, 0), -1);
+    EXPECT_EQ(source.CopyMasked(0, 0, 4, 4, &target, 0, 0, &mask, 0, Most), -1);
 }

@@ -146,29 +146,44 @@ TEST_F(LeftLocked, RowsOfAnOutlineAreAskedForThoughNothingIsDrawnOnThem)
     }
 }
 
-TEST_F(LeftLocked, ALineWithoutDataEndsTheWorkWithNothingDone)
+TEST_F(LeftLocked, ALostLineEndsTheWorkWithNothingDoneAndTheRowsBehindItStay)
 {
-    CountingAllocator memory;
-    Raster raster(&memory);
-    // Refused in the middle of its creation, a raster tells of lines that it does not have.
-    memory.fails = [](int number, u32) { return number > 3; };
-    ASSERT_LT(raster.Create(5, 4, 24, nullptr, nullptr), 1);
-    memory.fails = nullptr;
-    ASSERT_EQ(InfoOf(raster).height, 4u);
-    Raster other;
+    Raster source;
     Raster over;
     Raster mask;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(other, 5, 4, 24, 1, Paging::None));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(over, 5, 4, 32, 1, Paging::None));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(mask, 5, 4, 8, 1, Paging::None));
-    const PixelRect all = {0, 0, 4, 3};
-    EXPECT_EQ(raster.FillAll(0x102030FF), 0);
-    EXPECT_EQ(raster.FillRect(Translucent, all), 0);
-    EXPECT_EQ(raster.FrameRect(Translucent, all), 0);
-    EXPECT_EQ(raster.InvertRect(all), 0);
-    EXPECT_EQ(raster.InvertFrame(all), 0);
-    EXPECT_EQ(raster.BlendMaskRect(Translucent, all, &mask, 0, 0), 0);
-    EXPECT_EQ(raster.CopyTo(0, 0, 5, 4, &other, 0, 0, 0xCC0020), 0);
-    EXPECT_EQ(other.CopyMasked(0, 0, 5, 4, &raster, 0, 0, &mask, 0, 0), 0);
-    EXPECT_EQ(over.CompositeTo(0, 0, 5, 4, &raster, 0, 0), 0);
+    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, 5, Lines, 24, 1, Paging::None));
+    ASSERT_NO_FATAL_FAILURE(MakeRaster(over, 5, Lines, 32, 1, Paging::None));
+    ASSERT_NO_FATAL_FAILURE(MakeRaster(mask, 5, Lines, 8, 1, Paging::None));
+    const PixelRect part = {0, 0, 4, 3};
+    const std::function<i32(Raster&)> works[] = {
+        [&](Raster& raster) { return raster.FillAll(0x102030FF); },
+        [&](Raster& raster) { return raster.FillRect(Translucent, part); },
+        [&](Raster& raster) { return raster.FrameRect(Translucent, part); },
+        [&](Raster& raster) { return raster.InvertRect(part); },
+        [&](Raster& raster) { return raster.InvertFrame(part); },
+        [&](Raster& raster) { return raster.BlendMaskRect(Translucent, part, &mask, 0, 0); },
+        [&](Raster& raster) { return source.CopyTo(0, 0, 5, 4, &raster, 0, 0, 0xCC0020); },
+        [&](Raster& raster) { return source.CopyMasked(0, 0, 5, 4, &raster, 0, 0, &mask, 0, 0); },
+        [&](Raster& raster) { return over.CompositeTo(0, 0, 5, 4, &raster, 0, 0); },
+    };
+    for (i32 lost : {0, 1, 3})
+        for (size_t i = 0; i < std::size(works); ++i) {
+            SCOPED_TRACE(testing::Message() << "line " << lost << ", work " << i);
+            Raster raster;
+            ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 5, Lines, 24, 7, Paging::Under));
+            // No name is left for its file.
+            tavrix::testing::SetRandom({7});
+            ASSERT_EQ(raster.ReleaseLines(Probe, 1, 1), 1);
+            tavrix::testing::SetRandom(std::vector<LONG>(101, 7));
+            ASSERT_EQ(raster.ReleaseLines(lost, 1, 1), 0);
+            EXPECT_EQ(works[i](raster), 0);
+            for (i32 line = 0; line < Lines; ++line) {
+                const std::vector<u8> before = PatternRows(7, Lines, PagedStride)[line];
+                if (line < lost) {
+                    EXPECT_NE(RowOf(raster, line), before) << "row " << line;
+                } else if (line > lost) {
+                    EXPECT_EQ(RowOf(raster, line), before) << "row " << line;
+                }
+            }
+        }
 }
