@@ -2,6 +2,8 @@
 
 #include "Rasters.h"
 
+#include <algorithm>
+
 namespace
 {
 
