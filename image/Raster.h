@@ -76,9 +76,10 @@ public:
     [[nodiscard]] i32 LoadRaw(const void* block);
 
     // Compositing (pixel/PixelAccess.cpp, Fill.cpp, Frame.cpp, Invert.cpp, BlendMask.cpp,
-    // CopyTo.cpp, Composite.cpp). Rectangles are inclusive, ordered first and clipped; a call that
-    // clips to nothing gives Done. A line that cannot be locked ends the work with its status: the
-    // rows before it stay changed and the row of the other raster stays locked until UnlockAll.
+    // CopyTo.cpp, CopyMasked.cpp, Composite.cpp). Rectangles are inclusive, ordered first and
+    // clipped; a call that clips to nothing gives Done. A line that cannot be locked ends the work
+    // with its status: the rows before it stay changed and the row of the other raster stays locked
+    // until UnlockAll.
     //
     // In the formulas c is a byte of the colour (blue, green or red), a its alpha byte and w the
     // weight a + 1 of 256.
