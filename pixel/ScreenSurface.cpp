@@ -1,6 +1,12 @@
+// The surface's life, and the frames that are shown of a raster.
+
 #include "pixel/ScreenSurface.h"
 
+#include "pixel/GreyDiffusion.h"
+#include "pixel/OrderedDither.h"
+
 #include <algorithm>
+#include <stdlib.h>
 #include <string.h>
 
 namespace
@@ -16,7 +22,10 @@ constexpr BYTE GreyLevels[4] = {0, 128, 192, 255};
 
 } // namespace
 
-ScreenSurface::ScreenSurface() : bitmap(nullptr), bits(nullptr), width(0), height(0), depth(0) {}
+ScreenSurface::ScreenSurface()
+    : bitmap(nullptr), bits(nullptr), width(0), height(0), depth(0), ditherTable(nullptr)
+{
+}
 
 ScreenSurface::~ScreenSurface()
 {
@@ -39,6 +48,9 @@ i32 ScreenSurface::Create(u32 newWidth, u32 newHeight, u32 newDepth)
     } else if (newDepth != 24) {
         return BadArgument;
     }
+    // The platform would take a height below 0 for a bitmap with the top row first.
+    if (newWidth > INT32_MAX || newHeight > INT32_MAX)
+        return Failed;
     void* pixels = nullptr;
     const HBITMAP section =
         ::CreateDIBSection(screen.Handle(), reinterpret_cast<const BITMAPINFO*>(&format),
@@ -58,13 +70,45 @@ i32 ScreenSurface::Create(u32 newWidth, u32 newHeight, u32 newDepth)
     return Done;
 }
 
+i32 ScreenSurface::CreateFromBitmap(HBITMAP source)
+{
+    if (source == nullptr)
+        return BadArgument;
+    BITMAP record = {};
+    if (::GetObjectW(source, sizeof(record), &record) < static_cast<int>(sizeof(record)))
+        return Failed;
+    const i32 status =
+        Create(static_cast<u32>(record.bmWidth), static_cast<u32>(record.bmHeight), 24);
+    if (status < 0)
+        return status;
+    DrawingContext memory;
+    if (memory.CreateMemory(nullptr) < 1 || memory.SelectBitmap(source) < 1)
+        return Failed;
+    return ::BitBlt(context.Handle(), 0, 0, record.bmWidth, record.bmHeight, memory.Handle(), 0, 0,
+                    SRCCOPY)
+               ? Done
+               : Failed;
+}
+
 void ScreenSurface::Destroy()
 {
+    EndColor();
     (void)context.DeleteMemory();
     if (bitmap != nullptr)
         ::DeleteObject(bitmap);
     bitmap = nullptr;
     bits = nullptr;
+}
+
+size_t ScreenSurface::Stride() const
+{
+    return depth == 24 ? (3 * (size_t{width} + 1)) & ~size_t{3}
+                       : ((size_t{width} * 2 + 31) >> 3) & ~size_t{3};
+}
+
+u8* ScreenSurface::BitmapRow(u32 y) const
+{
+    return bits + (height - y - 1) * Stride();
 }
 
 i32 ScreenSurface::Present(Raster* raster, u32 method)
@@ -76,24 +120,85 @@ i32 ScreenSurface::Present(Raster* raster, u32 method)
     RasterInfo info = {};
     info.size = sizeof(info);
     (void)raster->GetInfo(&info);
-    if (info.depth != 24 || depth != 24)
+    if (info.depth != 24)
         return Failed;
-    return PresentColor(raster, method, std::min(height, info.height), std::min(width, info.width));
+    const u32 rows = std::min(height, info.height);
+    const u32 columns = std::min(width, info.width);
+    return depth == 2 ? PresentGrey(raster, rows, columns)
+                      : PresentColor(raster, method, rows, columns);
 }
 
 i32 ScreenSurface::PresentColor(Raster* raster, u32 method, u32 rows, u32 columns)
 {
-    if (method != 0)
-        return Failed;
-    const size_t stride = (3 * (size_t{width} + 1)) & ~size_t{3};
+    i32 status = BeginColor(method);
+    if (status < 1)
+        return status;
     for (u32 y = 0; y < rows; ++y) {
         const i32 line = static_cast<i32>(y);
         u8* row = nullptr;
-        const i32 status = raster->LockLines(line, &row, nullptr);
+        status = raster->LockLines(line, &row, nullptr);
+        // The dither table then stays until the next frame or the surface's end.
         if (status < 1)
             return status;
-        memcpy(bits + (height - y - 1) * stride, row, size_t{columns} * 3);
+        ShowColorRow(row, y, columns, method);
         (void)raster->ReleaseLines(line, 1, 0);
+    }
+    EndColor();
+    return Done;
+}
+
+i32 ScreenSurface::BeginColor(u32 method)
+{
+    return method == 0 ? Done : BuildDitherTable(method);
+}
+
+void ScreenSurface::ShowColorRow(const u8* row, u32 y, u32 columns, u32 method)
+{
+    u8* const target = BitmapRow(y);
+    if (method == 0)
+        memcpy(target, row, size_t{columns} * 3);
+    else
+        DitherRow(target, row, columns, ditherTable, y);
+}
+
+void ScreenSurface::EndColor()
+{
+    free(ditherTable);
+    ditherTable = nullptr;
+}
+
+i32 ScreenSurface::BuildDitherTable(u32 method)
+{
+    if (method != 1)
+        return Failed;
+    EndColor();
+    // Made for each frame: what is idle holds no table.
+    ditherTable = static_cast<u8*>(malloc(DitherTableSize));
+    if (ditherTable == nullptr)
+        return NoMemory;
+    FillDitherTable(ditherTable);
+    return Done;
+}
+
+i32 ScreenSurface::PresentGrey(Raster* raster, u32 rows, u32 columns)
+{
+    MallocAllocator memory;
+    GreyErrors errors(&memory);
+    i32 status = errors.Create(columns);
+    if (status < 1)
+        return status;
+    for (u32 y = 0; y < rows; ++y) {
+        const i32 line = static_cast<i32>(y);
+        u8* row = nullptr;
+        status = raster->LockLines(line, &row, nullptr);
+        if (status < 1)
+            return status;
+        u8* const target = BitmapRow(y);
+        // The whole row: beside a narrower picture the surface turns black.
+        memset(target, 0, Stride());
+        DiffuseGreyRow(target, row, columns, errors.Current(), errors.Next());
+        (void)raster->ReleaseLines(line, 1, 0);
+        errors.Advance();
     }
     return Done;
 }

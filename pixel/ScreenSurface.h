@@ -18,6 +18,7 @@ public:
 
     /// BadArgument for a depth other than 2 and 24, Failed when the platform refuses. Over a live
     /// surface the old bitmap goes once the new one stands; a refused bitmap leaves the old one.
+    /// Sides of more than 31 bits are refused.
     [[nodiscard]] i32 Create(u32 width, u32 height, u32 depth);
     void Destroy();
     /// A 24-bit surface of the bitmap's size that holds a copy of it. BadArgument for null, Failed
@@ -27,9 +28,9 @@ public:
     /// top left part. Depth 24: method 0 is a straight copy; 1 an ordered dither to 5 bits a
     /// channel by a 4x4 threshold matrix (Bayer, 1973); any other is Failed. Depth 2: error
     /// diffusion into the four greys (Floyd and Steinberg, 1976) with noise from Random, so that no
-    /// two runs are alike; `method` is not looked at. BadArgument for null, WrongState when not
-    /// created, Failed for a raster of another depth, NoMemory; the status of a line that cannot be
-    /// locked, with the rows before it shown.
+    /// two runs are alike, and beside a narrower raster its rows turn black; `method` is not looked
+    /// at. BadArgument for null, WrongState when not created, Failed for a raster of another depth,
+    /// NoMemory; the status of a line that cannot be locked, with the rows before it shown.
     i32 Present(Raster* raster, u32 method);
     /// Present for a list of 24 bits on a surface of depth 24, methods as there; Failed at depth 2.
     i32 PresentLines(PagedLineList* list, u32 method);
@@ -39,6 +40,20 @@ public:
 
 private:
     i32 PresentColor(Raster* raster, u32 method, u32 rows, u32 columns);
+    i32 PresentGrey(Raster* raster, u32 rows, u32 columns);
+
+    /// What a frame by that method needs. Failed for a method that is neither 0 nor 1, NoMemory.
+    [[nodiscard]] i32 BeginColor(u32 method);
+    /// Puts `columns` pixels of the picture's row `y` into the bitmap.
+    void ShowColorRow(const u8* row, u32 y, u32 columns, u32 method);
+    /// Gives back what the frame needed.
+    void EndColor();
+    /// Frees the table of a frame that broke off, and makes it anew.
+    [[nodiscard]] i32 BuildDitherTable(u32 method);
+    /// The bitmap's row for the picture's row `y`; the bitmap is bottom-up.
+    u8* BitmapRow(u32 y) const;
+    /// Bytes of a bitmap's row.
+    size_t Stride() const;
 
     HBITMAP bitmap;
     DrawingContext context;
@@ -46,4 +61,5 @@ private:
     u32 width;
     u32 height;
     u32 depth;
+    u8* ditherTable; // owned; there during a dithered frame, and after one that broke off
 };
