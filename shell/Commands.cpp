@@ -27,6 +27,14 @@ void ScrollKey(MainFrame& frame, u32 id)
 {
     frame.ScrollByKeys(id);
 }
+void Dither(MainFrame& frame, u32)
+{
+    frame.ToggleDither();
+}
+void Screen(MainFrame& frame, u32 id)
+{
+    frame.SetMonoScreen(id == CommandScreenMono ? 1 : 0);
+}
 
 struct Command {
     u32 id;
@@ -44,6 +52,9 @@ constexpr Command commands[] = {
     {CommandZoom300, Zoom},
     {CommandZoom400, Zoom},
     {CommandZoomWindow, ZoomWindow},
+    {CommandDitherOn, Dither},
+    {CommandScreenColor, Screen},
+    {CommandScreenMono, Screen},
     {CommandScrollLeft, ScrollKey},
     {CommandScrollRight, ScrollKey},
     {CommandScrollUp, ScrollKey},

@@ -11,6 +11,8 @@ void MainFrame::OnClose()
     settings->SetUInt(ProgramSection, TEXT("BackgroundColor"), backgroundColor);
     settings->SetUInt(ProgramSection, TEXT("WindowAdjusted"),
                       zoomCommand == CommandZoomWindow ? 1 : 0);
+    settings->SetUInt(ProgramSection, TEXT("DitherMode"), dither);
+    settings->SetUInt(ProgramSection, TEXT("ScreenMode"), monoScreen);
     // Nobody is left to see what still waits to be opened.
     handOvers.closed = 1;
     handOvers.Drop();

@@ -35,9 +35,10 @@ LRESULT MainFrame::OnCreate(const CREATESTRUCTW* record)
     UpdateWindowChecks();
     UpdateClipMenus();
     ReadZoom();
-    UpdateDitherCheck();
+    ReadDither();
+    ReadScreenMode();
     // Created anew at the depth that the settings ask for. A failure leaves the one from above.
-    (void)surface.Create(width, height, monoScreen != 0 ? 2 : 24);
+    (void)CreateSurface();
     UpdateScreenChecks();
     TakeTaskBar();
     OpenCommandLine();
@@ -90,6 +91,17 @@ void MainFrame::ReadZoom()
     if (adjusted != 0)
         zoomCommand = CommandZoomWindow;
     UpdateZoomChecks();
+}
+
+void MainFrame::ReadDither()
+{
+    (void)settings->GetUInt(ProgramSection, TEXT("DitherMode"), &dither);
+    UpdateDitherCheck();
+}
+
+void MainFrame::ReadScreenMode()
+{
+    (void)settings->GetUInt(ProgramSection, TEXT("ScreenMode"), &monoScreen);
 }
 
 void MainFrame::TakeTaskBar()

@@ -77,8 +77,8 @@ public:
     /// there is no extension or no such format.
     [[nodiscard]] i32 FindInputPlugin(const WCHAR* path, i32* plugin) const;
 
-    // View (view/ViewTransform.cpp, Zoom.cpp, Scroll.cpp, RedrawView.cpp). The conversions change
-    // the point in place; Done, or NothingDone for null.
+    // View (view/ViewTransform.cpp, Zoom.cpp, Scroll.cpp, ScreenMode.cpp, RedrawView.cpp). The
+    // conversions change the point in place; Done, or NothingDone for null.
     struct Point {
         f64 x;
         f64 y;
@@ -97,6 +97,14 @@ public:
     void SetZoom(u32 command);
     /// Moves the picture by 10 screen pixels away in the key's direction. There is no limit.
     void ScrollByKeys(u32 command);
+    /// Orders the selection's corners and cuts them to the picture (view/Selection.cpp).
+    void NormalizeSelection();
+    /// Dithering on or off.
+    void ToggleDither();
+    /// Makes the surface at the depth that the screen mode asks for.
+    i32 CreateSurface();
+    /// 0 shows colours, 1 four greys.
+    void SetMonoScreen(u32 mono);
     /// Composes and shows the whole view.
     void RedrawView();
     /// Composes and shows a part, in window coordinates, inclusive: for what follows the pen.
@@ -146,7 +154,12 @@ public:
     PropertyList* scaleNames;
     PropertyList* subtractNames;
     PropertyList* printNames;
+    u32 selecting = 0; // 1 during the drag
     u32 selectionActive = 0;
+    f64 selectionLeft = 0; // corners in picture coordinates, inclusive once normalised; they stay
+    f64 selectionTop = 0;  // when the selection is dropped
+    f64 selectionRight = 0;
+    f64 selectionBottom = 0;
     u32 clipboardHasImage = 0;
     u32 zoomCommand;
     f64 zoom = 1.0;
@@ -200,6 +213,8 @@ private:
     void ReadColors();
     void ReadToolWindows();
     void ReadZoom();
+    void ReadDither();
+    void ReadScreenMode();
     void TakeTaskBar();
     void OpenCommandLine();
     void ReadUndo();

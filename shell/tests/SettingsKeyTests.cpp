@@ -123,6 +123,27 @@ TEST(SettingsKeys, AFixedZoomIsWrittenAsNotAdjusted)
     EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=0\r\n"));
 }
 
+TEST(SettingsKeys, DitheringAndTheMonochromeScreenComeBack)
+{
+    Write(NewFile(), u"[Tavrix]\r\nDitherMode=1\r\nScreenMode=1\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(1u, frame.dither);
+        EXPECT_EQ(1u, frame.monoScreen);
+        EXPECT_EQ(2u, frame.surface.Depth());
+    });
+    EXPECT_TRUE(Saved(u"\r\nDitherMode=1\r\nScreenMode=1\r\n"));
+}
+
+TEST(SettingsKeys, AScreenModeThatIsNoNumberShowsColoursWithoutDithering)
+{
+    Write(NewFile(), u"[Tavrix]\r\nDitherMode=on\r\nScreenMode=\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(0u, frame.dither);
+        EXPECT_EQ(0u, frame.monoScreen);
+        EXPECT_EQ(24u, frame.surface.Depth());
+    });
+}
+
 TEST(SettingsKeys, AFirstRunWritesTheDefaultsInTheirOrder)
 {
     RunWithPlugin([](MainFrame&) {});
@@ -130,7 +151,7 @@ TEST(SettingsKeys, AFirstRunWritesTheDefaultsInTheirOrder)
     EXPECT_EQ(0u, bytes.find(FileOf(u"[Tavrix]\r\nLastCommandLine=\r\nShowToolbox=1\r\n"
                                     u"ShowColorbox=1\r\nFaceColor=0\r\n"
                                     u"BackgroundColor=4294967295\r\n")));
-    EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=0\r\n"));
+    EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=0\r\nDitherMode=0\r\nScreenMode=0\r\n"));
     EXPECT_FALSE(Saved(u"[Global]"));
 }
 
