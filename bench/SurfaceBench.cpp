@@ -1,0 +1,265 @@
+// What the screen is shown: the ordered dither and the diffusion into four greys.
+
+#include "bench/Peers.h"
+#include "bench/Table.h"
+#include "pixel/ScreenSurface.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#if defined(TAVRIX_BENCH_GRAPHICSMAGICK)
+#include <magick/api.h>
+#endif
+#if defined(TAVRIX_BENCH_LEPTONICA)
+#include <leptonica/allheaders.h>
+#endif
+
+namespace bench
+{
+
+namespace
+{
+
+constexpr u32 Seed = 41;
+
+// What a window would be painted with.
+Picture ShownBy(const ScreenSurface& surface, Size size)
+{
+    BITMAPINFO format = {};
+    format.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+    format.bmiHeader.biWidth = static_cast<LONG>(size.width);
+    format.bmiHeader.biPlanes = 1;
+    format.bmiHeader.biHeight = static_cast<LONG>(size.height);
+    format.bmiHeader.biBitCount = 24;
+    void* bits = nullptr;
+    const HBITMAP bitmap = ::CreateDIBSection(nullptr, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
+    Picture picture(size);
+    if (bitmap == nullptr)
+        return picture;
+    {
+        DrawingContext context;
+        if (context.CreateMemory(nullptr) == Done && context.SelectBitmap(bitmap) == Done &&
+            ::BitBlt(context.Handle(), 0, 0, static_cast<int>(size.width),
+                     static_cast<int>(size.height), surface.GetDC(), 0, 0, SRCCOPY)) {
+            const size_t stride = (size_t{3} * size.width + 3) & ~size_t{3};
+            for (u32 y = 0; y < size.height; ++y)
+                std::copy_n(static_cast<const u8*>(bits) + (size.height - 1 - y) * stride,
+                            size_t{3} * size.width, picture.At(0, y));
+        }
+        (void)context.DeleteMemory();
+    }
+    ::DeleteObject(bitmap);
+    return picture;
+}
+
+Work OurPresent(Size size, u32 depth, u32 method,
+                std::string (*fault)(const Picture& drawn, const Picture& source))
+{
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    RasterPointer raster = MakeRaster(*source);
+    auto surface = std::make_shared<ScreenSurface>();
+    const i32 made = surface->Create(size.width, size.height, depth);
+    auto result = std::make_shared<i32>(made);
+    return {[=] { *result = surface->Present(raster.get(), method); },
+            [=]() -> std::string {
+                if (made != Done || *result != Done)
+                    return NotDone(made) + NotDone(*result);
+                return fault(ShownBy(*surface, size), *source);
+            }};
+}
+
+std::string FaultOfCopy(const Picture& drawn, const Picture& source)
+{
+    return Difference(source, drawn);
+}
+
+std::string FaultOfOrdered(const Picture& drawn, const Picture& source)
+{
+    static constexpr int thresholds[4][4] = {
+        {7, 3, 6, 2}, {1, 5, 0, 4}, {6, 2, 7, 3}, {0, 4, 1, 5}};
+    return DifferenceFrom(drawn, [&source](u32 x, u32 y, u8* pixel) {
+        for (u32 i = 0; i < 3; ++i)
+            pixel[i] = static_cast<u8>(
+                std::min((source.At(x, y)[i] + thresholds[y & 3][x & 3]) & ~7, 255));
+    });
+}
+
+f64 MeanGrey(const Picture& picture)
+{
+    f64 sum = 0;
+    for (size_t i = 0; i < picture.bytes.size(); i += 3)
+        sum += 28 * picture.bytes[i] + 151 * picture.bytes[i + 1] + 77 * picture.bytes[i + 2];
+    return sum * 3 / 256 / static_cast<f64>(picture.bytes.size());
+}
+
+// Diffusion keeps the brightness, and a noisy picture needs every grey. No two runs are alike.
+std::string FaultOfGreys(const Picture& drawn, const Picture& source)
+{
+    std::set<u8> greys;
+    for (size_t i = 0; i < drawn.bytes.size(); i += 3) {
+        if (drawn.bytes[i] != drawn.bytes[i + 1] || drawn.bytes[i] != drawn.bytes[i + 2])
+            return "a pixel is not grey";
+        greys.insert(drawn.bytes[i]);
+    }
+    if (greys.size() != 4)
+        return "there are " + std::to_string(greys.size()) + " greys";
+    const f64 off = MeanGrey(drawn) - MeanGrey(source);
+    return std::abs(off) > 6 ? "the brightness is off by " + std::to_string(off) : std::string();
+}
+
+#if defined(TAVRIX_BENCH_LEPTONICA)
+Work LeptonicaGreys(Size size)
+{
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    const auto drop = [](PIX* pix) { pixDestroy(&pix); };
+    const std::shared_ptr<PIX> color(
+        pixCreate(static_cast<int>(size.width), static_cast<int>(size.height), 32), drop);
+    for (u32 y = 0; y < size.height; ++y)
+        for (u32 x = 0; x < size.width; ++x) {
+            const u8* const pixel = source->At(x, y);
+            pixSetRGBPixel(color.get(), static_cast<int>(x), static_cast<int>(y), pixel[2],
+                           pixel[1], pixel[0]);
+        }
+    auto drawn = std::make_shared<std::shared_ptr<PIX>>();
+    return {[=] {
+                const std::shared_ptr<PIX> grey(pixConvertRGBToLuminance(color.get()), drop);
+                *drawn = std::shared_ptr<PIX>(pixDitherTo2bpp(grey.get(), 0), drop);
+            },
+            [=] {
+                Picture picture(size);
+                for (u32 y = 0; y < size.height; ++y)
+                    for (u32 x = 0; x < size.width; ++x) {
+                        l_uint32 level = 0;
+                        pixGetPixel(drawn->get(), static_cast<int>(x), static_cast<int>(y), &level);
+                        std::fill_n(picture.At(x, y), 3, static_cast<u8>(level * 85));
+                    }
+                return FaultOfGreys(picture, *source);
+            }};
+}
+#endif
+
+#if defined(TAVRIX_BENCH_GRAPHICSMAGICK)
+using ImagePointer = std::shared_ptr<Image>;
+
+ImagePointer ImageOf(const Picture& picture)
+{
+    ExceptionInfo exception;
+    GetExceptionInfo(&exception);
+    ImagePointer image(ConstituteImage(picture.size.width, picture.size.height, "BGR", CharPixel,
+                                       picture.bytes.data(), &exception),
+                       DestroyImage);
+    DestroyExceptionInfo(&exception);
+    return image;
+}
+
+Picture PictureOf(const Image* image, Size size)
+{
+    Picture picture(size);
+    ExceptionInfo exception;
+    GetExceptionInfo(&exception);
+    DispatchImage(image, 0, 0, size.width, size.height, "BGR", CharPixel, picture.bytes.data(),
+                  &exception);
+    DestroyExceptionInfo(&exception);
+    return picture;
+}
+
+// Two levels a channel. Works in place, with the same work on what it has done before.
+Work MagickOrdered(Size size)
+{
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    const ImagePointer image = ImageOf(*source);
+    return {[=] {
+                ExceptionInfo exception;
+                GetExceptionInfo(&exception);
+                RandomChannelThresholdImage(image.get(), "all", "4x4", &exception);
+                DestroyExceptionInfo(&exception);
+            },
+            [=]() -> std::string {
+                const Picture drawn = PictureOf(image.get(), size);
+                if (std::any_of(drawn.bytes.begin(), drawn.bytes.end(),
+                                [](u8 byte) { return byte != 0 && byte != 255; }))
+                    return "a byte is neither 0 nor 255";
+                const f64 off = MeanGrey(drawn) - MeanGrey(*source);
+                return std::abs(off) > 16 ? "the brightness is off by " + std::to_string(off) : "";
+            }};
+}
+
+Work MagickGreys(Size size)
+{
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    const ImagePointer color = ImageOf(*source);
+    auto copy = std::make_shared<ImagePointer>();
+    // The pixels themselves are copied when they are first written, within the time.
+    const auto take = [=] {
+        ExceptionInfo exception;
+        GetExceptionInfo(&exception);
+        *copy = ImagePointer(CloneImage(color.get(), 0, 0, MagickTrue, &exception), DestroyImage);
+        DestroyExceptionInfo(&exception);
+    };
+    take();
+    Work work;
+    work.run = [=] {
+        QuantizeInfo info;
+        GetQuantizeInfo(&info);
+        info.number_colors = 4;
+        info.dither = MagickTrue;
+        info.colorspace = GRAYColorspace;
+        QuantizeImage(&info, copy->get());
+    };
+    work.fault = [=] { return FaultOfGreys(PictureOf(copy->get(), size), *source); };
+    work.between = take;
+    return work;
+}
+#endif
+
+void AddCopy(Size size)
+{
+    const std::string name = "Present/copy/" + Name(size);
+    AddOurs(name, [=] { return OurPresent(size, 24, 0, FaultOfCopy); });
+    AddLimit(name, size);
+}
+
+void AddOrdered(Size size)
+{
+    const std::string name = "Present/ordered-dither/" + Name(size);
+    AddOurs(name, [=] { return OurPresent(size, 24, 1, FaultOfOrdered); });
+#if defined(TAVRIX_BENCH_GRAPHICSMAGICK)
+    AddPeer(
+        name, "graphicsmagick", [=] { return MagickOrdered(size); }, Clock::Process);
+#else
+    AddMissing(name, "graphicsmagick", GraphicsMagickPackage);
+#endif
+    AddLimit(name, size);
+}
+
+void AddGreys(Size size)
+{
+    const std::string name = "Present/four-greys/" + Name(size);
+    AddOurs(name, [=] { return OurPresent(size, 2, 0, FaultOfGreys); });
+#if defined(TAVRIX_BENCH_LEPTONICA)
+    AddPeer(name, "leptonica", [=] { return LeptonicaGreys(size); });
+#else
+    AddMissing(name, "leptonica", LeptonicaPackage);
+#endif
+#if defined(TAVRIX_BENCH_GRAPHICSMAGICK)
+    AddPeer(
+        name, "graphicsmagick", [=] { return MagickGreys(size); }, Clock::Process);
+#else
+    AddMissing(name, "graphicsmagick", GraphicsMagickPackage);
+#endif
+    AddLimit(name, size);
+}
+
+} // namespace
+
+void AddSurfaces()
+{
+    for (const Size size : Sizes) {
+        AddCopy(size);
+        AddOrdered(size);
+        AddGreys(size);
+    }
+}
+
+} // namespace bench

@@ -1,0 +1,57 @@
+// The rows of the table that is printed at the end: an operation, and everyone who carries it out.
+//
+// A benchmark is named OPERATION/WHO: "FillAll/800x480/tavrix". Every contestant of an operation is
+// prepared alike, runs once untimed, is looked at once whether it did what it should, and is timed
+// only if so.
+#pragma once
+
+#include "bench/Pictures.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench
+{
+
+/// One contestant, ready to run. It is made anew for every repetition.
+struct Work {
+    std::function<void()> run;          // what is timed
+    std::function<std::string()> fault; // called after the first run: empty, or what is wrong
+    std::function<void()> between = {}; // untimed, before every run but the first
+    u32 items = 1;                      // of which one run does as many
+};
+
+/// Which time counts. The thread's own leaves out what other programs take; Process adds the
+/// threads that a library starts; Host is time on the wall, which includes waiting for the disk.
+enum class Clock { Thread, Process, Host };
+
+using Prepare = std::function<Work()>;
+
+/// Our own part of an operation. It stands first in its row.
+void AddOurs(const std::string& operation, Prepare prepare, Clock clock = Clock::Thread);
+/// A peer, or what else we are compared with.
+void AddPeer(const std::string& operation, const std::string& who, Prepare prepare,
+             Clock clock = Clock::Thread);
+/// A peer whose Debian package was not there when this program was built.
+void AddMissing(const std::string& operation, const std::string& who, const std::string& package);
+/// The copy limit: `rows` rows of `bytes` bytes, each in a block of its own like our lines, copied
+/// one by one to others.
+void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items = 1,
+              Clock clock = Clock::Thread);
+/// The copy limit of a whole picture of 24 bits.
+void AddLimit(const std::string& operation, Size size);
+
+/// Runs what the filter of Google Benchmark leaves and prints the table. False when a contestant
+/// did not do what it should.
+bool RunAll();
+
+// Each family's benchmarks.
+void AddStretches();
+void AddFills();
+void AddBlends();
+void AddSurfaces();
+void AddTurns();
+void AddStores();
+
+} // namespace bench
