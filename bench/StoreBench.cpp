@@ -103,22 +103,26 @@ Work OurTakeFrom(Size size)
 
 Work CallocTakeOver(Size size)
 {
-    const Picture source = MakePicture(size, Seed);
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    const size_t bytes = size_t{3} * size.width;
     auto plain = std::make_shared<PlainLines>();
     plain->Take(size);
     for (u32 y = 0; y < size.height; ++y)
-        std::memcpy(plain->lines[y], source.At(0, y), size_t{3} * size.width);
-    const u8 first = source.bytes.front();
-    return {
-        [=] {
-            for (u8*& line : plain->lines) {
-                u8* const made = static_cast<u8*>(std::calloc(1, StrideOf(size)));
-                std::memcpy(made, line, StrideOf(size));
-                std::free(line);
-                line = made;
-            }
-        },
-        [=] { return plain->lines[0][0] == first ? std::string() : "the first byte is another"; }};
+        std::memcpy(plain->lines[y], source->At(0, y), bytes);
+    return {[=] {
+                for (u8*& line : plain->lines) {
+                    u8* const made = static_cast<u8*>(std::calloc(1, StrideOf(size)));
+                    std::memcpy(made, line, StrideOf(size));
+                    std::free(line);
+                    line = made;
+                }
+            },
+            [=]() -> std::string {
+                for (u32 y = 0; y < size.height; ++y)
+                    if (std::memcmp(plain->lines[y], source->At(0, y), bytes) != 0)
+                        return "row " + std::to_string(y) + " is no copy";
+                return {};
+            }};
 }
 
 void AddTakeFrom(Size size)

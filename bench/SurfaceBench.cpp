@@ -164,33 +164,14 @@ Picture PictureOf(const Image* image, Size size)
     return picture;
 }
 
-// Two levels a channel. Works in place, with the same work on what it has done before.
-Work MagickOrdered(Size size)
-{
-    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
-    const ImagePointer image = ImageOf(*source);
-    return {[=] {
-                ExceptionInfo exception;
-                GetExceptionInfo(&exception);
-                RandomChannelThresholdImage(image.get(), "all", "4x4", &exception);
-                DestroyExceptionInfo(&exception);
-            },
-            [=]() -> std::string {
-                const Picture drawn = PictureOf(image.get(), size);
-                if (std::any_of(drawn.bytes.begin(), drawn.bytes.end(),
-                                [](u8 byte) { return byte != 0 && byte != 255; }))
-                    return "a byte is neither 0 nor 255";
-                const f64 off = MeanGrey(drawn) - MeanGrey(*source);
-                return std::abs(off) > 16 ? "the brightness is off by " + std::to_string(off) : "";
-            }};
-}
-
-Work MagickGreys(Size size)
+// Both dithers work in place and see at once what they have dithered before: each run gets a copy.
+// Its pixels are copied when they are first written, within the time.
+Work MagickWork(Size size, void (*dither)(Image* image),
+                std::string (*fault)(const Picture& drawn, const Picture& source))
 {
     auto source = std::make_shared<Picture>(MakePicture(size, Seed));
     const ImagePointer color = ImageOf(*source);
     auto copy = std::make_shared<ImagePointer>();
-    // The pixels themselves are copied when they are first written, within the time.
     const auto take = [=] {
         ExceptionInfo exception;
         GetExceptionInfo(&exception);
@@ -199,17 +180,38 @@ Work MagickGreys(Size size)
     };
     take();
     Work work;
-    work.run = [=] {
-        QuantizeInfo info;
-        GetQuantizeInfo(&info);
-        info.number_colors = 4;
-        info.dither = MagickTrue;
-        info.colorspace = GRAYColorspace;
-        QuantizeImage(&info, copy->get());
-    };
-    work.fault = [=] { return FaultOfGreys(PictureOf(copy->get(), size), *source); };
+    work.run = [=] { dither(copy->get()); };
+    work.fault = [=] { return fault(PictureOf(copy->get(), size), *source); };
     work.between = take;
     return work;
+}
+
+void MagickOrdered(Image* image)
+{
+    ExceptionInfo exception;
+    GetExceptionInfo(&exception);
+    RandomChannelThresholdImage(image, "all", "4x4", &exception);
+    DestroyExceptionInfo(&exception);
+}
+
+// It leaves two levels a channel.
+std::string FaultOfMagickOrdered(const Picture& drawn, const Picture& source)
+{
+    if (std::any_of(drawn.bytes.begin(), drawn.bytes.end(),
+                    [](u8 byte) { return byte != 0 && byte != 255; }))
+        return "a byte is neither 0 nor 255";
+    const f64 off = MeanGrey(drawn) - MeanGrey(source);
+    return std::abs(off) > 16 ? "the brightness is off by " + std::to_string(off) : std::string();
+}
+
+void MagickGreys(Image* image)
+{
+    QuantizeInfo info;
+    GetQuantizeInfo(&info);
+    info.number_colors = 4;
+    info.dither = MagickTrue;
+    info.colorspace = GRAYColorspace;
+    QuantizeImage(&info, image);
 }
 #endif
 
@@ -226,7 +228,8 @@ void AddOrdered(Size size)
     AddOurs(name, [=] { return OurPresent(size, 24, 1, FaultOfOrdered); });
 #if defined(TAVRIX_BENCH_GRAPHICSMAGICK)
     AddPeer(
-        name, "graphicsmagick", [=] { return MagickOrdered(size); }, Clock::Process);
+        name, "graphicsmagick",
+        [=] { return MagickWork(size, MagickOrdered, FaultOfMagickOrdered); }, Clock::Process);
 #else
     AddMissing(name, "graphicsmagick", GraphicsMagickPackage);
 #endif
@@ -244,7 +247,8 @@ void AddGreys(Size size)
 #endif
 #if defined(TAVRIX_BENCH_GRAPHICSMAGICK)
     AddPeer(
-        name, "graphicsmagick", [=] { return MagickGreys(size); }, Clock::Process);
+        name, "graphicsmagick", [=] { return MagickWork(size, MagickGreys, FaultOfGreys); },
+        Clock::Process);
 #else
     AddMissing(name, "graphicsmagick", GraphicsMagickPackage);
 #endif

@@ -60,7 +60,7 @@ Contestant* Find(const std::string& benchmark)
 
 // The first run warms up caches and takes the pages of the target; it is also the one that is
 // looked at.
-void Time(benchmark::State& state, const std::string& name, const Prepare& prepare)
+void Measure(benchmark::State& state, const std::string& name, const Prepare& prepare)
 {
     static std::set<std::string> seen;
     const Work work = prepare();
@@ -95,7 +95,7 @@ void Add(const std::string& operation, const std::string& who, const Prepare& pr
     Enter(operation, who).clock = clock;
     const std::string name = operation + "/" + who;
     auto* const entry = benchmark::RegisterBenchmark(
-        name.c_str(), [name, prepare](benchmark::State& state) { Time(state, name, prepare); });
+        name.c_str(), [name, prepare](benchmark::State& state) { Measure(state, name, prepare); });
     entry->Unit(benchmark::kMicrosecond);
     if (clock == Clock::Process)
         entry->MeasureProcessCPUTime();
@@ -142,14 +142,14 @@ std::string Time(double seconds)
 std::string Rate(double seconds)
 {
     char text[32];
-    std::snprintf(text, sizeof(text), "%.4g k/s", 1e-3 / seconds);
+    std::snprintf(text, sizeof(text), seconds < 1e-5 ? "%.0f k/s" : "%.2f k/s", 1e-3 / seconds);
     return text;
 }
 
 std::string Figure(const Contestant& contestant)
 {
     if (!contestant.missing.empty())
-        return "not there (" + contestant.missing + ")";
+        return "not there";
     if (!contestant.fault.empty())
         return "WRONG";
     if (contestant.seconds == 0)
@@ -163,35 +163,44 @@ void PrintRow(const char* operation, const char* ours, const char* who, const ch
     std::printf("%-34s %12s   %-22s %12s %8s\n", operation, ours, who, theirs, ratio);
 }
 
-bool HasRun(const Contestant& contestant)
+void PrintOperation(const Operation& operation)
 {
-    return contestant.seconds != 0 || !contestant.fault.empty();
+    const Contestant& ours = operation.contestants.front();
+    for (const Contestant& other : operation.contestants) {
+        if (!other.fault.empty())
+            std::printf("WRONG: %s/%s: %s\n", operation.name.c_str(), other.who.c_str(),
+                        other.fault.c_str());
+        if (&other == &ours)
+            continue;
+        char ratio[32] = "";
+        if (ours.seconds != 0 && other.seconds != 0)
+            std::snprintf(ratio, sizeof(ratio), "%.2f", ours.seconds / other.seconds);
+        PrintRow(operation.name.c_str(), Figure(ours).c_str(), other.who.c_str(),
+                 Figure(other).c_str(), other.missing.empty() ? ratio : other.missing.c_str());
+    }
 }
 
+// Of the operations that the filter left; nothing where the benchmarks were only listed. False
+// when a contestant did not do what it should.
 bool PrintTable()
 {
+    bool isHeadPrinted = false;
     bool right = true;
-    std::printf(
-        "\nThe least disturbed repetition; a ratio above 1 means that ours takes longer.\n");
-    PrintRow("operation", "ours", "beside", "theirs", "ratio");
     for (const Operation& operation : Operations()) {
-        if (std::none_of(operation.contestants.begin(), operation.contestants.end(), HasRun))
-            continue;
-        const Contestant& ours = operation.contestants.front();
-        for (const Contestant& other : operation.contestants) {
-            if (!other.fault.empty()) {
-                std::printf("WRONG: %s/%s: %s\n", operation.name.c_str(), other.who.c_str(),
-                            other.fault.c_str());
-                right = false;
-            }
-            if (&other == &ours)
-                continue;
-            char ratio[32] = "";
-            if (ours.seconds != 0 && other.seconds != 0)
-                std::snprintf(ratio, sizeof(ratio), "%.2f", ours.seconds / other.seconds);
-            PrintRow(operation.name.c_str(), Figure(ours).c_str(), other.who.c_str(),
-                     Figure(other).c_str(), ratio);
+        bool ran = false;
+        for (const Contestant& contestant : operation.contestants) {
+            ran = ran || contestant.seconds != 0 || !contestant.fault.empty();
+            right = right && contestant.fault.empty();
         }
+        if (!ran)
+            continue;
+        if (!isHeadPrinted) {
+            std::printf("\nThe least disturbed repetition of each; a ratio above 1: ours takes "
+                        "longer.\n");
+            PrintRow("operation", "ours", "beside", "theirs", "ratio");
+            isHeadPrinted = true;
+        }
+        PrintOperation(operation);
     }
     return right;
 }
