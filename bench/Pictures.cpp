@@ -54,19 +54,6 @@ Picture MakePicture(Size size, u32 seed)
     return picture;
 }
 
-Picture MakeSmoothPicture(Size size)
-{
-    Picture picture(size);
-    for (u32 y = 0; y < size.height; ++y)
-        for (u32 x = 0; x < size.width; ++x) {
-            u8* const pixel = picture.At(x, y);
-            pixel[0] = static_cast<u8>(u64{x} * 255 / size.width);
-            pixel[1] = static_cast<u8>(u64{y} * 255 / size.height);
-            pixel[2] = static_cast<u8>((u64{x} + y) * 255 / (u64{size.width} + size.height));
-        }
-    return picture;
-}
-
 RasterPointer MakeRaster(Size size, u32 depth, const WCHAR* folder)
 {
     auto raster = std::make_shared<Raster>();

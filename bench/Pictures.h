@@ -53,8 +53,6 @@ struct Picture {
 
 /// Noise in every byte; the same for the same seed.
 Picture MakePicture(Size size, u32 seed);
-/// A picture without noise, whose neighbouring pixels differ by a few levels at most.
-Picture MakeSmoothPicture(Size size);
 
 using RasterPointer = std::shared_ptr<Raster>;
 

@@ -184,36 +184,59 @@ void AddCopy(const char* operation, Size size, Copy copy)
     AddLimit(name, size);
 }
 
-// Every byte must lie between the least and the greatest of the source pixels that its area
-// touches; the source is smooth, so that these are close together.
-std::string FaultOfAverage(const Picture& drawn, const Picture& source)
+// What part of an average falls to the source's pixel `at` along one side: the formula of
+// BoxScaleLine, in its 32 bits.
+u32 CoverOf(u32 at, u32 target, u32 from, u32 to)
+{
+    const u32 unit = (to << 10) / from;
+    const u32 step = (from << 16) / to;
+    const u32 first = (step * target) >> 16;
+    const u32 last = (step * (target + 1)) >> 16;
+    if (at < first || at > last || at >= from)
+        return 0;
+    if (at == first)
+        return (first + 1) * unit - ((first * unit) & ~0x3FFu);
+    return at == last ? (target + 1) * 1024 - last * unit : unit;
+}
+
+// Every pixel of an area counts alike.
+u32 EvenCoverOf(u32 at, u32 target, u32 from, u32 to)
+{
+    return at < from && at / (from / to) == target ? 1024 : 0;
+}
+
+std::string FaultOfAverage(const Picture& drawn, const Picture& source,
+                           u32 (*cover)(u32 at, u32 target, u32 from, u32 to), int tolerance)
 {
     const Size from = source.size;
     const Size to = drawn.size;
-    for (u32 y = 0; y < to.height; ++y)
-        for (u32 x = 0; x < to.width; ++x)
-            for (u32 i = 0; i < 3; ++i) {
-                u8 least = 255;
-                u8 greatest = 0;
-                const u32 bottom = std::min((y + 1) * from.height / to.height, from.height - 1);
-                const u32 right = std::min((x + 1) * from.width / to.width, from.width - 1);
-                for (u32 row = y * from.height / to.height; row <= bottom; ++row)
-                    for (u32 column = x * from.width / to.width; column <= right; ++column) {
-                        least = std::min(least, source.At(column, row)[i]);
-                        greatest = std::max(greatest, source.At(column, row)[i]);
-                    }
-                const u8 got = drawn.At(x, y)[i];
-                if (got < least || got > greatest)
-                    return "pixel " + std::to_string(x) + "," + std::to_string(y) + " has " +
-                           std::to_string(got) + " outside " + std::to_string(least) + " to " +
-                           std::to_string(greatest);
-            }
-    return {};
+    return DifferenceFrom(
+        drawn,
+        [&](u32 x, u32 y, u8* pixel) {
+            u32 sums[3] = {};
+            u32 weights = 0;
+            const u32 left = x * from.width / to.width;
+            const u32 top = y * from.height / to.height;
+            for (u32 row = top; row <= std::min(top + from.height / to.height, from.height - 1);
+                 ++row)
+                for (u32 column = left;
+                     column <= std::min(left + from.width / to.width, from.width - 1); ++column) {
+                    const u32 weight = cover(column, x, from.width, to.width) *
+                                           cover(row, y, from.height, to.height) >>
+                                       4;
+                    weights += weight;
+                    for (u32 i = 0; i < 3; ++i)
+                        sums[i] += weight * source.At(column, row)[i];
+                }
+            for (u32 i = 0; i < 3; ++i)
+                pixel[i] = static_cast<u8>(sums[i] / weights);
+        },
+        tolerance);
 }
 
 Work OurBoxByRows(Size from, Size to)
 {
-    auto source = std::make_shared<Picture>(MakeSmoothPicture(from));
+    auto source = std::make_shared<Picture>(MakePicture(from, Seed));
     RasterPointer raster = MakeRaster(*source);
     auto drawn = std::make_shared<Picture>(to);
     return {[=] {
@@ -221,12 +244,12 @@ Work OurBoxByRows(Size from, Size to)
                     (void)raster->BoxScaleLine(drawn->At(0, y), y, to.height, to.width);
                 raster->UnlockAll();
             },
-            [=] { return FaultOfAverage(*drawn, *source); }};
+            [=] { return FaultOfAverage(*drawn, *source, CoverOf, 0); }};
 }
 
 Work OurBoxByScaleTo(Size from, Size to)
 {
-    auto source = std::make_shared<Picture>(MakeSmoothPicture(from));
+    auto source = std::make_shared<Picture>(MakePicture(from, Seed));
     RasterPointer raster = MakeRaster(*source);
     RasterPointer target = MakeRaster(to, 24);
     return {[=] {
@@ -234,17 +257,17 @@ Work OurBoxByScaleTo(Size from, Size to)
                 raster->UnlockAll();
                 target->UnlockAll();
             },
-            [=] { return FaultOfAverage(PictureOf(*target), *source); }};
+            [=] { return FaultOfAverage(PictureOf(*target), *source, CoverOf, 0); }};
 }
 
 #if defined(TAVRIX_BENCH_OPENCV)
 Work OpenCvBox(Size from, Size to)
 {
-    auto source = std::make_shared<Picture>(MakeSmoothPicture(from));
+    auto source = std::make_shared<Picture>(MakePicture(from, Seed));
     const cv::Mat read = MatOf(*source);
     const cv::Mat written(static_cast<int>(to.height), static_cast<int>(to.width), CV_8UC3);
     return {[=] { cv::resize(read, written, written.size(), 0, 0, cv::INTER_AREA); },
-            [=] { return FaultOfAverage(PictureOf(written), *source); }};
+            [=] { return FaultOfAverage(PictureOf(written), *source, EvenCoverOf, 1); }};
 }
 #endif
 
