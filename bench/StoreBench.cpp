@@ -229,11 +229,9 @@ Work HostPaging(Size size)
 void AddPaging(Size size)
 {
     const std::string name = "Paging/out-and-in/" + Name(size);
-    AddOurs(
-        name, [=] { return OurPaging(size); }, Clock::Host);
-    AddPeer(
-        name, "host-files", [=] { return HostPaging(size); }, Clock::Host);
-    AddLimit(name, size.height, StrideOf(size), 1, Clock::Host);
+    AddOurs(name, [=] { return OurPaging(size); });
+    AddPeer(name, "host-files", [=] { return HostPaging(size); });
+    AddLimit(name, size.height, StrideOf(size));
 }
 
 } // namespace

@@ -99,8 +99,6 @@ void Add(const std::string& operation, const std::string& who, const Prepare& pr
     entry->Unit(benchmark::kMicrosecond);
     if (clock == Clock::Process)
         entry->MeasureProcessCPUTime();
-    if (clock == Clock::Host)
-        entry->UseRealTime();
 }
 
 // Prints as usual and keeps, of several repetitions, the one that was disturbed least.
@@ -116,9 +114,8 @@ public:
             Contestant* const contestant = Find(run.run_name.function_name);
             if (contestant == nullptr)
                 continue;
-            const double total = contestant->clock == Clock::Host ? run.real_accumulated_time
-                                                                  : run.cpu_accumulated_time;
-            const double seconds = total / static_cast<double>(run.iterations) / contestant->items;
+            const double seconds =
+                run.cpu_accumulated_time / static_cast<double>(run.iterations) / contestant->items;
             if (contestant->seconds == 0 || seconds < contestant->seconds)
                 contestant->seconds = seconds;
         }
@@ -222,7 +219,7 @@ void AddMissing(const std::string& operation, const std::string& who, const std:
     Enter(operation, who).missing = package;
 }
 
-void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items, Clock clock)
+void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items)
 {
     const Prepare prepare = [rows, bytes, items] {
         // Rasters, so that the lines lie in memory just as those that the operation works on.
@@ -251,7 +248,7 @@ void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items, C
         };
         return work;
     };
-    Add(operation, "limit", prepare, clock);
+    Add(operation, "limit", prepare, Clock::Thread);
 }
 
 void AddLimit(const std::string& operation, Size size)

@@ -22,9 +22,9 @@ struct Work {
     u32 items = 1;                      // of which one run does as many
 };
 
-/// Which time counts. The thread's own leaves out what other programs take; Process adds the
-/// threads that a library starts; Host is time on the wall, which includes waiting for the disk.
-enum class Clock { Thread, Process, Host };
+/// Which time counts: the thread's own, with the kernel's work for it, which leaves out what other
+/// programs take and waiting for the disk; Process adds the threads that a library starts.
+enum class Clock { Thread, Process };
 
 using Prepare = std::function<Work()>;
 
@@ -37,8 +37,7 @@ void AddPeer(const std::string& operation, const std::string& who, Prepare prepa
 void AddMissing(const std::string& operation, const std::string& who, const std::string& package);
 /// The copy limit: `rows` rows of `bytes` bytes, each in a block of its own like our lines, copied
 /// one by one to others.
-void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items = 1,
-              Clock clock = Clock::Thread);
+void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items = 1);
 /// The copy limit of a whole picture of 24 bits.
 void AddLimit(const std::string& operation, Size size);
 
