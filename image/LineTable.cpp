@@ -1,7 +1,15 @@
 #include "image/LineTable.h"
 
+#include <algorithm>
 #include <new>
 #include <string.h>
+
+namespace
+{
+
+constexpr u32 FirstPlaces = 16;
+
+} // namespace
 
 LineTable::LineTable(Allocator* given)
     : tableCreated(0), tableWidth(0), lineCount(0), depth(0), stride(0), colorCount(0),
@@ -169,6 +177,12 @@ i32 LineTable::GetLineSlot(u32 index, u8*** slot) const
     return Done;
 }
 
+// Line by line, each move would rebuild both tables. Here that is done once for a portion of lines,
+// and what comes of it is the same: lines enter and leave in the same order, each block is given
+// back before the next one is taken, and a line that finds no memory ends the work with the same
+// lines on either side. Nor does it run short earlier: a portion's spare places are a fraction of
+// the second table that each rebuilding of the larger side holds for a moment. Without memory for
+// a portion its first line goes by itself.
 i32 LineTable::TakeFrom(LineTable* source)
 {
     if (source == nullptr || source == this)
@@ -176,29 +190,55 @@ i32 LineTable::TakeFrom(LineTable* source)
     i32 status = Create(source->tableWidth, 0, source->depth);
     if (status < 0)
         return status;
+    const u32 portion = source->lineCount / TakenInPortions;
     while (source->lineCount > 0) {
-        status = InsertLines(0, 1);
-        if (status < 0)
-            return status;
-        memcpy(lines[0], source->lines[source->lineCount - 1], stride);
-        status = source->DeleteLines(-1, 1);
+        const u32 count = portion < source->lineCount ? portion : source->lineCount;
+        LineRun run;
+        if (count > 1 && OpenPlaces(&run, count) > 0)
+            status = TakePortion(source, &run);
+        else
+            status = TakeLastLine(source);
         if (status < 0)
             return status;
     }
     return Done;
 }
 
-i32 LineTable::BeginRun(LineRun* run, u32 places)
+i32 LineTable::TakeLastLine(LineTable* source)
 {
-    *run = {};
-    const u64 newCount = u64{lineCount} + places;
-    run->table = static_cast<u8**>(TakeBlock(newCount * sizeof(u8*)));
-    if (run->table == nullptr)
+    const i32 status = InsertLines(0, 1);
+    if (status < 0)
+        return status;
+    memcpy(lines[0], source->lines[source->lineCount - 1], stride);
+    return source->DeleteLines(-1, 1);
+}
+
+i32 LineTable::TakePortion(LineTable* source, LineRun* run)
+{
+    i32 status = Done;
+    while (run->free > 0) {
+        status = EnterLine(run);
+        if (status < 0)
+            break;
+        u8* const line = source->lines[--source->lineCount];
+        memcpy(lines[0], line, stride);
+        source->GiveBlock(line);
+    }
+    ClosePlaces(run);
+    source->TrimTable();
+    return status;
+}
+
+i32 LineTable::OpenPlaces(LineRun* run, u32 places)
+{
+    u8** const table = static_cast<u8**>(TakeBlock((u64{lineCount} + places) * sizeof(u8*)));
+    if (table == nullptr)
         return NoMemory;
-    run->places = places;
-    run->free = places;
     for (u32 i = 0; i < lineCount; ++i)
-        run->table[places + i] = lines[i];
+        table[places + i] = lines[i];
+    GiveBlock(lines);
+    lines = table + places;
+    run->free = places;
     return Done;
 }
 
@@ -207,32 +247,45 @@ i32 LineTable::EnterLine(LineRun* run)
     u8* const line = static_cast<u8*>(TakeBlock(stride));
     if (line == nullptr)
         return NoMemory;
-    run->table[--run->free] = line;
+    *--lines = line;
+    --run->free;
+    ++lineCount;
     return Done;
 }
 
-void LineTable::EndRun(LineRun* run)
+// The table doubles at most, but for the first few places: then it takes no more than the two
+// tables that a rebuilding for this line alone would hold while it takes the line's block, and a
+// block is refused only where it would be refused there. Without memory for the places this line's
+// rebuilding is done after all.
+i32 LineTable::EnterOneOf(LineRun* run, u32 left)
 {
-    const u32 entered = run->places - run->free;
-    u8** table = run->table;
-    run->table = nullptr;
-    if (entered == 0) {
-        GiveBlock(table);
+    if (run->free == 0) {
+        const u32 places = std::min(left, std::max(lineCount + 1, FirstPlaces));
+        if (places < 2 || OpenPlaces(run, places) < 0)
+            return InsertLines(0, 1);
+    }
+    return EnterLine(run);
+}
+
+void LineTable::ClosePlaces(LineRun* run)
+{
+    if (run->free == 0)
         return;
-    }
-    const u32 newCount = lineCount + entered;
-    if (run->free > 0) {
-        u8** const exact = static_cast<u8**>(TakeBlock(u64{newCount} * sizeof(u8*)));
-        // Without memory for the exact table the run's own serves, with its entries moved down.
-        u8** const target = exact != nullptr ? exact : table;
-        memmove(target, table + run->free, size_t{newCount} * sizeof(u8*));
-        if (exact != nullptr)
-            GiveBlock(table);
-        table = target;
-    }
+    u8** const block = lines - run->free;
+    memmove(block, lines, size_t{lineCount} * sizeof(u8*));
+    lines = block;
+    run->free = 0;
+    TrimTable();
+}
+
+void LineTable::TrimTable()
+{
+    u8** const exact = static_cast<u8**>(TakeBlock(u64{lineCount} * sizeof(u8*)));
+    if (exact == nullptr)
+        return;
+    memcpy(exact, lines, size_t{lineCount} * sizeof(u8*));
     GiveBlock(lines);
-    lines = table;
-    lineCount = newCount;
+    lines = exact;
 }
 
 void* LineTable::TakeBlock(u64 bytes)

@@ -54,19 +54,29 @@ public:
     [[nodiscard]] i32 TakeFrom(LineTable* source);
 
 protected:
-    /// Several blank lines that enter one after the other at physical index 0, with the table built
-    /// once for all of them. Between BeginRun and EndRun the old table stays in force.
+    /// Places before the table's first entry, for lines that enter at physical index 0 one after
+    /// the other without a rebuilding for each. While places are free, only EnterLine and
+    /// ClosePlaces may change the table.
     struct LineRun {
-        u8** table;
-        u32 places; // for new lines, before the old ones
-        u32 free;   // places not yet taken; they are filled from the last
+        u32 free = 0;
     };
-    /// NoMemory, with nothing changed.
-    [[nodiscard]] i32 BeginRun(LineRun* run, u32 places);
-    /// Makes one more line, zero-filled. NoMemory.
+    /// Rebuilds the table with `places` free ones; none may be free before. NoMemory, with nothing
+    /// changed.
+    [[nodiscard]] i32 OpenPlaces(LineRun* run, u32 places);
+    /// Makes one more line, zero-filled, in a free place. NoMemory.
     [[nodiscard]] i32 EnterLine(LineRun* run);
-    /// Puts the lines that entered in force, in a table of exactly their number.
-    void EndRun(LineRun* run);
+    /// As EnterLine for the first of `left` lines that are to come; opens places where none is
+    /// free.
+    [[nodiscard]] i32 EnterOneOf(LineRun* run, u32 left);
+    /// Gives back the places that are still free.
+    void ClosePlaces(LineRun* run);
+    /// Rebuilds a table whose block is larger than its entries at their number. Without memory for
+    /// that the block stays.
+    void TrimTable();
+
+    /// TakeFrom, here and in Raster, rebuilds tables that many times in place of once a line: each
+    /// time by this part of all lines.
+    enum : u32 { TakenInPortions = 16 };
 
     /// A zero-filled block, or null: no memory, no allocator, or more than 32 bits of bytes.
     [[nodiscard]] void* TakeBlock(u64 bytes);
@@ -76,6 +86,11 @@ protected:
     /// that is still below zero comes out beyond every count.
     [[nodiscard]] static u32 IndexOf(i32 line, u32 count);
 
+private:
+    [[nodiscard]] i32 TakeLastLine(LineTable* source);
+    [[nodiscard]] i32 TakePortion(LineTable* source, LineRun* run);
+
+protected:
     i32 tableCreated;
     u32 tableWidth;
     u32 lineCount;

@@ -84,45 +84,6 @@ void Raster::Reset()
     LineTable::Clear();
 }
 
-i32 Raster::TakeFrom(Raster* source)
-{
-    if (source == nullptr || source == this)
-        return BadArgument;
-    RasterInfo from = {};
-    from.size = sizeof(from);
-    (void)source->GetInfo(&from);
-    SwapDirs folders = {};
-    (void)source->GetSwapDirs(&folders);
-    i32 status = Create(from.width, 0, from.depth, folders.primary, folders.secondary);
-    if (status < 0)
-        return status;
-    for (u32 i = 0; i < from.height; ++i) {
-        const i32 line = static_cast<i32>(i);
-        u8* target = nullptr;
-        u8* moved = nullptr;
-        status = InsertLines(line, nullptr);
-        if (status < 0)
-            return status;
-        status = LockLines(line, &target, nullptr);
-        if (status < 0)
-            return status;
-        status = source->LockLines(0, &moved, nullptr);
-        if (status < 0)
-            return status;
-        if (target != nullptr && moved != nullptr)
-            memcpy(target, moved, stride);
-        // Removing the source's only line does nothing, so its last line is copied and stays.
-        (void)source->RemoveLines(0, nullptr);
-        // The line is the last one so far, which this release leaves locked: what has been taken
-        // over stays in memory until UnlockAll.
-        (void)ReleaseLines(line, 1, 0);
-    }
-    if (palette == nullptr || source->palette == nullptr)
-        return NoMemory;
-    status = palette->CopyFrom(source->palette);
-    return status < 0 ? status : Done;
-}
-
 i32 Raster::FlipVertical()
 {
     if (!created)

@@ -176,18 +176,32 @@ private:
 
     [[nodiscard]] i32 CopyFolder(const WCHAR* folder, WCHAR** out);
     [[nodiscard]] i32 TakeRecords(u64 count, Records* out);
+    void GiveRecords(Records* taken);
     void CopyRecords(const Records& target, u32 to, u32 from, u32 count) const;
     void InstallRecords(const Records& made, u32 count);
     void DropRecordsFrom(u32 line);
+
+    [[nodiscard]] i32 TakeLine(Raster* source, u32 line);
+    [[nodiscard]] i32 TakePortion(Raster* source, u32 count, u32* taken);
+    [[nodiscard]] i32 OpenPortion(LineRun* run, u32 count);
+    void ClosePortion(LineRun* run, u32 room);
+    [[nodiscard]] i32 MakePinnedLine(LineRun* run, u32 line);
+    [[nodiscard]] i32 HandOutLine(u32 line, u8* target);
+    bool HasVictimBehind(u32 line, u32* end) const;
+    bool IsConsistent();
+    void DropHandedOut(u32 count);
+    void CloseGaps(u32 first);
 
     [[nodiscard]] i32 FillNewLines(u32 first, u32 count);
     void DropPhysicalLine(uintptr_t physical, u32 removedFrom, u32 removedCount);
 
     [[nodiscard]] i32 NameFile(u32 line, const WCHAR* folder, HANDLE* file);
     [[nodiscard]] i32 MakeLineFile(u32 line, HANDLE* file);
+    [[nodiscard]] i32 MakeBlankFile(u32 line);
     [[nodiscard]] bool WriteLineFile(HANDLE file, uintptr_t physical);
     void DropName(u32 line);
     void DeleteLineFile(u32 line);
+    void ReadLineFile(u32 line, u8* bytes);
     i32 SwapOutLine(u32 line);
     i32 SwapInLine(u32 line);
     i64 PickVictim(u32 line) const;

@@ -13,11 +13,16 @@ i32 Raster::TakeRecords(u64 count, Records* out)
     out->lineRef = static_cast<uintptr_t*>(TakeBlock(count * sizeof(uintptr_t)));
     if (out->swapped != nullptr && out->locked != nullptr && out->lineRef != nullptr)
         return Done;
-    GiveBlock(out->swapped);
-    GiveBlock(out->locked);
-    GiveBlock(out->lineRef);
-    *out = {};
+    GiveRecords(out);
     return NoMemory;
+}
+
+void Raster::GiveRecords(Records* taken)
+{
+    GiveBlock(taken->swapped);
+    GiveBlock(taken->locked);
+    GiveBlock(taken->lineRef);
+    *taken = {};
 }
 
 void Raster::CopyRecords(const Records& target, u32 to, u32 from, u32 count) const
@@ -26,16 +31,15 @@ void Raster::CopyRecords(const Records& target, u32 to, u32 from, u32 count) con
         return;
     if (count > records - from)
         count = records - from;
-    memcpy(target.swapped + to, swapped + from, size_t{count} * sizeof(u32));
-    memcpy(target.locked + to, locked + from, size_t{count} * sizeof(u32));
-    memcpy(target.lineRef + to, lineRef + from, size_t{count} * sizeof(uintptr_t));
+    memmove(target.swapped + to, swapped + from, size_t{count} * sizeof(u32));
+    memmove(target.locked + to, locked + from, size_t{count} * sizeof(u32));
+    memmove(target.lineRef + to, lineRef + from, size_t{count} * sizeof(uintptr_t));
 }
 
 void Raster::InstallRecords(const Records& made, u32 count)
 {
-    GiveBlock(swapped);
-    GiveBlock(locked);
-    GiveBlock(lineRef);
+    Records old = {swapped, lineRef, locked};
+    GiveRecords(&old);
     swapped = made.swapped;
     locked = made.locked;
     lineRef = made.lineRef;
@@ -79,51 +83,32 @@ i32 Raster::InsertLines(i32 at, u32* count)
 //
 // Line by line, each would enter at physical index 0 and raise the reference of every line in
 // memory by 1, with the table built anew each time: quadratic in the height. Here the table is
-// built once, and the references are raised once, by the number of lines that entered. The outcome
-// is the same: the k-th of n lines that enter ends with n - 1 - k later ones before it, a line that
-// was there has n before it, and a new line that was not reached when a step failed has had n times
-// 1 added to its 0. Each line still asks the gauge and takes its block in order, so that a failure
-// ends the work at the same line with the same result. Without memory for the one table the lines
-// enter singly, as far as they get.
+// built ahead for several, and the references are raised once, by the number of lines that entered.
+// The outcome is the same: the k-th of n lines that enter ends with n - 1 - k later ones before it,
+// a line that was there has n before it, and a new line that was not reached when a step failed has
+// had n times 1 added to its 0. Each line still asks the gauge and takes its block in order, so
+// that a failure ends the work at the same line with the same result.
 i32 Raster::FillNewLines(u32 first, u32 count)
 {
     const u32 end = first + count;
-    LineRun run = {};
+    LineRun run;
     u32 entered = 0;
     i32 status = Done;
     u32 line = first;
     for (; line < end; ++line) {
         lineRef[line] = entered;
         if (MemoryGauge::HasRoomFor(info.stride) > 0) {
-            if (run.table == nullptr && BeginRun(&run, end - line) < 0 && BeginRun(&run, 1) < 0) {
-                status = NoMemory;
-                break;
-            }
-            status = EnterLine(&run);
+            status = EnterOneOf(&run, end - line);
             if (status < 0)
                 break;
             ++entered;
-            if (run.free == 0)
-                EndRun(&run);
         } else {
-            if (primaryDir == nullptr) {
-                status = Failed;
+            status = MakeBlankFile(line);
+            if (status < 0)
                 break;
-            }
-            HANDLE file = INVALID_HANDLE_VALUE;
-            status = MakeLineFile(line, &file);
-            // Failed: the second folder took no file either. That goes unnoticed here: the line has
-            // a name with no file behind it and will read as blank, as one with an empty file does.
-            if (status < 0 && status != Failed)
-                break;
-            if (status > 0)
-                ::CloseHandle(file);
-            status = Done;
-            swapped[line] = 1;
         }
     }
-    if (run.table != nullptr)
-        EndRun(&run);
+    ClosePlaces(&run);
     for (u32 i = 0; i < records; ++i) {
         if (swapped[i])
             continue;

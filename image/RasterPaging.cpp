@@ -50,6 +50,23 @@ i32 Raster::MakeLineFile(u32 line, HANDLE* file)
     return NameFile(line, secondaryDir, file);
 }
 
+// Puts a new line into an empty file. Failed without a folder; NoMemory; NoStorage.
+i32 Raster::MakeBlankFile(u32 line)
+{
+    if (primaryDir == nullptr)
+        return Failed;
+    HANDLE file = INVALID_HANDLE_VALUE;
+    const i32 status = MakeLineFile(line, &file);
+    // Failed: the second folder took no file either. That goes unnoticed here: the line has a name
+    // with no file behind it and will read as blank, as one with an empty file does.
+    if (status < 0 && status != Failed)
+        return status;
+    if (status > 0)
+        ::CloseHandle(file);
+    swapped[line] = 1;
+    return Done;
+}
+
 // Writes a physical line and closes the file. False when it came up short. A physical line that
 // does not exist has nothing to write.
 bool Raster::WriteLineFile(HANDLE file, uintptr_t physical)
@@ -129,6 +146,13 @@ i32 Raster::SwapInLine(u32 line)
     for (u32 i = 0; i < records; ++i)
         if (!swapped[i])
             ++lineRef[i];
+    ReadLineFile(line, lines[0]);
+    return Done;
+}
+
+// Reads a line's file into its new block and deletes it. The line has no reference then.
+void Raster::ReadLineFile(u32 line, u8* bytes)
+{
     const HANDLE file =
         ::CreateFileW(reinterpret_cast<const WCHAR*>(lineRef[line]), GENERIC_READ, FILE_SHARE_READ,
                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -136,12 +160,11 @@ i32 Raster::SwapInLine(u32 line)
         // A short or failed read leaves the zeros of the new line: a file that was never filled is
         // a blank line.
         DWORD got = 0;
-        ::ReadFile(file, lines[0], info.stride, &got, nullptr);
+        ::ReadFile(file, bytes, info.stride, &got, nullptr);
         ::CloseHandle(file);
     }
     swapped[line] = 0;
     DeleteLineFile(line);
-    return Done;
 }
 
 // The resident, unpinned line farthest from `line`, the lower one of two at the same distance:
