@@ -194,7 +194,7 @@ i32 LineTable::TakeFrom(LineTable* source)
     while (source->lineCount > 0) {
         const u32 count = portion < source->lineCount ? portion : source->lineCount;
         LineRun run;
-        if (count > 1 && OpenPlaces(&run, count) > 0)
+        if (portion > 1 && OpenPlaces(&run, count) > 0)
             status = TakePortion(source, &run);
         else
             status = TakeLastLine(source);

@@ -182,11 +182,12 @@ private:
     void DropRecordsFrom(u32 line);
 
     [[nodiscard]] i32 TakeLine(Raster* source, u32 line);
+    [[nodiscard]] i32 MoveFirstLine(u8* target);
     [[nodiscard]] i32 TakePortion(Raster* source, u32 count, u32* taken);
     [[nodiscard]] i32 OpenPortion(LineRun* run, u32 count);
     void ClosePortion(LineRun* run, u32 room);
     [[nodiscard]] i32 MakePinnedLine(LineRun* run, u32 line);
-    [[nodiscard]] i32 HandOutLine(u32 line, u8* target);
+    [[nodiscard]] i32 HandOutLine(u32 line, u8* target, u32* victims);
     bool HasVictimBehind(u32 line, u32* end) const;
     bool IsConsistent();
     void DropHandedOut(u32 count);

@@ -17,8 +17,7 @@
 // references, as the plain road leaves them. Nor does it run short earlier: a portion's spare
 // places are a fraction of the second records and table that each rebuilding of the larger raster
 // holds for a moment. Where a portion cannot be had its first line goes the plain road; so does a
-// line whose reading in would put others of the source out, and the source's last line, which
-// stays.
+// line whose reading in puts others of the source out, and the source's last line, which stays.
 i32 Raster::TakeFrom(Raster* source)
 {
     if (source == nullptr || source == this)
@@ -34,9 +33,10 @@ i32 Raster::TakeFrom(Raster* source)
     const u32 portion = from.height / TakenInPortions;
     for (u32 line = 0; line < from.height;) {
         const u32 removable = from.height - 1 - line;
-        const u32 count = portion < removable ? portion : removable;
         u32 taken = 0;
-        status = count > 1 ? TakePortion(source, count, &taken) : Done;
+        status = Done;
+        if (portion > 1 && removable > 0)
+            status = TakePortion(source, portion < removable ? portion : removable, &taken);
         if (status > 0 && taken == 0) {
             status = TakeLine(source, line);
             taken = 1;
@@ -55,23 +55,31 @@ i32 Raster::TakeLine(Raster* source, u32 index)
 {
     const i32 line = static_cast<i32>(index);
     u8* target = nullptr;
-    u8* moved = nullptr;
     i32 status = InsertLines(line, nullptr);
     if (status < 0)
         return status;
     status = LockLines(line, &target, nullptr);
     if (status < 0)
         return status;
-    status = source->LockLines(0, &moved, nullptr);
+    status = source->MoveFirstLine(target);
+    if (status < 0)
+        return status;
+    // The line is the last one so far, which this release leaves locked: what has been taken over
+    // stays in memory until UnlockAll.
+    (void)ReleaseLines(line, 1, 0);
+    return Done;
+}
+
+i32 Raster::MoveFirstLine(u8* target)
+{
+    u8* moved = nullptr;
+    const i32 status = LockLines(0, &moved, nullptr);
     if (status < 0)
         return status;
     if (target != nullptr && moved != nullptr)
         memcpy(target, moved, stride);
-    // Removing the source's only line does nothing, so its last line is copied and stays.
-    (void)source->RemoveLines(0, nullptr);
-    // The line is the last one so far, which this release leaves locked: what has been taken over
-    // stays in memory until UnlockAll.
-    (void)ReleaseLines(line, 1, 0);
+    // Removing the only line does nothing, so the last line is copied and stays.
+    (void)RemoveLines(0, nullptr);
     return Done;
 }
 
@@ -88,18 +96,20 @@ i32 Raster::TakePortion(Raster* source, u32 count, u32* taken)
     u32 done = 0;
     i32 status = Done;
     for (; done < count; ++done) {
-        if (source->swapped[done] && MemoryGauge::HasRoomFor(info.stride) < 1 &&
-            source->HasVictimBehind(done, &victims))
-            break;
         status = MakePinnedLine(&run, start + done);
         if (status < 0)
             break;
-        status = source->HandOutLine(done, lines[0]);
-        if (status < 0)
+        status = source->HandOutLine(done, lines[0], &victims);
+        if (status < Done)
             break;
     }
     ClosePortion(&run, start + count);
     source->DropHandedOut(done);
+    if (status == NothingDone) {
+        status = source->MoveFirstLine(lines[0]);
+        if (status > 0)
+            ++done;
+    }
     *taken = done;
     return status;
 }
@@ -155,11 +165,14 @@ i32 Raster::MakePinnedLine(LineRun* run, u32 line)
 }
 
 // Copies a line out and frees its block, which leaves a gap in the table. A line in a file gets a
-// block that never enters the table.
-i32 Raster::HandOutLine(u32 line, u8* target)
+// block that never enters the table. NothingDone where other lines have to go out for it first; for
+// `victims` see HasVictimBehind.
+i32 Raster::HandOutLine(u32 line, u8* target, u32* victims)
 {
     u8* block = nullptr;
     if (swapped[line]) {
+        if (MemoryGauge::HasRoomFor(info.stride) < 1 && HasVictimBehind(line, victims))
+            return NothingDone;
         block = static_cast<u8*>(TakeBlock(info.stride));
         if (block == nullptr)
             return NoMemory;
