@@ -107,8 +107,7 @@ i32 Raster::TakePortion(Raster* source, u32 count, u32* taken)
     source->DropHandedOut(done);
     if (status == NothingDone) {
         status = source->MoveFirstLine(lines[0]);
-        if (status > 0)
-            ++done;
+        ++done;
     }
     *taken = done;
     return status;
