@@ -1,7 +1,7 @@
-#include "Rasters.h"
+// Copies between rasters: the formula written out, the paths of different depths, runs that
+// overlap, lines that do not come.
 
-#include <algorithm>
-#include <random>
+#include "CopySweep.h"
 
 namespace
 {
@@ -10,111 +10,43 @@ using CopyTo = PagingTest;
 
 constexpr u32 Copy = 0xCC0020;
 
-/// Whole steps of 3 or 4 bytes in a row.
-i64 Whole(const Plain& picture)
-{
-    return static_cast<i64>(picture.rows.empty() ? 0 : picture.rows[0].size()) /
-           (picture.depth == 24 ? 3 : 4);
-}
-
-/// The copy, step by step as it is told.
-i32 Copied(const Plain& source, Plain& target, i64 x, i64 y, i64 width, i64 height, i64 dx, i64 dy,
-           u32 operation)
-{
-    const bool color = source.depth == 24 || source.depth == 32;
-    const bool targetColor = target.depth == 24 || target.depth == 32;
-    if (!color && !targetColor)
-        return -1;
-    if (x < 0) {
-        dx -= x;
-        x = 0;
-    }
-    if (y < 0) {
-        dy -= y;
-        y = 0;
-    }
-    if (dx < 0) {
-        width += dx;
-        x -= dx;
-        dx = 0;
-    }
-    if (dy < 0) {
-        height += dy;
-        y -= dy;
-        dy = 0;
-    }
-    if (x >= source.width || y >= source.height || dx >= target.width || dy >= target.height)
-        return 1;
-    if (width > source.width - x)
-        width = source.width - x;
-    if (width > target.width - dx)
-        width = target.width - dx;
-    if (height > source.height - y)
-        height = source.height - y;
-    if (height > target.height - dy)
-        height = target.height - dy;
-    if (operation != Copy)
-        return -1;
-    for (i64 j = 0; j < height; ++j) {
-        const auto& from = source.rows[static_cast<size_t>(y + j)];
-        auto& into = target.rows[static_cast<size_t>(dy + j)];
-        for (i64 i = 0; i < width; ++i) {
-            if (source.depth == 32 && target.depth == 32) {
-                into[static_cast<size_t>(dx + i)] = from[static_cast<size_t>(x + i)];
-                continue;
-            }
-            if (x + i >= Whole(source) || dx + i >= Whole(target))
-                break;
-            for (i64 k = 0; k < 3; ++k)
-                into[static_cast<size_t>((dx + i) * (target.depth == 24 ? 3 : 4) + k)] =
-                    from[static_cast<size_t>((x + i) * (source.depth == 24 ? 3 : 4) + k)];
-        }
-    }
-    return 1;
-}
+const Copying Copies = {[](Raster& source, const CopyRun& run, Raster& target, u32 draw) {
+                            return source.CopyTo(run.x, run.y, run.width, run.height, &target,
+                                                 run.targetX, run.targetY,
+                                                 draw % 16 == 1 ? 0x42u : Copy);
+                        },
+                        [](PlainRaster& source, const CopyRun& run, PlainRaster& target, u32 draw) {
+                            return PlainCopyTo(source, run, &target, draw % 16 == 1 ? 0x42u : Copy);
+                        }};
 
 } // namespace
 
-TEST_F(CopyTo, FollowsItsStepsAtEveryDepthAndOnEverySide)
+TEST_F(CopyTo, EqualsItsFormulaEverywhere)
 {
-    std::mt19937 random(1);
-    const auto between = [&random](i32 low, i32 high) {
-        return low + static_cast<i32>(random() % static_cast<u32>(high - low + 1));
-    };
-    for (const bool pages : {false, true})
-        for (u32 width = 1; width <= 33; ++width)
-            for (u32 depth : {8u, 16u, 24u, 32u})
-                for (u32 targetDepth : {8u, 16u, 24u, 32u}) {
-                    const Paging paging = pages ? Paging::Under : Paging::None;
-                    Raster source;
-                    Raster target;
-                    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, width, 6, depth, width, paging));
-                    ASSERT_NO_FATAL_FAILURE(
-                        MakeRaster(target, 17, 5, targetDepth, width + 100, paging));
-                    const Plain from = PlainOf(source);
-                    Plain expected = PlainOf(target);
-                    for (int round = 0; round < (pages ? 2 : 12); ++round) {
-                        const i32 x = between(-8, 36);
-                        const i32 y = between(-4, 8);
-                        const i32 across = between(-2, 40);
-                        const i32 down = between(-2, 9);
-                        const i32 dx = between(-8, 20);
-                        const i32 dy = between(-4, 7);
-                        const u32 operation = between(0, 19) == 0 ? 0x42 : Copy;
-                        const i32 told =
-                            Copied(from, expected, x, y, across, down, dx, dy, operation);
-                        if (pages)
-                            ShortMemory();
-                        ASSERT_EQ(source.CopyTo(x, y, across, down, &target, dx, dy, operation),
-                                  told);
-                        PlentyOfMemory();
-                        ASSERT_EQ(PlainOf(target).rows, expected.rows)
-                            << depth << " to " << targetDepth << ": " << x << ',' << y << ' '
-                            << across << 'x' << down << " to " << dx << ',' << dy << " width "
-                            << width;
-                    }
-                    ASSERT_EQ(PlainOf(source).rows, from.rows);
-                }
+    SweepCopies(Copies, 61);
+}
+
+TEST_F(CopyTo, EqualsItsFormulaUnderItself)
+{
+    SweepCopiesUnderItself(Copies, 62);
+}
+
+TEST_F(CopyTo, EqualsItsFormulaAtTheEndsOfTheNumbers)
+{
+    SweepExtremeCopies(Copies, 24, 24);
+    SweepExtremeCopies(Copies, 32, 32);
+    SweepExtremeCopies(Copies, 16, 24);
+    SweepExtremeCopies(Copies, 32, 8);
+}
+
+TEST_F(CopyTo, EqualsItsFormulaWhileLinesGoToFiles)
+{
+    SweepPagedCopies(Copies, 63);
+}
+
+TEST_F(CopyTo, StopsAtALineThatDoesNotCome)
+{
+    SweepRefusedCopies(Copies);
 }
 
 TEST_F(CopyTo, ANegativeSourcePositionShiftsTheTargetAndKeepsTheRun)
@@ -171,60 +103,88 @@ TEST_F(CopyTo, RefusalsComeInTheirOrder)
     EXPECT_EQ(empty.CopyTo(0, 0, 1, 1, &empty, 0, 0, Copy), -1);
 }
 
-TEST_F(CopyTo, ExtremePositionsAndSizesStayInside)
-{
-    Raster source;
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, 5, 5, 24, 1, Paging::None));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(target, 5, 5, 24, 2, Paging::None));
-    const i32 most = 2147483647;
-    const i32 least = -most - 1;
-    for (i32 x : {least, -1, 0, most})
-        for (i32 width : {least, 0, 3, most})
-            for (i32 dx : {least, -1, 0, most})
-                EXPECT_EQ(source.CopyTo(x, x, width, width, &target, dx, dx, Copy), 1);
-    ASSERT_EQ(source.CopyTo(0, 0, most, most, &target, 0, 0, Copy), 1);
-    EXPECT_EQ(PlainOf(target).rows.size(), 5u);
-    u32 from = 0;
-    u32 into = 1;
-    ASSERT_EQ(source.GetPixel(4, 4, &from), 1);
-    ASSERT_EQ(target.GetPixel(4, 4, &into), 1);
-    EXPECT_EQ(from, into);
-}
-
 TEST_F(CopyTo, WithinOneRowOverlappingPixelsArriveAsTheyWere)
 {
-    Raster raster;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 30, 2, 24, 3, Paging::None));
-    std::vector<u8> expected = PlainOf(raster).rows[0];
+    Twin twin(30, 2, 24, 3);
+    std::vector<u8> expected = twin.plain.rows[0];
     std::copy_backward(expected.begin(), expected.begin() + 60, expected.begin() + 66);
-    ASSERT_EQ(raster.CopyTo(0, 0, 20, 1, &raster, 2, 0, Copy), 1);
-    EXPECT_EQ(RowOf(raster, 0), expected);
+    ASSERT_EQ(twin.raster.CopyTo(0, 0, 20, 1, &twin.raster, 2, 0, Copy), 1);
+    EXPECT_EQ(RowOf(twin.raster, 0), expected);
+    expected = twin.plain.rows[1];
+    std::copy(expected.begin() + 6, expected.begin() + 66, expected.begin());
+    ASSERT_EQ(twin.raster.CopyTo(2, 1, 20, 1, &twin.raster, 0, 1, Copy), 1);
+    EXPECT_EQ(RowOf(twin.raster, 1), expected);
 }
 
-TEST_F(CopyTo, ASourceLineThatCannotBeLockedLeavesTheTargetsLineLocked)
+TEST_F(CopyTo, DownwardOverItselfARasterRepeatsItsFirstRows)
 {
-    CountingAllocator memory;
-    Raster source(&memory);
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, 5, 4, 24, 1, Paging::Under));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(target, 5, 4, 24, 2, Paging::Under));
-    ASSERT_EQ(source.ReleaseLines(1, 1, 1), 1);
-    const Rows before = PlainOf(target).rows;
-    memory.fails = [](int, u32) { return true; };
-    EXPECT_EQ(source.CopyTo(0, 0, 5, 3, &target, 0, 0, Copy), -2);
-    memory.fails = nullptr;
-    // Row 0 was copied; row 1 of the target is pinned, so that only rows 0, 2 and 3 page out.
-    ASSERT_EQ(target.InsertLines(4, nullptr), 1);
-    ASSERT_EQ(target.InsertLines(5, nullptr), 1);
-    ASSERT_EQ(target.ReleaseLines(4, 1, 1), 1);
-    const size_t files = FilesIn(FirstFolder).size();
-    ShortMemory();
-    u8* row = nullptr;
-    ASSERT_EQ(target.LockLines(4, &row, nullptr), 1);
-    EXPECT_EQ(FilesIn(FirstFolder).size(), files - 1 + 4); // lines 0, 2, 3 and 5
-    PlentyOfMemory();
-    Rows after = PlainOf(target).rows;
-    EXPECT_NE(after[0], before[0]);
-    EXPECT_EQ(after[1], before[1]);
+    Twin twin(4, 5, 24, 0);
+    for (const bool again : {false, true}) {
+        Rows rows;
+        for (u8 y = 0; y < 5; ++y)
+            rows.emplace_back(12, y);
+        twin.SetRows(rows);
+        ASSERT_EQ(twin.raster.CopyTo(0, again ? 1 : 0, 4, 4, &twin.raster, 0, again ? 0 : 1, Copy),
+                  Done);
+        for (i32 y = 0; y < 5; ++y)
+            EXPECT_EQ(RowOf(twin.raster, y)[0], again ? std::min(y + 1, 4) : 0) << y;
+    }
+}
+
+TEST_F(CopyTo, OtherDepthsThan24AreWalkedInStepsOf4UpToTheLastWholePixelOfTheLine)
+{
+    Twin colors(6, 1, 24, 0);
+    std::vector<u8> row(20);
+    for (u8 i = 0; i < 20; ++i)
+        row[i] = i;
+    colors.SetRows({row});
+    Twin eight(9, 1, 8, 0); // a line of 12 bytes
+    Flatten(eight, 100);
+    ASSERT_EQ(colors.raster.CopyTo(1, 0, 5, 1, &eight.raster, 0, 0, Copy), Done);
+    EXPECT_EQ(RowOf(eight.raster, 0),
+              (std::vector<u8>{3, 4, 5, 100, 6, 7, 8, 100, 9, 10, 11, 100}));
+    // And back, from its second pixel on.
+    ASSERT_EQ(eight.raster.CopyTo(1, 0, 9, 1, &colors.raster, 0, 0, Copy), Done);
+    EXPECT_EQ(RowOf(colors.raster, 0), (std::vector<u8>{6,  7,  8,  9,  10, 11, 6,  7,  8,  9,
+                                                        10, 11, 12, 13, 14, 15, 16, 17, 18, 19}));
+    // From the third pixel of five onward nothing is whole; a 16-bit line of 5 pixels has 12 bytes.
+    Twin sixteen(5, 1, 16, 0);
+    Flatten(sixteen, 200);
+    Flatten(eight, 100);
+    Flatten(colors, 50);
+    ASSERT_EQ(colors.raster.CopyTo(0, 0, 5, 1, &sixteen.raster, 3, 0, Copy), Done);
+    EXPECT_EQ(RowOf(sixteen.raster, 0), std::vector<u8>(12, 200));
+    ASSERT_EQ(sixteen.raster.CopyTo(2, 0, 3, 1, &colors.raster, 5, 0, Copy), Done);
+    EXPECT_EQ(PixelOf(colors.raster, 5, 0), (Bytes{200, 200, 200}));
+    EXPECT_EQ(PixelOf(colors.raster, 4, 0), (Bytes{50, 50, 50}));
+}
+
+TEST_F(CopyTo, Byte3Of32BitsIsDroppedOnTheWayOutAndLeftAloneOnTheWayIn)
+{
+    Twin plain(2, 1, 24, 0);
+    Twin deep(2, 1, 32, 0);
+    deep.SetRows({{1, 2, 3, 4, 5, 6, 7, 8}});
+    Flatten(plain, 100);
+    ASSERT_EQ(deep.raster.CopyTo(0, 0, 2, 1, &plain.raster, 0, 0, Copy), Done);
+    EXPECT_EQ(PixelOf(plain.raster, 0, 0), (Bytes{1, 2, 3}));
+    EXPECT_EQ(PixelOf(plain.raster, 1, 0), (Bytes{5, 6, 7}));
+    Flatten(plain, 100);
+    ASSERT_EQ(plain.raster.CopyTo(0, 0, 2, 1, &deep.raster, 0, 0, Copy), Done);
+    EXPECT_EQ(RowOf(deep.raster, 0), (std::vector<u8>{100, 100, 100, 4, 100, 100, 100, 8}));
+}
+
+TEST_F(CopyTo, ALostLineEndsTheWorkWith0)
+{
+    for (const bool ofSource : {false, true}) {
+        Twin source(4, 3, 24, 0);
+        Twin target(4, 3, 24, 0);
+        Flatten(source, 7);
+        Flatten(target, 100);
+        AddLostLines(ofSource ? source : target, 1);
+        EXPECT_EQ(source.raster.CopyTo(0, ofSource ? 1 : 0, 4, 3, &target.raster, 0,
+                                       ofSource ? 0 : 1, Copy),
+                  NothingDone);
+        for (i32 y = 0; y < 3; ++y)
+            EXPECT_EQ(RowOf(target.raster, y)[0], y == (ofSource ? 2 : 0) ? 100 : 7) << y;
+    }
 }

@@ -1,63 +1,66 @@
-#include "Rasters.h"
+// A whole raster filled: the formula written out, the scratch line of opaque colours, byte orders.
+
+#include "AreaSweep.h"
+#include "PlainFill.h"
+#include "platform/testing/Faults.h"
 
 namespace
 {
 
 using Fill = PagingTest;
 
-/// The fill of a whole raster, straight from its formula. Bytes behind the last pixel become 0
-/// where the line is stored whole and stay otherwise.
-Plain Filled(Plain picture, u32 color)
+i32 All(Raster& raster, u32 color, PixelRect)
 {
-    const u32 c[3] = {(color >> 8) & 255, (color >> 16) & 255, color >> 24};
-    const u32 a = color & 255;
-    const u32 a1 = a + 1;
-    for (auto& row : picture.rows) {
-        if (picture.depth == 24 && a == 255)
-            row.assign(row.size(), 0);
-        for (u32 x = 0; x < picture.width; ++x) {
-            u8* const pixel = &row[x * picture.depth / 8];
-            if (picture.depth == 32) {
-                const u32 word = a | (c[2] << 8) | (c[1] << 16) | (c[0] << 24);
-                for (u32 k = 0; k < 4; ++k)
-                    pixel[k] = static_cast<u8>(word >> (8 * k));
-            } else {
-                for (u32 k = 0; k < 3; ++k)
-                    pixel[k] = static_cast<u8>((a1 * c[k] + (256 - a1) * pixel[k]) >> 8);
-            }
-        }
-    }
-    return picture;
+    return raster.FillAll(color);
+}
+
+i32 PlainAll(PlainRaster& plain, u32 color, PixelRect)
+{
+    return PlainFillAll(plain, color);
 }
 
 } // namespace
 
-TEST_F(Fill, OpaqueBlendedAndTransparentColoursFollowTheFormula)
+TEST_F(Fill, EqualsItsFormulaEverywhere)
 {
-    for (u32 depth : {24u, 32u})
-        for (u32 width = 1; width <= 33; ++width)
-            for (u32 color : {0x102030FFu, 0xFFFFFF00u, 0xC8643280u, 0x000000FEu, 0x01020301u}) {
-                Raster raster;
-                ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, width, 3, depth, width, Paging::None));
-                const Plain expected = Filled(PlainOf(raster), color);
-                ASSERT_EQ(raster.FillAll(color), 1);
-                ASSERT_EQ(PlainOf(raster).rows, expected.rows)
-                    << "depth " << depth << " width " << width << " colour " << color;
-            }
+    SweepAreas(All, PlainAll, 71);
 }
 
-TEST_F(Fill, ARasterThatPagesIsFilledAlike)
+TEST_F(Fill, EqualsItsFormulaWhileLinesGoToFiles)
 {
-    for (u32 depth : {24u, 32u})
-        for (u32 color : {0x102030FFu, 0xC8643280u}) {
-            Raster raster;
-            ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 13, 9, depth, 4, Paging::Under));
-            const Plain expected = Filled(PlainOf(raster), color);
-            ShortMemory();
-            ASSERT_EQ(raster.FillAll(color), 1);
-            EXPECT_EQ(FilesIn(FirstFolder).size(), 8u); // all but the last, which stays
-            PlentyOfMemory();
-            EXPECT_EQ(PlainOf(raster).rows, expected.rows);
+    SweepPagedAreas(All, PlainAll, 72);
+}
+
+TEST_F(Fill, StopsAtALineThatDoesNotCome)
+{
+    SweepRefusedAreas(All, PlainAll, 73);
+}
+
+TEST_F(Fill, ALostLineEndsTheWorkWith0AndGivesTheScratchLineBack)
+{
+    for (const u32 depth : {24u, 32u})
+        for (const u32 color : {0x102030FFu, 0x10203080u}) {
+            Twin twin(4, 3, depth, 5);
+            AddLostLines(twin, 1);
+            EXPECT_EQ(twin.raster.FillAll(color), NothingDone);
+            EXPECT_EQ(PlainFillAll(twin.plain, color), Done);
+            for (u32 y = 0; y < 3; ++y)
+                EXPECT_EQ(RowOf(twin.raster, static_cast<i32>(y)), twin.plain.rows[y]) << y;
+        }
+}
+
+TEST_F(Fill, EqualsItsFormulaForEveryAlphaAndEveryOldByte)
+{
+    Rows olds(1, std::vector<u8>(3 * 256));
+    for (u32 i = 0; i < 3 * 256; ++i)
+        olds[0][i] = static_cast<u8>(i / 3);
+    Places places(74);
+    for (u32 alpha = 0; alpha < 256; ++alpha)
+        for (const u32 color : {0x00FF7F00u, places.Word() & ~255u}) {
+            Twin twin(256, 1, 24, 0);
+            twin.SetRows(olds);
+            RunArea(twin, All, PlainAll, color | alpha, {});
+            ExpectSame({&twin});
         }
 }
 
@@ -88,51 +91,135 @@ TEST_F(Fill, AtDepth32ThePixelComesBackEndForEnd)
 TEST_F(Fill, OtherDepthsAreRefused)
 {
     for (u32 depth : {8u, 16u}) {
-        Raster raster;
-        ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 5, 2, depth, 1, Paging::None));
-        const Plain before = PlainOf(raster);
-        EXPECT_EQ(raster.FillAll(0x102030FF), -1);
-        EXPECT_EQ(PlainOf(raster).rows, before.rows);
+        Twin twin(5, 2, depth, 1);
+        EXPECT_EQ(twin.raster.FillAll(0x102030FF), Failed);
+        EXPECT_EQ(twin.raster.FillAll(0x10203080), Failed);
+        ExpectSame({&twin});
     }
     Raster empty;
-    EXPECT_EQ(empty.FillAll(0x102030FF), -1);
+    EXPECT_EQ(empty.FillAll(0x102030FF), Failed);
 }
 
 TEST_F(Fill, WithoutAScratchLineNothingIsDoneAndThatIsNoFailure)
 {
-    CountingAllocator memory;
-    {
-        Raster raster(&memory);
-        ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 5, 2, 24, 1, Paging::None));
-        const Plain before = PlainOf(raster);
-        memory.fails = [](int, u32) { return true; };
-        EXPECT_EQ(raster.FillAll(0x102030FF), 1);
-        EXPECT_EQ(PlainOf(raster).rows, before.rows);
-        EXPECT_EQ(raster.FillAll(0x102030FE), 1);
-        EXPECT_NE(PlainOf(raster).rows, before.rows);
-    }
-    EXPECT_EQ(memory.outstanding, 0);
+    for (const Storage storage : {Storage::Resident, Storage::Paging})
+        for (const u32 color : {0x102030FFu, 0x102030FEu})
+            for (const u32 depth : {24u, 32u}) {
+                Twin twin(5, 3, depth, 1, storage);
+                if (storage == Storage::Paging)
+                    twin.PageOut(0);
+                if (storage == Storage::Paging && (depth == 32 || color == 0x102030FEu))
+                    continue; // line 0 would not come in without memory
+                twin.allocator.fails = [](int, u32) { return true; };
+                EXPECT_EQ(twin.raster.FillAll(color), Done);
+                EXPECT_EQ(PlainFillAll(twin.plain, color, false), Done);
+                ExpectSame({&twin});
+            }
 }
 
-TEST_F(Fill, ALineThatCannotBeLockedEndsTheFillWithItsStatus)
+TEST_F(Fill, TheScratchLineIsOneStrideAndGivenBack)
 {
-    for (u32 color : {0x102030FFu, 0x10203080u}) {
-        CountingAllocator memory;
-        {
-            Raster raster(&memory);
-            // Nine wide: no other block has the size of the table below, on any machine.
-            ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 9, 4, 24, 1, Paging::Under));
-            const Plain before = PlainOf(raster);
-            Plain expected = Filled(before, color);
-            for (u32 y = 2; y < 4; ++y)
-                expected.rows[y] = before.rows[y];
-            ASSERT_EQ(raster.ReleaseLines(2, 1, 1), 1);
-            // A line that comes in takes a table of four entries first.
-            memory.fails = [](int, u32 size) { return size == 4 * sizeof(u8*); };
-            EXPECT_EQ(raster.FillAll(color), -2);
-            memory.fails = nullptr;
-            EXPECT_EQ(PlainOf(raster).rows, expected.rows);
+    Twin twin(5, 3, 24, 1);
+    const int before = twin.allocator.outstanding;
+    twin.allocator.asked = 0;
+    std::vector<u32> sizes;
+    twin.allocator.fails = [&sizes](int, u32 size) {
+        sizes.push_back(size);
+        return false;
+    };
+    EXPECT_EQ(twin.raster.FillAll(0x102030FF), Done);
+    EXPECT_EQ(sizes, std::vector<u32>{16});
+    EXPECT_EQ(twin.allocator.outstanding, before);
+    // Nothing else allocates.
+    sizes.clear();
+    EXPECT_EQ(twin.raster.FillAll(0x10203080), Done);
+    EXPECT_TRUE(sizes.empty());
+}
+
+TEST_F(Fill, OpaqueFillsClearThePaddingAndTranslucentOnesLeaveIt)
+{
+    Twin twin(5, 2, 24, 0); // 15 bytes of pixels and one of padding
+    Flatten(twin, 100);
+    EXPECT_EQ(twin.raster.FillAll(0x112233FE), Done);
+    EXPECT_EQ(RowOf(twin.raster, 0)[15], 100);
+    EXPECT_EQ(twin.raster.FillAll(0x112233FF), Done);
+    EXPECT_EQ(RowOf(twin.raster, 0)[15], 0);
+    EXPECT_EQ(PixelOf(twin.raster, 4, 1), (Bytes{0x33, 0x22, 0x11}));
+}
+
+TEST_F(Fill, WithoutMemoryForALineItEndsThereAndGivesTheScratchLineBack)
+{
+    for (const u32 color : {0x102030FFu, 0x102030FEu}) {
+        u32 before = 0;
+        for (int failing = 1;; ++failing) {
+            Twin twin(9, 5, 24, 1, Storage::Paging);
+            const Rows old = twin.plain.rows;
+            twin.PageOut(1);
+            twin.PageOut(3);
+            twin.allocator.asked = 0;
+            bool fired = false;
+            twin.allocator.fails = [&](int number, u32) {
+                fired |= number == failing;
+                return number == failing;
+            };
+            const i32 result = twin.raster.FillAll(color);
+            twin.allocator.fails = nullptr;
+            EXPECT_EQ(PlainFillAll(twin.plain, color), Done);
+            u32 filled = 0;
+            for (u32 y = 0; y < 5; ++y)
+                if (RowOf(twin.raster, static_cast<i32>(y)) == twin.plain.rows[y]) {
+                    EXPECT_EQ(filled, y);
+                    ++filled;
+                } else {
+                    EXPECT_EQ(RowOf(twin.raster, static_cast<i32>(y)), old[y]);
+                }
+            if (!fired) {
+                EXPECT_EQ(result, Done);
+                EXPECT_EQ(filled, 5u);
+                EXPECT_EQ(before, 3u);
+                break;
+            }
+            if (color == 0x102030FF && failing == 1) { // the scratch line
+                EXPECT_EQ(result, Done);
+                EXPECT_EQ(filled, 0u);
+            } else {
+                EXPECT_EQ(result, NoMemory);
+                EXPECT_TRUE(filled == 1 || filled == 3) << filled;
+            }
+            EXPECT_GE(filled, before);
+            before = filled;
         }
-        EXPECT_EQ(memory.outstanding, 0);
     }
+}
+
+TEST_F(Fill, NoFaultOfMemoryOrFilesBreaksItOrLeavesAnythingBehind)
+{
+    using tavrix::testing::FaultKind;
+    for (const FaultKind kind : {FaultKind::Allocation, FaultKind::Create, FaultKind::Write,
+                                 FaultKind::ShortWrite, FaultKind::Read})
+        for (const u32 color : {0xFFFFFFFFu, 0xFFFFFF80u}) {
+            i32 result = NothingDone;
+            ForEveryFault(
+                kind,
+                [&] {
+                    PlentyOfMemory();
+                    Raster raster;
+                    result = raster.Create(9, 4, 24, FirstFolder, SecondFolder);
+                    if (result != Done)
+                        return;
+                    ShortMemory();
+                    for (int turn = 0; turn < 2 && result == Done; ++turn)
+                        result = raster.FillAll(color);
+                    PlentyOfMemory();
+                },
+                [&](bool fired) {
+                    // 0 is a line whose data an earlier fault has lost.
+                    EXPECT_TRUE(result == Done ||
+                                (fired && (result == NoMemory || result == NoStorage ||
+                                           result == NothingDone)))
+                        << result;
+                    EXPECT_TRUE(FilesIn(FirstFolder).empty());
+                    EXPECT_TRUE(FilesIn(SecondFolder).empty());
+                });
+        }
 }

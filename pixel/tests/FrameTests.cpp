@@ -45,7 +45,7 @@ TEST_F(FrameRectTest, StopsAtALineThatDoesNotComeAlsoWhereNothingIsDrawnOnIt)
     SweepRefusedAreas(Frame, PlainFrameRect, 13);
     ExpectLostLineEndsTheWork(Frame, PlainFrameRect);
     // Both sides are cut off, and the row between top and bottom is asked for all the same.
-    Twin twin(10, 4, 24, 1, Storage::Paging);
+    Twin twin(10, 5, 24, 1, Storage::Paging);
     twin.Refuse(1);
     EXPECT_EQ(twin.raster.FrameRect(Solid, {-1, 0, 10, 3}), NoMemory);
     EXPECT_EQ(PlainFrameRect(twin.plain, Solid, {-1, 0, 10, 3}), NoMemory);

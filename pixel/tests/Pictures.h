@@ -48,6 +48,19 @@ inline Bytes PixelOf(Raster& raster, u32 x, u32 y)
     return {first, first + static_cast<std::ptrdiff_t>(size)};
 }
 
+/// As Twin::Refuse for a raster whose line 0 sits in its file, where it waits to show what an
+/// operation left locked.
+inline void RefuseBesideLine0(Twin& twin, u32 line)
+{
+    ASSERT_NE(line, 0u);
+    ASSERT_TRUE(twin.plain.out[0]);
+    ASSERT_NO_FATAL_FAILURE(twin.Refuse(line));
+    // With two lines away the table that a line needs to come in is one shorter.
+    const u32 table = (twin.plain.height - 1) * static_cast<u32>(sizeof(void*));
+    ASSERT_NE(twin.plain.stride, table);
+    twin.allocator.fails = [table](int, u32 size) { return size == table; };
+}
+
 /// Adds `count` lines that lock as lost: the height grows, and there is no memory for the lines.
 inline void AddLostLines(Twin& twin, u32 count)
 {

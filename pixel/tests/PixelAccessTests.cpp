@@ -1,11 +1,72 @@
-#include "Rasters.h"
+// One pixel read or written: the formula written out, bounds, bytes, refusals.
+
+#include "AreaSweep.h"
+#include "PlainFill.h"
 
 namespace
 {
 
 using PixelAccess = PagingTest;
 
+// A read and a write as operations on areas, of which they take the left top corner. What is read
+// is part of the result.
+i32 Set(Raster& raster, u32 color, PixelRect area)
+{
+    return raster.SetPixel(area.left, area.top, color);
+}
+
+i32 PlainSet(PlainRaster& plain, u32 color, PixelRect area)
+{
+    return PlainSetPixel(plain, area.left, area.top, color);
+}
+
+u32 Told(i32 result, u32 color)
+{
+    return static_cast<u32>(result) * 0x9E3779B1u ^ color;
+}
+
+i32 Get(Raster& raster, u32 color, PixelRect area)
+{
+    const i32 result = raster.GetPixel(area.left, area.top, &color);
+    return static_cast<i32>(Told(result, color));
+}
+
+i32 PlainGet(PlainRaster& plain, u32 color, PixelRect area)
+{
+    const i32 result = PlainGetPixel(plain, area.left, area.top, &color);
+    return static_cast<i32>(Told(result, color));
+}
+
 } // namespace
+
+TEST_F(PixelAccess, EqualsItsFormulaEverywhere)
+{
+    SweepAreas(Set, PlainSet, 81);
+    SweepAreas(Get, PlainGet, 82);
+}
+
+TEST_F(PixelAccess, EqualsItsFormulaAtTheEndsOfTheNumbers)
+{
+    SweepExtremeAreas(Set, PlainSet);
+    SweepExtremeAreas(Get, PlainGet);
+}
+
+TEST_F(PixelAccess, EqualsItsFormulaWhileLinesGoToFiles)
+{
+    SweepPagedAreas(Set, PlainSet, 83);
+    SweepPagedAreas(Get, PlainGet, 84);
+}
+
+TEST_F(PixelAccess, FailsWhereTheLineDoesNotCome)
+{
+    SweepRefusedAreas(Set, PlainSet, 85);
+    SweepRefusedAreas(Get, PlainGet, 86);
+    Twin twin(4, 3, 24, 5);
+    AddLostLines(twin, 1);
+    u32 color = 7;
+    EXPECT_EQ(twin.raster.GetPixel(0, 3, &color), NothingDone);
+    EXPECT_EQ(twin.raster.SetPixel(0, 3, color), NothingDone);
+}
 
 TEST_F(PixelAccess, SetPixelStoresBlueGreenRedAndAlpha)
 {
@@ -74,8 +135,8 @@ TEST_F(PixelAccess, OtherDepthsAndANullResultAreRefused)
 
 TEST_F(PixelAccess, ThePixelsRowIsReleasedAndPages)
 {
-    Raster raster;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 5, 3, 24, 1, Paging::Under));
+    Twin twin(5, 3, 24, 1, Storage::Paging);
+    Raster& raster = twin.raster;
     ShortMemory();
     ASSERT_EQ(raster.SetPixel(4, 1, 0x01020300), 1);
     EXPECT_EQ(FilesIn(FirstFolder).size(), 1u);
@@ -83,17 +144,4 @@ TEST_F(PixelAccess, ThePixelsRowIsReleasedAndPages)
     ASSERT_EQ(raster.GetPixel(4, 1, &color), 1);
     EXPECT_EQ(color, 0x010203FFu);
     EXPECT_GE(FilesIn(FirstFolder).size(), 1u);
-}
-
-TEST_F(PixelAccess, TheStatusOfALockThatFailsIsPassedOn)
-{
-    CountingAllocator memory;
-    Raster raster(&memory);
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(raster, 5, 3, 24, 1, Paging::Under));
-    ASSERT_EQ(raster.ReleaseLines(1, 1, 1), 1);
-    memory.fails = [](int, u32) { return true; };
-    u32 color = 0;
-    EXPECT_EQ(raster.GetPixel(0, 1, &color), -2);
-    EXPECT_EQ(raster.SetPixel(0, 1, 0), -2);
-    memory.fails = nullptr;
 }

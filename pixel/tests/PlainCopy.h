@@ -65,6 +65,12 @@ inline i32 PlainCopyTo(PlainRaster& source, PlainRun run, PlainRaster* target, u
     PlainTrim(source, *target, &run);
     if (operation != SRCCOPY)
         return Failed;
+    const bool deep = source.depth == 32 && target->depth == 32;
+    const i64 step = deep ? 1 : source.depth == 24 ? 3 : 4;
+    const i64 targetStep = deep ? 1 : target->depth == 24 ? 3 : 4;
+    const i64 bytes = deep ? 1 : 3;
+    run.width = std::min(
+        {run.width, source.stride / step - run.x, target->stride / targetStep - run.targetX});
     if (run.height < 1 || run.width < 1)
         return Done;
     for (i64 i = 0; i < run.height; ++i) {
@@ -76,15 +82,9 @@ inline i32 PlainCopyTo(PlainRaster& source, PlainRun run, PlainRaster* target, u
             return status;
         const std::vector<u8> from = source.Row(run.y + i);
         std::vector<u8>& to = target->Row(run.targetY + i);
-        const bool same = source.depth == target->depth;
-        const i64 step = same && source.depth == 32 ? 1 : source.depth == 24 ? 3 : 4;
-        const i64 targetStep = same && source.depth == 32 ? 1 : target->depth == 24 ? 3 : 4;
-        const i64 bytes = step == 1 ? 1 : 3;
         for (i64 at = 0; at < run.width; ++at) {
             const i64 read = (run.x + at) * step;
             const i64 written = (run.targetX + at) * targetStep;
-            if (read + step > source.stride || written + targetStep > target->stride)
-                break;
             for (i64 byte = 0; byte < bytes; ++byte)
                 to[static_cast<size_t>(written + byte)] = from[static_cast<size_t>(read + byte)];
         }
@@ -161,9 +161,11 @@ inline i32 PlainCompositeTo(PlainRaster& source, PlainRun run, PlainRaster* targ
     if (PlainBeyond(source, *target, run))
         return Done;
     PlainTrim(source, *target, &run);
+    const i64 ahead = target->depth == 32 ? 1 : 0;
+    run.width =
+        std::min({run.width, source.width - ahead - run.x, target->width - ahead - run.targetX});
     if (run.width < 1 || run.height < 1)
         return Done;
-    const i64 ahead = target->depth == 32 ? 1 : 0;
     const i64 size = target->depth == 32 ? 4 : 3;
     for (i64 i = 0; i < run.height; ++i) {
         i32 status = target->Lock(run.targetY + i);
@@ -175,8 +177,6 @@ inline i32 PlainCompositeTo(PlainRaster& source, PlainRun run, PlainRaster* targ
         for (i64 at = 0; at < run.width; ++at) {
             const i64 x = run.x + at + ahead;
             const i64 targetX = run.targetX + at + ahead;
-            if (x >= source.width || targetX >= target->width)
-                break;
             u8* const pixel = target->Row(run.targetY + i).data() + targetX * size;
             const u8* const from = source.Row(run.y + i).data() + x * 4;
             const u32 s = from[3];
