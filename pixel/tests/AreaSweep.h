@@ -134,7 +134,7 @@ inline void SweepRefusedAreas(const AreaOnRaster& real, const AreaOnPlain& formu
         areas.push_back(SomeArea(places, Width, Height));
     bool opaque = false;
     for (const u32 depth : AllDepths)
-        for (u32 line = 0; line < Height; ++line)
+        for (u32 line = 0; line < (depth < 24 ? 1 : Height); ++line)
             for (const PixelRect& area : areas) {
                 Twin twin(Width, Height, depth, line + 1, Storage::Paging);
                 twin.Refuse(line);
