@@ -156,13 +156,13 @@ TEST_F(BlendMaskTest, EqualsItsFormulaWhileLinesGoToFiles)
 TEST_F(BlendMaskTest, ALineThatDoesNotComeEndsTheWorkAndTheRectangleStillComesBackCut)
 {
     // Line 0 of each takes no part: it sits in its file and shows what was left locked.
-    const Stamp stamps[] = {{{-1, 1, 12, 9}, 0, 1}, {{2, 2, 5, 4}, 1, 1}, {{0, 1, 9, 3}, 0, 3}};
+    const Stamp stamps[] = {{{-1, 1, 14, 9}, 0, 1}, {{2, 2, 5, 4}, 1, 1}, {{0, 1, 9, 3}, 0, 3}};
     for (const u32 depth : AllDepths)
         for (const int which : {1, 2, 3})
             for (u32 line = 1; line < (depth < 24 ? 2 : 6); ++line)
                 for (const Stamp& stamp : stamps) {
-                    Twin twin(11, 6, depth, line, Storage::Paging);
-                    Twin mask(11, 6, 8, line + 3, Storage::Paging);
+                    Twin twin(14, 6, depth, line, Storage::Paging);
+                    Twin mask(14, 6, 8, line + 3, Storage::Paging);
                     twin.PageOut(0);
                     mask.PageOut(0);
                     if ((which & 1) != 0)

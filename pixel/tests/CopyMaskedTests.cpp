@@ -188,10 +188,10 @@ TEST_F(CopyMaskedTest, StopsAtALineThatDoesNotComeAndLeavesTheOtherRowsLocked)
     // Line 0 of each takes no part: it sits in its file and shows what was left locked.
     for (unsigned which = 1; which < 8; ++which)
         for (u32 line = 1; line < 6; ++line)
-            for (const CopyRun& run : {CopyRun{0, 1, 10, 4, 0, 1}, CopyRun{1, 2, 3, 3, 4, 1}}) {
-                Twin source(11, 6, 24, line + 1, Storage::Paging);
-                Twin target(11, 6, 24, line + 2, Storage::Paging);
-                Twin mask(11, 6, 8, line + 3, Storage::Paging);
+            for (const CopyRun& run : {CopyRun{0, 1, 14, 5, 0, 1}, CopyRun{1, 2, 3, 3, 4, 1}}) {
+                Twin source(14, 6, 24, line + 1, Storage::Paging);
+                Twin target(14, 6, 24, line + 2, Storage::Paging);
+                Twin mask(14, 6, 8, line + 3, Storage::Paging);
                 for (Twin* twin : {&source, &target, &mask})
                     twin->PageOut(0);
                 if ((which & 1) != 0)

@@ -164,7 +164,7 @@ inline void SweepRefusedCopies(const Copying& copying)
 {
     constexpr u32 Height = 6;
     const CopyRun runs[] = {
-        {0, 1, 11, 5, 0, 1}, {2, 1, 3, 4, 5, 2}, {1, 3, 9, 9, -1, 1}, {4, 1, 20, 20, 1, 3}};
+        {0, 1, 14, 5, 0, 1}, {2, 1, 3, 4, 5, 2}, {1, 3, 9, 9, -1, 1}, {4, 1, 20, 20, 1, 3}};
     u32 turn = 0;
     for (const u32 depth : AllDepths)
         for (const u32 targetDepth : AllDepths) {
@@ -172,8 +172,8 @@ inline void SweepRefusedCopies(const Copying& copying)
             for (u32 line = 1; line < Height && !refused; ++line)
                 for (const int which : {1, 2, 3}) {
                     const CopyRun& run = line < 3 ? runs[0] : runs[turn++ % 4];
-                    Twin source(11, Height, depth, line + 1, Storage::Paging);
-                    Twin target(11, Height, targetDepth, line + 2, Storage::Paging);
+                    Twin source(14, Height, depth, line + 1, Storage::Paging);
+                    Twin target(14, Height, targetDepth, line + 2, Storage::Paging);
                     source.PageOut(0);
                     target.PageOut(0);
                     if ((which & 1) != 0)
