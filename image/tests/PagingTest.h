@@ -94,7 +94,7 @@ inline std::vector<u8> RowOf(Raster& raster, i32 line)
     u8* row = nullptr;
     EXPECT_EQ(raster.LockLines(line, &row, nullptr), 1) << "line " << line;
     std::vector<u8> bytes(info.stride);
-    if (row != nullptr)
+    if (row != nullptr && info.stride > 0)
         std::memcpy(bytes.data(), row, info.stride);
     raster.ReleaseLines(line, 1, 0);
     return bytes;

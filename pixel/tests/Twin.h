@@ -156,7 +156,8 @@ struct Twin {
     }
 
     /// From now on `line` sits in its file and cannot be locked (NoMemory), until ExpectSame. For a
-    /// paging twin of two or more lines, with plentiful memory.
+    /// paging twin of two or more lines, all others of which are in memory, with plentiful memory:
+    /// what is refused is the line table at its full height.
     void Refuse(u32 line)
     {
         const u32 table = plain.height * static_cast<u32>(sizeof(void*));
