@@ -1,9 +1,9 @@
 // Painting a colour through a mask of coverage: what the brush, text and markers are made of.
 
 #include "image/Raster.h"
-#include "pixel/Clip.h"
 #include "pixel/NormalizeRect.h"
 #include "pixel/Rows.h"
+#include "pixel/RowWalk.h"
 
 #include <algorithm>
 
@@ -43,11 +43,7 @@ i32 Raster::BlendMask(u32 color, PixelRect* rectangle, Raster* mask, i32 maskX, 
         const i32 maskLine = static_cast<i32>(maskTop + i);
         u8* row = nullptr;
         u8* cells = nullptr;
-        i32 status = LockLines(line, &row, nullptr);
-        if (status < 1)
-            return status;
-        // A failure leaves this raster's row locked, until UnlockAll at the end of the command.
-        status = mask->LockLines(maskLine, &cells, nullptr);
+        const i32 status = LockPair(this, line, &row, mask, maskLine, &cells);
         if (status < 1)
             return status;
         if (info.depth == 24)

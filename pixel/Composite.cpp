@@ -1,8 +1,8 @@
 // Laying a picture over another by its own alpha.
 
 #include "image/Raster.h"
-#include "pixel/Clip.h"
 #include "pixel/Rows.h"
+#include "pixel/RowWalk.h"
 
 #include <algorithm>
 
@@ -35,11 +35,7 @@ i32 Raster::CompositeTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32
         const i32 line = static_cast<i32>(run.y + i);
         u8* written = nullptr;
         u8* read = nullptr;
-        i32 status = target->LockLines(targetLine, &written, nullptr);
-        if (status < 1)
-            return status;
-        // A failure leaves the target's row locked, until UnlockAll at the end of the command.
-        status = LockLines(line, &read, nullptr);
+        const i32 status = LockPair(target, targetLine, &written, this, line, &read);
         if (status < 1)
             return status;
         if (to.depth == 24)

@@ -1,8 +1,8 @@
 // Copying a rectangle between rasters through a mask of coverage.
 
 #include "image/Raster.h"
-#include "pixel/Clip.h"
 #include "pixel/Rows.h"
+#include "pixel/RowWalk.h"
 
 #include <algorithm>
 
@@ -60,11 +60,7 @@ i32 Raster::CopyMasked(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 
         u8* written = nullptr;
         u8* read = nullptr;
         u8* cells = nullptr;
-        // A failure leaves the rows before it locked, until UnlockAll at the end of the command.
-        i32 status = target->LockLines(targetLine, &written, nullptr);
-        if (status < 1)
-            return status;
-        status = LockLines(line, &read, nullptr);
+        i32 status = LockPair(target, targetLine, &written, this, line, &read);
         if (status < 1)
             return status;
         status = mask->LockLines(maskLine, &cells, nullptr);

@@ -1,8 +1,8 @@
 // Copying a rectangle between rasters, a row at a time.
 
 #include "image/Raster.h"
-#include "pixel/Clip.h"
 #include "pixel/Rows.h"
+#include "pixel/RowWalk.h"
 
 #include <algorithm>
 
@@ -52,11 +52,7 @@ i32 Raster::CopyTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 targ
         const i32 line = static_cast<i32>(run.y + i);
         u8* written = nullptr;
         u8* read = nullptr;
-        i32 status = target->LockLines(targetLine, &written, nullptr);
-        if (status < 1)
-            return status;
-        // A failure leaves the target's row locked, until UnlockAll at the end of the command.
-        status = LockLines(line, &read, nullptr);
+        const i32 status = LockPair(target, targetLine, &written, this, line, &read);
         if (status < 1)
             return status;
         CopyRow(written, to.depth, read, info.depth, run);

@@ -1,8 +1,17 @@
-// Drawing on the rows of one raster, one locked at a time. `draw` gets a row's first byte. A row
+// Walking the rows of rasters, of each one locked at a time. `draw` gets a row's first byte. A row
 // that cannot be locked ends the walk with its status; the rows before it stay drawn.
 #pragma once
 
 #include "pixel/Clip.h"
+
+/// Locks a row of each raster, `first`'s first. The status of a row that cannot be locked; the
+/// other row then stays locked, until UnlockAll at the end of the command.
+[[nodiscard]] inline i32 LockPair(Raster* first, i32 firstLine, u8** firstRow, Raster* second,
+                                  i32 secondLine, u8** secondRow)
+{
+    const i32 status = first->LockLines(firstLine, firstRow, nullptr);
+    return status < 1 ? status : second->LockLines(secondLine, secondRow, nullptr);
+}
 
 /// Calls `draw(row)` for the rows from `first` to `last`.
 template <typename Draw>

@@ -4,6 +4,7 @@
 
 #include "pixel/GreyDiffusion.h"
 #include "pixel/OrderedDither.h"
+#include "pixel/RowWalk.h"
 
 #include <algorithm>
 #include <stdlib.h>
@@ -133,16 +134,12 @@ i32 ScreenSurface::PresentColor(Raster* raster, u32 method, u32 rows, u32 column
     i32 status = BeginColor(method);
     if (status < 1)
         return status;
-    for (u32 y = 0; y < rows; ++y) {
-        const i32 line = static_cast<i32>(y);
-        u8* row = nullptr;
-        status = raster->LockLines(line, &row, nullptr);
-        // The dither table then stays until the next frame or the surface's end.
-        if (status < 1)
-            return status;
-        ShowColorRow(row, y, columns, method);
-        (void)raster->ReleaseLines(line, 1, 0);
-    }
+    u32 y = 0;
+    status = DrawRows(raster, 0, i64{rows} - 1,
+                      [&](const u8* row) { ShowColorRow(row, y++, columns, method); });
+    // The dither table stays until the next frame or the surface's end when a row did not come.
+    if (status < 1)
+        return status;
     EndColor();
     return Done;
 }
@@ -184,21 +181,15 @@ i32 ScreenSurface::PresentGrey(Raster* raster, u32 rows, u32 columns)
 {
     MallocAllocator memory;
     GreyErrors errors(&memory);
-    i32 status = errors.Create(columns);
+    const i32 status = errors.Create(columns);
     if (status < 1)
         return status;
-    for (u32 y = 0; y < rows; ++y) {
-        const i32 line = static_cast<i32>(y);
-        u8* row = nullptr;
-        status = raster->LockLines(line, &row, nullptr);
-        if (status < 1)
-            return status;
-        u8* const target = BitmapRow(y);
+    u32 y = 0;
+    return DrawRows(raster, 0, i64{rows} - 1, [&](const u8* row) {
+        u8* const target = BitmapRow(y++);
         // The whole row: beside a narrower picture the surface turns black.
         memset(target, 0, Stride());
         DiffuseGreyRow(target, row, columns, errors.Current(), errors.Next());
-        (void)raster->ReleaseLines(line, 1, 0);
         errors.Advance();
-    }
-    return Done;
+    });
 }
