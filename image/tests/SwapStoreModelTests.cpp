@@ -96,6 +96,9 @@ private:
         for (LONG& number : device.random)
             number = static_cast<LONG>(Below(40));
         device.faults = {};
+        // Sometimes around eleven names in a row are taken.
+        if (Below(6) == 0)
+            device.faults.create.assign(9 + Below(4), true);
         if (Below(3) != 0)
             return;
         const u32 rate = 2 + Below(6);

@@ -79,6 +79,34 @@ TEST_F(Surface, TheFourGreysAre0And128And192And255)
               (std::vector<COLORREF>{0x000000, 0x808080, 0xC0C0C0, 0xFFFFFF}));
 }
 
+TEST_F(Surface, WhatItShowsIsPaintedUprightFromItsContext)
+{
+    Twin picture(5, 3, 24, 9);
+    for (const u32 depth : {24u, 2u}) {
+        ScreenSurface surface;
+        ASSERT_EQ(surface.Create(7, 4, depth), 1);
+        ASSERT_EQ(surface.Present(&picture.raster, 0), 1);
+        u8* bits = nullptr;
+        const HBITMAP window = MakeSection(7, 4, 24, &bits);
+        DrawingContext context;
+        ASSERT_EQ(context.CreateMemory(nullptr), 1);
+        ASSERT_EQ(context.SelectBitmap(window), 1);
+        ASSERT_TRUE(::BitBlt(context.Handle(), 0, 0, 7, 4, surface.GetDC(), 0, 0, SRCCOPY));
+        const u8 greys[] = {0, 128, 192, 255};
+        PlainSurface shown(7, 4, depth);
+        shown.bits = BitsOf(surface);
+        for (u32 y = 0; y < 4; ++y)
+            for (u32 x = 0; x < 21; ++x) {
+                const u8 painted = bits[(3 - y) * 24 + x];
+                const bool isPicture = x < 15 && y < 3;
+                const u8 color = isPicture ? picture.plain.Row(y)[x] : u8{0};
+                ASSERT_EQ(painted, depth == 24 ? color : greys[shown.LevelAt(x / 3, y)]);
+            }
+        EXPECT_EQ(context.DeleteMemory(), 1);
+        EXPECT_TRUE(::DeleteObject(window));
+    }
+}
+
 TEST_F(Surface, OtherDepthsAreBadArgumentsAndLeaveTheOldSurface)
 {
     ScreenSurface surface;
