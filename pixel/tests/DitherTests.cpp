@@ -157,19 +157,28 @@ TEST_F(Dither, ARefusedLineEndsTheFrameWithItsStatusAndTheRowsBeforeItShow)
 TEST_F(Dither, ALostLineEndsTheFrameWithNothingDone)
 {
     for (const u32 method : {0u, 1u}) {
-        Twin picture(10, 4, 24, 8, Storage::Paging);
+        Raster raster;
+        PlentyOfMemory();
+        ASSERT_EQ(raster.Create(10, 4, 24, FirstFolder, nullptr), 1);
+        FillPattern(raster, 8);
+        // No name is left for its file.
+        SetRandom({7});
+        ASSERT_EQ(raster.ReleaseLines(0, 1, 1), 1);
+        SetRandom(std::vector<LONG>(101, 7));
+        ASSERT_EQ(raster.ReleaseLines(2, 1, 1), 0);
         SurfaceTwin shown(10, 4, 24, 9);
-        u8* row = nullptr;
-        SetFileFault([](tavrix::platform::FileOperation operation, const WCHAR*, DWORD*) {
-            return operation == tavrix::platform::FileOperation::Write;
-        });
-        ASSERT_EQ(picture.raster.ReleaseLines(2, 1, 1), 0);
-        SetFileFault(nullptr);
-        ASSERT_EQ(picture.raster.LockLines(2, &row, nullptr), 0);
-        EXPECT_EQ(shown.surface.Present(&picture.raster, method), 0);
+        EXPECT_EQ(shown.surface.Present(&raster, method), 0);
+        const Rows rows = PatternRows(8, 4, 32);
         for (u32 y = 0; y < 2; ++y)
-            PlainColorRow(shown.plain, picture.plain.Row(y).data(), y, 10, method);
+            PlainColorRow(shown.plain, rows[y].data(), y, 10, method);
         shown.ExpectSame();
+        SurfaceTwin grey(10, 4, 2, 9);
+        const std::vector<u8> before = BitsOf(grey.surface);
+        EXPECT_EQ(grey.surface.Present(&raster, method), 0);
+        const std::vector<u8> after = BitsOf(grey.surface);
+        // Rows of 4 bytes, the lowest first.
+        EXPECT_TRUE(std::equal(before.begin(), before.begin() + 8, after.begin()));
+        EXPECT_NE(before, after);
     }
 }
 
@@ -177,9 +186,9 @@ TEST_F(Dither, AfterARefusedLineTheNextFrameOrTheEndTakesTheTable)
 {
     const auto held = tavrix::platform::CountHoldings();
     for (int ending = 0; ending < 4; ++ending) {
-        Twin picture(8, 3, 24, 1, Storage::Paging);
-        Twin good(8, 3, 24, 2);
-        SurfaceTwin shown(8, 3, 24, 3);
+        Twin picture(9, 3, 24, 1, Storage::Paging);
+        Twin good(9, 3, 24, 2);
+        SurfaceTwin shown(9, 3, 24, 3);
         picture.Refuse(1);
         for (int frame = 0; frame < 3; ++frame)
             ASSERT_EQ(shown.surface.Present(&picture.raster, 1), -2);
@@ -188,8 +197,8 @@ TEST_F(Dither, AfterARefusedLineTheNextFrameOrTheEndTakesTheTable)
             ASSERT_EQ(shown.surface.Present(&good.raster, 1), 1);
             ASSERT_EQ(PlainPresentColor(shown.plain, good.plain, 1), 1);
         } else if (ending == 1) {
-            ASSERT_EQ(shown.surface.Create(8, 3, 24), 1);
-            shown.plain = PlainSurface(8, 3, 24);
+            ASSERT_EQ(shown.surface.Create(9, 3, 24), 1);
+            shown.plain = PlainSurface(9, 3, 24);
         } else if (ending == 2) {
             shown.surface.Destroy();
             EXPECT_EQ(shown.surface.Present(&good.raster, 1), -3);

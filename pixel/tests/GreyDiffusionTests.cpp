@@ -234,11 +234,19 @@ TEST_F(GreyDiffusion, NoTwoFramesAreAlike)
 
 TEST_F(GreyDiffusion, TheRowsOfAPagingPictureAreReleasedOneByOne)
 {
+    // The line files draw their names from the same numbers, so all of them make the same noise.
+    std::vector<LONG> numbers;
+    for (LONG at = 0; at < 2000; ++at)
+        numbers.push_back(at << 8 | 0x60);
     for (const u32 height : {2u, 5u, 9u}) {
         Twin picture(13, height, 24, height, Storage::Paging);
         SurfaceTwin shown(11, 6, 2, 3);
         const WithShortMemory memory;
-        ExpectAsFormula(shown, picture, Noise(height, 11 * 9));
+        SetRandom(numbers);
+        EXPECT_EQ(shown.surface.Present(&picture.raster, 0), 1);
+        size_t taken = 0;
+        EXPECT_EQ(PlainPresentGrey(shown.plain, picture.plain, numbers, &taken), 1);
+        shown.ExpectSame();
         ExpectSame({&picture});
     }
 }
