@@ -185,7 +185,7 @@ TEST_F(Dither, ALostLineEndsTheFrameWithNothingDone)
 TEST_F(Dither, AfterARefusedLineTheNextFrameOrTheEndTakesTheTable)
 {
     const auto held = tavrix::platform::CountHoldings();
-    for (int ending = 0; ending < 4; ++ending) {
+    for (int ending = 0; ending < 5; ++ending) {
         Twin picture(9, 3, 24, 1, Storage::Paging);
         Twin good(9, 3, 24, 2);
         SurfaceTwin shown(9, 3, 24, 3);
@@ -202,6 +202,9 @@ TEST_F(Dither, AfterARefusedLineTheNextFrameOrTheEndTakesTheTable)
         } else if (ending == 2) {
             shown.surface.Destroy();
             EXPECT_EQ(shown.surface.Present(&good.raster, 1), -3);
+        } else if (ending == 3) {
+            const ArmedFault fault(FaultKind::Allocation, 1, FaultReach::Onward);
+            EXPECT_EQ(shown.surface.Present(&good.raster, 1), -2) << "the old one went first";
         }
         if (ending != 2)
             shown.ExpectSame();
