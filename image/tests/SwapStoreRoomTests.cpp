@@ -2,6 +2,8 @@
 
 #include "image/tests/StoredPages.h"
 
+#include <handheld.h>
+
 using namespace tavrix::testing;
 using tavrix::platform::FileOperation;
 
@@ -145,6 +147,26 @@ TEST_F(SwapStoreRoom, APageThatTheDiskDoesNotHoldIsPassedOver)
     SetDiskSpace(401);
     EXPECT_EQ(SendOut(), -1);
     EXPECT_TRUE(IsOut(big));
+}
+
+TEST_F(SwapStoreRoom, WhereTheDiskTellsNothingNoFileIsTried)
+{
+    // Half a character is no name, so the platform does not answer.
+    SwapStore nowhere(u"\\Temp\\\xD800", Reserve);
+    PageHandle page = nullptr;
+    ASSERT_EQ(nowhere.Allocate(&page, 5), 1);
+    int asked = 0;
+    SetFileFault([&](FileOperation, const WCHAR*, DWORD*) {
+        ++asked;
+        return false;
+    });
+    SetFreeMemory(Reserve);
+    SetRandom({77});
+    EXPECT_EQ(nowhere.MakeRoom(0), -1);
+    EXPECT_EQ(::Random(), 77) << "no other name was drawn";
+    EXPECT_EQ(asked, 0);
+    EXPECT_NE(*page, nullptr);
+    EXPECT_EQ(nowhere.Free(page), 1);
 }
 
 TEST_F(SwapStoreRoom, FourGigabytesOnTheDiskAreEnoughWhateverTheirLowWord)

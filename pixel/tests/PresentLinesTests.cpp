@@ -32,6 +32,7 @@ protected:
     /// A list of lines of 24 bits over the store, and what stands in them.
     void Make(PagedLineList& list, u32 width, u32 height, u32 seed)
     {
+        SetFreeMemory(Plenty);
         rows = RandomRows(seed, height, width * 3);
         ASSERT_EQ(list.Create(width, 0, 24), 1);
         for (u32 y = 0; y < height; ++y)
@@ -88,6 +89,31 @@ TEST_F(PresentLines, ShowsLinesThatAreInTheirFiles)
         ShowPlain(shown.plain, 18, 5, method);
         shown.ExpectSame();
         EXPECT_EQ(SwapFiles(), 1u) << "the line below the surface was not fetched";
+        ExpectNothingLocked(list, 6);
+    }
+}
+
+TEST_F(PresentLines, ShowsAListOfWhichOneLineFitsIntoMemory)
+{
+    for (const u32 method : {0u, 1u}) {
+        PagedLineList list(&store);
+        Make(list, 20, 6, method + 8);
+        SetFreeMemory(Reserve);
+        EXPECT_EQ(store.MakeRoom(0), -1);
+        SetFreeMemory(Reserve + 61);
+        SetFileFault([](tavrix::platform::FileOperation operation, const WCHAR*, DWORD*) {
+            if (operation == tavrix::platform::FileOperation::Read)
+                SetFreeMemory(Reserve + 1);
+            if (operation == tavrix::platform::FileOperation::Write)
+                SetFreeMemory(Reserve + 61);
+            return false;
+        });
+        SurfaceTwin shown(20, 6, 24, 1);
+        EXPECT_EQ(shown.surface.PresentLines(&list, method), 1);
+        SetFileFault(nullptr);
+        ShowPlain(shown.plain, 20, 6, method);
+        shown.ExpectSame();
+        EXPECT_EQ(SwapFiles(), 5u) << "all but the last";
         ExpectNothingLocked(list, 6);
     }
 }
