@@ -11,11 +11,15 @@ namespace
 constexpr u32 MostRedraws = 100;
 constexpr u32 NameRoom = 13; // for the number, the extension and the final zero
 
+// The reference of a line that found no name: beyond every physical line, and far enough from
+// either end that counting it up and down with the others keeps it there.
+constexpr uintptr_t NoLine = UINTPTR_MAX / 2;
+
 } // namespace
 
 // Draws a name that is free in `folder`, stores it as the line's reference and makes the file.
-// Done; Failed when the folder takes no file and NoStorage when the redraws ran out, both with the
-// name left in place; NoMemory with the reference untouched.
+// Done; Failed when the folder takes no file, with the name left in place; NoStorage when the
+// redraws ran out, with a reference to no line at all; NoMemory with the reference untouched.
 i32 Raster::NameFile(u32 line, const WCHAR* folder, HANDLE* file)
 {
     WCHAR* const name = static_cast<WCHAR*>(TakeBlock((wcslen(folder) + NameRoom) * sizeof(WCHAR)));
@@ -29,8 +33,11 @@ i32 Raster::NameFile(u32 line, const WCHAR* folder, HANDLE* file)
         if (probe == INVALID_HANDLE_VALUE)
             break;
         ::CloseHandle(probe);
-        if (redraws == MostRedraws)
+        if (redraws == MostRedraws) {
+            GiveBlock(name);
+            lineRef[line] = NoLine;
             return NoStorage;
+        }
     }
     *file = ::CreateFileW(name, GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                           FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -95,7 +102,7 @@ void Raster::DeleteLineFile(u32 line)
 // Done; NothingDone for a line already out; Failed for a locked line or without a folder; NoMemory;
 // NoStorage.
 //
-// After NoStorage the reference holds 0, or a name when the redraws ran out, while the line counts
+// After NoStorage the reference holds 0, or no line when the redraws ran out, while the line counts
 // as resident: its physical line belongs to nobody until Reset. Meant: no attempt at a rescue may
 // write more where storage has just run out. The person is told that the picture may be damaged.
 i32 Raster::SwapOutLine(u32 line)

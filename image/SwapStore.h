@@ -1,6 +1,7 @@
 // A page store: blocks of any size behind opaque handles, each in memory or, when free memory falls
-// below a reserve, alone in a file of its own (its number in decimal and ".swp", the block's bytes
-// and nothing else), and brought back when it is locked. The largest unlocked page goes first.
+// below a reserve, alone in a file of its own (its number as FormatUnsigned gives it and ".swp",
+// the block's bytes and nothing else), and brought back when it is locked. The largest unlocked
+// page goes first.
 //
 // A piece of its own beside Raster, which pages its lines without it. The pages must be freed
 // before the store goes: its destructor takes down the allocator only, and records and files of

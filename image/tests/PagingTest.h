@@ -155,6 +155,8 @@ public:
         if (fails && fails(asked, size))
             return NoMemory;
         *out = std::calloc(1, size == 0 ? 1 : size);
+        if (*out == nullptr)
+            return NoMemory;
         ++outstanding;
         return Done;
     }

@@ -69,6 +69,33 @@ TEST_F(RasterStorage, AfterAHundredRedrawsTheNameSpaceCountsAsExhausted)
     EXPECT_EQ(FilesIn(FirstFolder), (Files{{"000007.tmp", Stride}, {"000009.tmp", 0}}));
 }
 
+TEST_F(RasterStorage, ALineThatFoundNoNameLeavesNoBlockBehind)
+{
+    for (const bool whileCreating : {false, true}) {
+        Raster taken;
+        MakeFilled(taken, 2, 1);
+        SetRandom({7});
+        ASSERT_EQ(taken.ReleaseLines(0, 1, 1), 1);
+        CountingAllocator allocator;
+        {
+            Raster raster(&allocator);
+            if (whileCreating)
+                ShortMemory();
+            else
+                MakeFilled(raster, 4, 3);
+            SetRandom(std::vector<LONG>(101, 7));
+            if (whileCreating)
+                EXPECT_EQ(raster.Create(5, 3, 24, FirstFolder, SecondFolder), -101);
+            else
+                EXPECT_EQ(raster.ReleaseLines(1, 1, 1), 0);
+            u8* row = nullptr;
+            EXPECT_EQ(raster.LockLines(whileCreating ? 0 : 1, &row, nullptr), 0);
+            EXPECT_EQ(raster.UnlockAll(), 1);
+        }
+        EXPECT_EQ(allocator.outstanding, 0);
+    }
+}
+
 TEST_F(RasterStorage, RedrawsThatRunOutOnReleaseLoseTheLineAndNoOther)
 {
     Raster raster;
