@@ -1,5 +1,7 @@
-#include "RandomStretches.h"
+#include "PlainStretch.h"
+#include "RandomRects.h"
 
+#include <cmath>
 #include <limits>
 
 namespace
@@ -7,257 +9,345 @@ namespace
 
 using Stretch = PagingTest;
 
-u32 Round(f64 value)
+i32 StretchRect(Raster& source, Raster* target, const DoubleRect& from, const DoubleRect& to)
 {
-    const f64 whole = std::trunc(value);
-    return static_cast<u32>(static_cast<u64>(whole)) + (value - whole >= 0.5 ? 1 : 0);
+    return source.StretchRect(target, from.left, from.top, from.right, from.bottom, to.left, to.top,
+                              to.right, to.bottom);
 }
 
-/// The stretch, step by step as it is told, for rectangles within reach of small rasters.
-/// Rectangles of one size are copied from truncated positions.
-void Stretched(const Plain& source, Plain& target, Sides s, Sides d)
+void Check(Twin& source, Twin& target, const DoubleRect& from, const DoubleRect& to)
 {
-    for (Sides* sides : {&s, &d}) {
-        if (sides->left > sides->right)
-            std::swap(sides->left, sides->right);
-        if (sides->top > sides->bottom)
-            std::swap(sides->top, sides->bottom);
-    }
-    if (!(s.left < source.width && s.top < source.height && d.left < target.width &&
-          d.top < target.height))
-        return;
-    const f64 sw = s.right - s.left + 1.0;
-    const f64 sh = s.bottom - s.top + 1.0;
-    const f64 dw = d.right - d.left + 1.0;
-    const f64 dh = d.bottom - d.top + 1.0;
-    if (sw == dw && sh == dh) {
-        i32 x = static_cast<i32>(s.left);
-        i32 y = static_cast<i32>(s.top);
-        i32 width = static_cast<i32>(sw);
-        i32 height = static_cast<i32>(sh);
-        i32 dx = static_cast<i32>(d.left);
-        i32 dy = static_cast<i32>(d.top);
-        if (x < 0) {
-            dx -= x;
-            x = 0;
-        }
-        if (y < 0) {
-            dy -= y;
-            y = 0;
-        }
-        if (dx < 0) {
-            width += dx;
-            x -= dx;
-            dx = 0;
-        }
-        if (dy < 0) {
-            height += dy;
-            y -= dy;
-            dy = 0;
-        }
-        for (i32 j = 0; j < height; ++j)
-            for (i32 i = 0; i < width; ++i) {
-                const i32 fromX = x + i, fromY = y + j, toX = dx + i, toY = dy + j;
-                if (fromX < static_cast<i32>(source.width) &&
-                    fromY < static_cast<i32>(source.height) &&
-                    toX < static_cast<i32>(target.width) && toY < static_cast<i32>(target.height))
-                    for (i32 k = 0; k < 3; ++k)
-                        target.rows[static_cast<size_t>(toY)][static_cast<size_t>(3 * toX + k)] =
-                            source.rows[static_cast<size_t>(fromY)]
-                                       [static_cast<size_t>(3 * fromX + k)];
-            }
-        return;
-    }
-    const u32 xStep = Round(sw * 65536.0 / dw);
-    const u32 yStep = Round(sh * 65536.0 / dh);
-    if (s.top < 0) {
-        d.top -= dh * s.top / sh;
-        s.top = 0;
-    }
-    if (s.left < 0) {
-        d.left -= dw * s.left / sw;
-        s.left = 0;
-    }
-    if (d.left < 0)
-        d.left = 0;
-    if (d.top < 0)
-        d.top = 0;
-    if (d.right >= target.width)
-        d.right = target.width - 1.0;
-    if (d.bottom >= target.height)
-        d.bottom = target.height - 1.0;
-    const i64 cols = static_cast<i64>(std::floor(d.right - d.left + 1.0));
-    const i64 rows = static_cast<i64>(std::floor(d.bottom - d.top + 1.0));
-    const i64 dx = static_cast<i64>(std::floor(d.left));
-    const i64 dy = static_cast<i64>(std::floor(d.top));
-    const u64 fx = static_cast<u64>(std::floor(s.left * 65536.0));
-    const u64 fy = static_cast<u64>(std::floor(s.top * 65536.0));
-    for (i64 j = 0; j < rows; ++j) {
-        const u64 fromY = (fy + static_cast<u64>(j) * yStep) >> 16;
-        if (fromY >= source.height || dy + j >= target.height)
-            break;
-        for (i64 i = 0; i < cols; ++i) {
-            const u64 fromX = (fx + static_cast<u64>(i) * xStep) >> 16;
-            if (fromX >= source.width || dx + i >= target.width)
-                break;
-            for (u64 k = 0; k < 3; ++k)
-                target.rows[static_cast<size_t>(dy + j)][3 * static_cast<size_t>(dx + i) + k] =
-                    source.rows[fromY][3 * fromX + k];
-        }
-    }
+    SCOPED_TRACE(::testing::Message() << "from " << from.left << " " << from.top << " "
+                                      << from.right << " " << from.bottom << " to " << to.left
+                                      << " " << to.top << " " << to.right << " " << to.bottom);
+    EXPECT_EQ(StretchRect(source.raster, &target.raster, from, to),
+              PlainStretchRect(source.plain, &target.plain, from, to));
+    ExpectSame({&source, &target});
 }
 
-i32 Draw(Raster& source, Raster& target, const Sides& s, const Sides& d)
+constexpr u8 Old = 0xEE;
+
+/// One row of `columns` pixels that are all `Old`, as a target.
+Rows OldRow(const Twin& twin)
 {
-    return source.StretchRect(&target, s.left, s.top, s.right, s.bottom, d.left, d.top, d.right,
-                              d.bottom);
+    return Rows(1, std::vector<u8>(twin.plain.stride, Old));
 }
 
-std::string Text(const Sides& sides)
+/// The source column that each pixel of a one-row target shows, -1 for an untouched one. The
+/// source's pixel x must be x, x >> 8, 0x55.
+std::vector<i32> ColumnsShown(Twin& target)
 {
-    char text[200];
-    std::snprintf(text, sizeof(text), "(%.17g, %.17g, %.17g, %.17g)", sides.left, sides.top,
-                  sides.right, sides.bottom);
-    return text;
+    const std::vector<u8> row = RowOf(target.raster, 0);
+    std::vector<i32> columns;
+    for (u32 x = 0; x < target.plain.width; ++x)
+        columns.push_back(row[x * 3 + 2] == Old ? -1 : row[x * 3] | (row[x * 3 + 1] << 8));
+    return columns;
 }
 
-/// A picture whose pixel (x, y) holds x in its blue and y in its green byte.
-void MakeMap(Raster& raster, u32 width, u32 height)
-{
-    ASSERT_EQ(raster.Create(width, height, 24, nullptr, nullptr), 1);
-    for (u32 y = 0; y < height; ++y)
-        for (u32 x = 0; x < width; ++x)
-            ASSERT_EQ(raster.SetPixel(static_cast<i32>(x), static_cast<i32>(y),
-                                      (x + 1) << 8 | (y + 1) << 16),
-                      1);
-}
+struct OneRow {
+    Twin source;
+    Twin target;
+    OneRow(u32 sourceWidth, u32 targetWidth)
+        : source(sourceWidth, 1, 24, 1), target(targetWidth, 1, 24, 2)
+    {
+        Rows rows = source.plain.rows;
+        for (u32 x = 0; x < sourceWidth; ++x) {
+            rows[0][x * 3] = static_cast<u8>(x);
+            rows[0][x * 3 + 1] = static_cast<u8>(x >> 8);
+            rows[0][x * 3 + 2] = 0x55;
+        }
+        source.SetRows(rows);
+        target.SetRows(OldRow(target));
+    }
+    std::vector<i32> Shown(f64 fromLeft, f64 fromRight, f64 toLeft, f64 toRight)
+    {
+        EXPECT_EQ(source.raster.StretchRect(&target.raster, fromLeft, 0, fromRight, 0, toLeft, 0,
+                                            toRight, 0),
+                  1);
+        return ColumnsShown(target);
+    }
+};
 
-/// The source column that shows at (x, 0), counted from 1; 0 for none.
-u32 ColumnAt(Raster& raster, i32 x)
-{
-    u32 color = 0;
-    EXPECT_EQ(raster.GetPixel(x, 0, &color), 1);
-    return (color >> 8) & 255;
-}
+using List = std::vector<i32>;
 
 } // namespace
 
-TEST_F(Stretch, FollowsItsStepsForRandomRectanglesOnEverySide)
+TEST_F(Stretch, IsItsFormulaForEveryWidthAndRectanglesOnAllSides)
 {
-    ExpectSameForRandomStretches(
-        7,
-        [](Raster& source, Raster& target, const StretchCase& drawn) {
-            return Draw(source, target, drawn.source, drawn.target);
-        },
-        [](const Plain& source, Plain& target, const StretchCase& drawn) {
-            Stretched(source, target, drawn.source, drawn.target);
-        });
-}
-
-TEST_F(Stretch, WholePicturesOfAllSizesFollowItsSteps)
-{
+    RandomRects random(11);
     for (u32 width = 1; width <= 33; ++width)
-        for (u32 targetWidth = 1; targetWidth <= 33; ++targetWidth) {
-            Raster source;
-            Raster target;
-            ASSERT_NO_FATAL_FAILURE(MakeRaster(source, width, 3, 24, width, Paging::None));
-            ASSERT_NO_FATAL_FAILURE(MakeRaster(target, targetWidth, 5, 24, 99, Paging::None));
-            const Sides s = {0, 0, width - 1.0, 2};
-            const Sides d = {0, 0, targetWidth - 1.0, 4};
-            Plain expected = PlainOf(target);
-            Stretched(PlainOf(source), expected, s, d);
-            ASSERT_EQ(Draw(source, target, s, d), 1);
-            ASSERT_EQ(PlainOf(target).rows, expected.rows) << width << " to " << targetWidth;
+        for (u32 round = 0; round < 24; ++round) {
+            const u32 height = 1 + random.Below(6);
+            const u32 targetWidth = 1 + random.Below(33);
+            const u32 targetHeight = 1 + random.Below(6);
+            Twin source(width, height, 24, width + round);
+            Twin target(targetWidth, targetHeight, 24, 1000 + round);
+            const DoubleRect from = random.Around(width, height);
+            Check(source, target, from, random.Around(targetWidth, targetHeight));
+            Check(source, target, from, random.Moved(from, targetWidth, targetHeight));
+            if (HasFailure())
+                return;
         }
 }
 
-TEST_F(Stretch, EqualSizesGiveWhatAStretchByOneGives)
+TEST_F(Stretch, IsItsFormulaForEveryRatioOfWholeRasters)
 {
-    Raster source;
-    Raster copied;
-    Raster stretched;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, 9, 7, 24, 1, Paging::None));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(copied, 9, 7, 24, 2, Paging::None));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(stretched, 9, 7, 24, 2, Paging::None));
-    ASSERT_EQ(Draw(source, copied, {1, 1, 6, 5}, {2, 2, 7, 6}), 1);
-    // A hair's breadth of difference takes the other way and steps by exactly 1 all the same.
-    ASSERT_EQ(Draw(source, stretched, {1, 1, 6, 5}, {2, 2, 7.0000001, 6.0000001}), 1);
-    EXPECT_EQ(PlainOf(copied).rows, PlainOf(stretched).rows);
+    for (u32 width = 1; width <= 33; ++width) {
+        Twin source(width, 2, 24, width);
+        for (u32 targetWidth = 1; targetWidth <= 33; ++targetWidth) {
+            Twin target(targetWidth, 3, 24, targetWidth);
+            Check(source, target, {0, 0, width - 1.0, 1}, {0, 0, targetWidth - 1.0, 2});
+        }
+    }
+    Twin wide(257, 3, 24, 1);
+    Twin wider(1000, 5, 24, 2);
+    Check(wide, wider, {0, 0, 256, 2}, {0, 0, 999, 4});
+    Check(wider, wide, {0, 0, 999, 4}, {0, 0, 256, 2});
+    Check(wide, wider, {-3.25, -1, 300.5, 2.5}, {-7.5, -0.5, 1007.125, 4.75});
 }
 
-TEST_F(Stretch, ASourceThatStartsBeforeThePictureMovesTheTarget)
+TEST_F(Stretch, IsItsFormulaForRectanglesFarBeyondTheRasters)
 {
-    Raster source;
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeMap(source, 20, 1));
-    ASSERT_EQ(target.Create(60, 1, 24, nullptr, nullptr), 1);
-    // Scale 2: thirty columns from -10 fill sixty; the first twenty belong to no pixel.
-    ASSERT_EQ(Draw(source, target, {-10, 0, 19, 0}, {0, 0, 59, 0}), 1);
-    for (i32 x = 0; x < 60; ++x)
-        EXPECT_EQ(ColumnAt(target, x), x < 20 ? 0u : static_cast<u32>(x - 20) / 2 + 1) << x;
+    const f64 far[] = {-1e300, -5e9, -1e6, 1e6, 5e9, 1e300};
+    for (const f64 low : far)
+        for (const f64 high : far) {
+            Twin source(9, 4, 24, 1);
+            Twin target(7, 5, 24, 2);
+            Check(source, target, {low, low, high, high}, {0, 0, 6, 4});
+            Check(source, target, {0, 0, 8, 3}, {low, low, high, high});
+            Check(source, target, {2, 1, high, 2}, {1, low, 5, 4});
+        }
 }
 
-TEST_F(Stretch, ATargetThatStartsOutsideIsMovedInWithoutSkippingTheSource)
+TEST_F(Stretch, TakesOnlyTwentyFourBitsAndChangesNothingElse)
 {
-    Raster source;
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeMap(source, 10, 1));
-    ASSERT_EQ(target.Create(20, 1, 24, nullptr, nullptr), 1);
-    ASSERT_EQ(Draw(source, target, {0, 0, 9, 0}, {-10, 0, 9, 0}), 1);
-    for (i32 x = 0; x < 20; ++x)
-        EXPECT_EQ(ColumnAt(target, x), x < 10 ? static_cast<u32>(x) / 2 + 1 : 0u) << x;
+    for (const u32 depth : {8u, 16u, 24u, 32u})
+        for (const u32 targetDepth : {8u, 16u, 24u, 32u}) {
+            Twin source(5, 4, depth, 1, Storage::Paging);
+            Twin target(7, 3, targetDepth, 2, Storage::Paging);
+            source.PageOut(1);
+            target.PageOut(1);
+            EXPECT_EQ(StretchRect(source.raster, &target.raster, {0, 0, 4, 3}, {0, 0, 6, 2}),
+                      depth == 24 && targetDepth == 24 ? 1 : -1);
+            (void)PlainStretchRect(source.plain, &target.plain, {0, 0, 4, 3}, {0, 0, 6, 2});
+            // Depth is looked at before whether anything is left to draw.
+            EXPECT_EQ(StretchRect(source.raster, &target.raster, {5, 4, 9, 9}, {0, 0, 6, 2}),
+                      depth == 24 && targetDepth == 24 ? 1 : -1);
+            ExpectSame({&source, &target});
+        }
+}
+
+TEST_F(Stretch, RefusesNoTargetAndRastersThatWereNotCreated)
+{
+    Twin source(5, 4, 24, 1);
+    Twin empty;
+    EXPECT_EQ(StretchRect(source.raster, nullptr, {0, 0, 4, 3}, {0, 0, 4, 3}), -4);
+    EXPECT_EQ(StretchRect(empty.raster, nullptr, {0, 0, 4, 3}, {0, 0, 4, 3}), -4);
+    EXPECT_EQ(StretchRect(source.raster, &empty.raster, {0, 0, 4, 3}, {0, 0, 4, 3}), -1);
+    EXPECT_EQ(StretchRect(empty.raster, &source.raster, {0, 0, 4, 3}, {0, 0, 4, 3}), -1);
+    ExpectSame({&source});
+}
+
+TEST_F(Stretch, DrawsNothingOfRastersWithoutPixels)
+{
+    for (const u32 width : {0u, 3u}) {
+        Twin empty(width, width == 0 ? 3 : 0, 24, 1);
+        Twin full(5, 4, 24, 2);
+        Check(empty, full, {-2, -2, 4, 4}, {0, 0, 4, 3});
+        Check(full, empty, {0, 0, 4, 3}, {-2, -2, 8, 8});
+        Check(empty, full, {-2, -2, 2, 1}, {0, 0, 4, 3});
+        Check(full, empty, {0, 0, 4, 3}, {-2, -2, 2, 1});
+    }
+}
+
+TEST_F(Stretch, AStretchWithinOneRasterReadsWhatItHasJustWritten)
+{
+    RandomRects random(12);
+    for (u32 round = 0; round < 60; ++round) {
+        Twin twin(17, 6, 24, round);
+        const DoubleRect from = random.Around(17, 6);
+        const DoubleRect to = random.Around(17, 6);
+        if (from.right - from.left == to.right - to.left)
+            continue; // one size may copy, and a copy over itself is another matter
+        EXPECT_EQ(StretchRect(twin.raster, &twin.raster, from, to),
+                  PlainStretchRect(twin.plain, &twin.plain, from, to));
+        ExpectSame({&twin});
+    }
+}
+
+TEST_F(Stretch, ReleasesEachPairOfLinesAsSoonAsItIsDone)
+{
+    RandomRects random(13);
+    for (u32 round = 0; round < 40; ++round) {
+        Twin source(6, 5, 24, round, Storage::Paging);
+        Twin target(9, 6, 24, 100 + round, Storage::Paging);
+        const DoubleRect from = random.Around(6, 5);
+        const DoubleRect to = round % 4 == 0 ? random.Moved(from, 9, 6) : random.Around(9, 6);
+        {
+            const WithShortMemory memory;
+            EXPECT_EQ(StretchRect(source.raster, &target.raster, from, to),
+                      PlainStretchRect(source.plain, &target.plain, from, to));
+        }
+        ExpectSame({&source, &target});
+    }
+}
+
+TEST_F(Stretch, ALineThatDoesNotLockEndsTheWorkQuietlyAndTheOthersStayAsTheyAre)
+{
+    for (u32 line = 0; line < 5; ++line)
+        for (const bool ofSource : {true, false})
+            for (const f64 bottom : {2.0, 4.0, 9.0}) {
+                Twin source(7, 5, 24, 1, Storage::Paging);
+                Twin target(8, 5, 24, 2, Storage::Paging);
+                (ofSource ? source : target).Refuse(line);
+                EXPECT_EQ(
+                    StretchRect(source.raster, &target.raster, {0, 0, 5, bottom}, {1, 0, 6.5, 4}),
+                    1);
+                EXPECT_EQ(PlainStretchRect(source.plain, &target.plain, {0, 0, 5, bottom},
+                                           {1, 0, 6.5, 4}),
+                          1);
+                ExpectSame({&source, &target});
+            }
+}
+
+TEST_F(Stretch, BetweenEqualSizesALineThatDoesNotLockIsReportedAsByACopy)
+{
+    for (u32 line = 0; line < 5; ++line)
+        for (const bool ofSource : {true, false}) {
+            Twin source(7, 5, 24, 1, Storage::Paging);
+            Twin target(8, 5, 24, 2, Storage::Paging);
+            (ofSource ? source : target).Refuse(line);
+            EXPECT_EQ(StretchRect(source.raster, &target.raster, {0, 0, 5, 4}, {1, 0, 6, 4}), -2);
+            EXPECT_EQ(PlainStretchRect(source.plain, &target.plain, {0, 0, 5, 4}, {1, 0, 6, 4}),
+                      -2);
+            ExpectSame({&source, &target});
+        }
+}
+
+TEST_F(Stretch, ShrinkingNeverAsksForTheLinesBetween)
+{
+    for (const u32 line : {1u, 3u, 5u}) {
+        Twin source(6, 6, 24, 1, Storage::Paging);
+        Twin target(6, 3, 24, 2);
+        source.Refuse(line);
+        EXPECT_EQ(StretchRect(source.raster, &target.raster, {0, 0, 5, 5}, {0, 0, 5, 2}), 1);
+        for (i32 y = 0; y < 3; ++y)
+            EXPECT_EQ(RowOf(target.raster, y)[0], source.plain.rows[static_cast<u32>(y) * 2][0]);
+        EXPECT_EQ(FilesIn(FirstFolder).size(), 1u);
+    }
+}
+
+TEST_F(Stretch, ASourceFromMinusTenAtTwiceTheSizeMovesTheTargetTwentyPixelsRight)
+{
+    List expected(20, -1);
+    for (i32 x = 0; x < 8; ++x)
+        expected.insert(expected.end(), {x, x});
+    expected.resize(40, -1);
+    EXPECT_EQ(OneRow(8, 40).Shown(-10, 7, 0, 35), expected);
+}
+
+TEST_F(Stretch, ATargetThatBeginsBeforeTheRasterShowsTheSourceFromItsStart)
+{
+    EXPECT_EQ(OneRow(4, 8).Shown(0, 3, -4, 3), (List{0, 0, 1, 1, -1, -1, -1, -1}));
+}
+
+TEST_F(Stretch, ATargetThatEndsBehindTheRasterIsCut)
+{
+    EXPECT_EQ(OneRow(4, 5).Shown(0, 3, 2, 9), (List{-1, -1, 0, 0, 1}));
+    EXPECT_EQ(OneRow(4, 5).Shown(0, 3, 5, 12), (List(5, -1)));
+}
+
+TEST_F(Stretch, InvertedRectanglesAreThoseBetweenTheSameCorners)
+{
+    EXPECT_EQ(OneRow(4, 8).Shown(3, 0, 7, 0), (List{0, 0, 1, 1, 2, 2, 3, 3}));
+}
+
+TEST_F(Stretch, ABrokenTargetColumnIsDrawnFromThePixelThatHoldsItsLeftEdge)
+{
+    EXPECT_EQ(OneRow(8, 6).Shown(0, 7, 0.875, 3.875), (List{0, 2, 4, 6, -1, -1}));
+    EXPECT_EQ(OneRow(8, 6).Shown(0, 7, 1.5, 4.75), (List{-1, 0, 1, 3, 5, -1}));
+}
+
+TEST_F(Stretch, ABrokenSourceColumnCountsFromWhereItLies)
+{
+    // Step 32768, from 1.75: 1.75, 2.25, 2.75, 3.25.
+    EXPECT_EQ(OneRow(8, 4).Shown(1.75, 2.75, 0, 3), (List{1, 2, 2, 3}));
+}
+
+TEST_F(Stretch, EqualBrokenSizesCopyFromTruncatedPlaces)
+{
+    // A stretch by 1.0 would begin at column 3.
+    EXPECT_EQ(OneRow(4, 8).Shown(-2.5, 1.5, 0.5, 4.5), (List{-1, -1, 0, 1, 2, 3, -1, -1}));
+    EXPECT_EQ(OneRow(4, 8).Shown(0.75, 2.5, 3.75, 5.5), (List{-1, -1, -1, 0, 1, -1, -1, -1}));
+}
+
+TEST_F(Stretch, BetweenEqualSizesATargetBeforeTheRasterLosesItsStart)
+{
+    EXPECT_EQ(OneRow(4, 4).Shown(0, 3, -2, 1), (List{2, 3, -1, -1}));
+}
+
+TEST_F(Stretch, ARoundedUpStepRunsOutOfSourceBeforeTheTargetEnds)
+{
+    // 65536 / 1000 = 65.5 and more, so 66: the 993rd step is past the only pixel.
+    List expected(1000, -1);
+    std::fill_n(expected.begin(), 993, 0);
+    EXPECT_EQ(OneRow(1, 1000).Shown(0, 0, 0, 999), expected);
+}
+
+TEST_F(Stretch, ARoundedDownStepReachesTheNextPixelLate)
+{
+    // 131072 / 2004 = 65.4, so 65: column 1 begins at 1009 and not at 1002.
+    List expected(2004, 1);
+    std::fill_n(expected.begin(), 1009, 0);
+    EXPECT_EQ(OneRow(2, 2004).Shown(0, 1, 0, 2003), expected);
+}
+
+TEST_F(Stretch, AStepOfExactlyAHalfRoundsUp)
+{
+    // 3 * 65536 / 131072 is 1.5: the second pixel comes after 32,768 columns of step 2.
+    const List shown = OneRow(3, 33000).Shown(0, 2, 0, 131071);
+    EXPECT_EQ(shown[32767], 0);
+    EXPECT_EQ(shown[32768], 1);
 }
 
 TEST_F(Stretch, ARowThatRunsPastTheSourceIsCutThere)
 {
-    Raster source;
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeMap(source, 4, 1));
-    ASSERT_EQ(target.Create(16, 1, 24, nullptr, nullptr), 1);
     // Eight columns to sixteen, of which the source has four.
-    ASSERT_EQ(Draw(source, target, {0, 0, 7, 0}, {0, 0, 15, 0}), 1);
-    for (i32 x = 0; x < 16; ++x)
-        EXPECT_EQ(ColumnAt(target, x), x < 8 ? static_cast<u32>(x) / 2 + 1 : 0u) << x;
+    EXPECT_EQ(OneRow(4, 16).Shown(0, 7, 0, 15),
+              (List{0, 0, 1, 1, 2, 2, 3, 3, -1, -1, -1, -1, -1, -1, -1, -1}));
 }
 
-TEST_F(Stretch, OtherDepthsAreRefused)
+TEST_F(Stretch, EqualSizesGiveWhatAStretchByOneGives)
 {
-    Raster plain;
-    ASSERT_EQ(plain.Create(4, 4, 24, nullptr, nullptr), 1);
-    for (u32 depth : {8u, 16u, 32u}) {
-        Raster other;
-        ASSERT_EQ(other.Create(4, 4, depth, nullptr, nullptr), 1);
-        EXPECT_EQ(Draw(plain, other, {0, 0, 3, 3}, {0, 0, 3, 3}), -1);
-        EXPECT_EQ(Draw(other, plain, {0, 0, 3, 3}, {0, 0, 3, 3}), -1);
-        EXPECT_EQ(Draw(other, plain, {9, 9, 9, 9}, {9, 9, 9, 9}), -1);
-    }
-    Raster empty;
-    EXPECT_EQ(Draw(empty, plain, {0, 0, 3, 3}, {0, 0, 3, 3}), -1);
-    EXPECT_EQ(Draw(plain, empty, {0, 0, 3, 3}, {0, 0, 3, 3}), -1);
-    EXPECT_EQ(plain.StretchRect(nullptr, 0, 0, 1, 1, 0, 0, 1, 1), -4);
+    Twin source(9, 7, 24, 1);
+    Twin copied(9, 7, 24, 2);
+    Twin stretched(9, 7, 24, 2);
+    ASSERT_EQ(StretchRect(source.raster, &copied.raster, {1, 1, 6, 5}, {2, 2, 7, 6}), 1);
+    // A hair's breadth of difference takes the other way and steps by exactly 1 all the same.
+    ASSERT_EQ(
+        StretchRect(source.raster, &stretched.raster, {1, 1, 6, 5}, {2, 2, 7.0000001, 6.0000001}),
+        1);
+    EXPECT_EQ(RowsOf(copied.raster), RowsOf(stretched.raster));
+    EXPECT_NE(RowsOf(copied.raster), copied.plain.rows);
 }
 
 TEST_F(Stretch, WhatLiesOutsideDrawsNothing)
 {
-    Raster source;
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeMap(source, 4, 4));
-    ASSERT_EQ(target.Create(4, 4, 24, nullptr, nullptr), 1);
-    const Sides whole = {0, 0, 3, 3};
-    const Sides beyond[] = {{4, 0, 9, 9}, {0, 4, 9, 9}, {-9, 0, -5, 9}, {0, -9, 9, -5}};
-    for (const Sides& sides : beyond) {
-        EXPECT_EQ(Draw(source, target, sides, whole), 1);
-        EXPECT_EQ(Draw(source, target, whole, sides), 1);
-        EXPECT_EQ(RowsOf(target), Rows(4, std::vector<u8>(12))) << Text(sides);
+    Twin source(4, 4, 24, 1);
+    Twin target(4, 4, 24, 2);
+    const DoubleRect whole = {0, 0, 3, 3};
+    const DoubleRect beyond[] = {{4, 0, 9, 9}, {0, 4, 9, 9}, {-9, 0, -5, 9}, {0, -9, 9, -5}};
+    for (const DoubleRect& rect : beyond) {
+        EXPECT_EQ(StretchRect(source.raster, &target.raster, rect, whole), 1);
+        EXPECT_EQ(StretchRect(source.raster, &target.raster, whole, rect), 1);
+        ExpectSame({&source, &target});
     }
 }
 
 TEST_F(Stretch, NumbersOutOfReachStayInsideTheLines)
 {
-    Raster source;
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, 5, 4, 24, 1, Paging::None));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(target, 6, 3, 24, 2, Paging::None));
+    Twin source(5, 4, 24, 1);
+    Twin target(6, 3, 24, 2);
     const f64 infinity = std::numeric_limits<f64>::infinity();
     const f64 nothing = std::numeric_limits<f64>::quiet_NaN();
     const f64 values[] = {-infinity, -1e300, -4294967296.0, -1.5, 0,        0.5,    1e-300,
@@ -265,80 +355,56 @@ TEST_F(Stretch, NumbersOutOfReachStayInsideTheLines)
     for (f64 a : values)
         for (f64 b : values)
             for (f64 c : values)
-                for (f64 e : values)
-                    ASSERT_EQ(Draw(source, target, {a, a, b, b}, {c, c, e, e}), 1);
+                for (f64 d : values)
+                    ASSERT_EQ(
+                        StretchRect(source.raster, &target.raster, {a, a, b, b}, {c, c, d, d}), 1);
 }
 
-TEST_F(Stretch, ASumThatRoundsUpDoesNotReachPastTheTarget)
+TEST_F(Stretch, AWidthThatRoundsUpDoesNotLeaveTheLine)
 {
-    // 0.99999999999999989 + 1.0 rounds to 2.0, which would be two columns in a row of one.
-    const f64 edge = std::nextafter(1.0, 0.0);
-    ASSERT_EQ(edge + 1.0, 2.0);
-    Raster source;
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, 8, 8, 24, 1, Paging::None));
-    ASSERT_EQ(target.Create(1, 1, 24, nullptr, nullptr), 1);
-    ASSERT_EQ(Draw(source, target, {0, 0, 4, 4}, {0, 0, edge, edge}), 1);
-    EXPECT_EQ(RowOf(target, 0)[0], PatternByte(1, 0, 0));
-    EXPECT_EQ(RowOf(target, 0)[3], 0);
-}
-
-TEST_F(Stretch, PositionsPast32BitsCountAsPastTheSource)
-{
-    Raster source;
-    ASSERT_EQ(source.Create(60000, 1, 24, nullptr, nullptr), 1);
-    for (i32 x = 0; x < 60000; ++x)
-        ASSERT_EQ(source.SetPixel(x, 0, 0x10101000u + (static_cast<u32>(x % 7) << 8)), 1);
-    Raster target;
-    ASSERT_EQ(target.Create(40, 1, 24, nullptr, nullptr), 1);
-    // A step of 10,000 columns: six lie in the source; the seventh, at 60,000, is past it, and the
-    // eighth's sum passes 2^32.
-    ASSERT_EQ(Draw(source, target, {0, 0, 399999, 0}, {0, 0, 39, 0}), 1);
-    for (i32 x = 0; x < 40; ++x) {
-        u32 color = 0;
-        ASSERT_EQ(target.GetPixel(x, 0, &color), 1);
-        EXPECT_EQ((color >> 8) & 255, x < 6 ? 0x10u + static_cast<u32>(x * 10000 % 7) : 0u) << x;
-    }
-    // From the far end on the accumulator needs all 32 bits.
-    ASSERT_EQ(target.FillAll(0x000000FF), 1);
-    ASSERT_EQ(Draw(source, target, {59990, 0, 60009, 0}, {0, 0, 39, 0}), 1);
-    for (i32 x = 0; x < 40; ++x) {
-        u32 color = 0;
-        ASSERT_EQ(target.GetPixel(x, 0, &color), 1);
-        EXPECT_EQ((color >> 8) & 255, x < 20 ? 0x10u + static_cast<u32>((59990 + x / 2) % 7) : 0u)
-            << x;
+    // The number just below the width is not cut to width - 1, and its run rounds up to width + 1.
+    for (const u32 width : {1u, 2u, 4u, 8u, 32u}) {
+        const f64 edge = std::nextafter(static_cast<f64>(width), 0.0);
+        ASSERT_EQ(edge + 1.0, width + 1.0);
+        Twin source(width + 8, width + 8, 24, 1);
+        Twin target(width, width, 24, 2);
+        Check(source, target, {0, 0, width + 7.0, width + 7.0}, {0, 0, edge, edge});
     }
 }
 
-TEST_F(Stretch, ASourceOfMoreThan65536ColumnsIsReachedUpToThatMany)
+TEST_F(Stretch, PositionsPastThirtyTwoBitsArePastTheSource)
 {
-    Raster source;
-    ASSERT_EQ(source.Create(70000, 1, 24, nullptr, nullptr), 1);
-    ASSERT_EQ(source.FillAll(0x808080FF), 1);
-    Raster target;
-    ASSERT_EQ(target.Create(40, 1, 24, nullptr, nullptr), 1);
-    // A step of 3,500 columns: the nineteenth is 63,000, and the next one's sum passes 2^32.
-    ASSERT_EQ(Draw(source, target, {0, 0, 139999, 0}, {0, 0, 39, 0}), 1);
-    for (i32 x = 0; x < 40; ++x)
-        EXPECT_EQ(ColumnAt(target, x), x < 19 ? 0x80u : 0u) << x;
+    // A step of 10,000 columns: the seventh lies past the source, and the eighth's sum past 2^32.
+    List expected(40, -1);
+    for (i32 x = 0; x < 6; ++x)
+        expected[static_cast<size_t>(x)] = x * 10000;
+    EXPECT_EQ(OneRow(60000, 40).Shown(0, 399999, 0, 39), expected);
 }
 
-TEST_F(Stretch, ALineThatCannotBeLockedEndsTheWorkQuietly)
+TEST_F(Stretch, ASourceOfMoreThanSixteenBitsOfColumnsIsReachedUpToThere)
 {
-    CountingAllocator memory;
-    Raster source(&memory);
-    Raster target;
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(source, 5, 4, 24, 1, Paging::Under));
-    ASSERT_NO_FATAL_FAILURE(MakeRaster(target, 10, 8, 24, 2, Paging::None));
-    const Plain from = PlainOf(source);
-    Plain expected = PlainOf(target);
-    const Rows before = expected.rows;
-    Stretched(from, expected, {0, 0, 4, 3}, {0, 0, 9, 7});
-    ASSERT_EQ(source.ReleaseLines(2, 1, 1), 1);
-    memory.fails = [](int, u32) { return true; };
-    EXPECT_EQ(Draw(source, target, {0, 0, 4, 3}, {0, 0, 9, 7}), 1);
-    memory.fails = nullptr;
-    const Rows after = PlainOf(target).rows;
-    for (size_t y = 0; y < 8; ++y)
-        EXPECT_EQ(after[y], y < 4 ? expected.rows[y] : before[y]) << y;
+    // A step of 3,500 columns: the nineteenth is 63,000, and the next one's sum passes 2^32 though
+    // the source still has its column.
+    List expected(40, -1);
+    for (i32 x = 0; x < 19; ++x)
+        expected[static_cast<size_t>(x)] = x * 3500;
+    EXPECT_EQ(OneRow(70000, 40).Shown(0, 139999, 0, 39), expected);
+}
+
+TEST_F(Stretch, ASourceColumnBeyondThirtyOneBitsOfFixedPointIsFound)
+{
+    EXPECT_EQ(OneRow(40000, 3).Shown(39990, 39995, 0, 2), (List{39990, 39992, 39994}));
+}
+
+TEST_F(Stretch, ALineWhoseDataIsLostEndsTheWorkQuietly)
+{
+    Twin source(6, 3, 24, 1);
+    source.allocator.fails = [](int, u32) { return true; };
+    EXPECT_EQ(source.raster.InsertLines(3, nullptr), -2); // line 3 has no record
+    source.allocator.fails = nullptr;
+    Twin target(6, 8, 24, 2);
+    EXPECT_EQ(StretchRect(source.raster, &target.raster, {0, 0, 5, 3}, {0, 0, 5, 7}), 1);
+    for (u32 y = 0; y < 6; ++y)
+        target.plain.rows[y] = source.plain.rows[y / 2];
+    ExpectSame({&target});
 }
