@@ -125,7 +125,7 @@ TEST_F(StretchedRegion, LinesUpWithTheWholeStretchToThePixel)
     RandomRects random(22);
     u32 drawn = 0;
     u32 kept = 0;
-    for (u32 round = 0; round < 300; ++round) {
+    for (u32 round = 0; round < 600; ++round) {
         Twin source(1 + random.Below(20), 5, 24, round);
         const u32 width = 1 + random.Below(33);
         Twin whole(width, 7, 24, 999);

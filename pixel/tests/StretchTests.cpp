@@ -405,6 +405,6 @@ TEST_F(Stretch, ALineWhoseDataIsLostEndsTheWorkQuietly)
     Twin target(6, 8, 24, 2);
     EXPECT_EQ(StretchRect(source.raster, &target.raster, {0, 0, 5, 3}, {0, 0, 5, 7}), 1);
     for (u32 y = 0; y < 6; ++y)
-        target.plain.rows[y] = source.plain.rows[y / 2];
+        std::copy_n(source.plain.rows[y / 2].begin(), 18, target.plain.rows[y].begin());
     ExpectSame({&target});
 }
