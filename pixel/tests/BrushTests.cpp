@@ -347,30 +347,38 @@ TEST_F(Brushes, BlocksComeFromTheGivenAllocatorAndAllGoBack)
     EXPECT_EQ(allocator.outstanding, 0);
 }
 
-TEST_F(Brushes, AnyBlockThatIsRefusedMeansNoMask)
+TEST_F(Brushes, AMaskThatLacksABlockIsRefusedAndTheNextOneIsWhole)
 {
     Twin twin(8, 8, 24, 1);
-    unsigned refused = 0;
-    for (int wrong = 1;; ++wrong) {
+    PlainRaster mask = PlainBrushMask(3);
+    int refused = 0;
+    bool fired = true;
+    for (int wrong = 1; fired; ++wrong) {
         ASSERT_LT(wrong, 200);
+        // Create of a raster on its own tells what a refused block means to it.
+        i32 alone = 0;
+        {
+            Twin alike;
+            alike.allocator.asked = 0;
+            alike.allocator.fails = [wrong](int number, u32) { return number == wrong; };
+            alone = alike.raster.Create(6, 6, 8, nullptr, nullptr);
+            fired = alike.allocator.asked >= wrong;
+        }
         CountingAllocator allocator;
         {
             Brush brush(&allocator);
             allocator.asked = 0;
             allocator.fails = [wrong](int number, u32) { return number == wrong; };
-            const i32 result = brush.Create(3, 256, 1);
-            const bool finished = allocator.asked < wrong;
+            EXPECT_EQ(brush.Create(3, 256, 1), alone < 0 ? -1 : 1) << wrong;
             allocator.fails = nullptr;
-            EXPECT_EQ(result, finished ? 1 : -1) << wrong;
-            EXPECT_EQ(brush.Stroke(&twin.raster, 0, 40, 40, nullptr), finished ? 1 : -3);
-            if (finished)
-                break;
-            ++refused;
+            EXPECT_EQ(brush.Stroke(&twin.raster, Black, 40, 40, nullptr), alone < 0 ? -3 : 1);
+            refused += alone < 0;
             EXPECT_EQ(brush.Create(3, 256, 1), 1);
+            Check(brush, mask, twin, Black, 4, 4);
         }
         EXPECT_EQ(allocator.outstanding, 0);
     }
-    EXPECT_GT(refused, 6u);
+    EXPECT_GT(refused, 6);
 }
 
 TEST_F(Brushes, NoShortageOfMemoryHarmsOrLeaks)
