@@ -254,7 +254,13 @@ TEST_F(ScaleTo, ALineThatDoesNotLockLeavesWhatItsFormulaLeaves)
                     Twin source(10, height, 24, 1, Storage::Paging); // a stride of 32
                     Twin target(10, 7, 24, 2, Storage::Paging);
                     (ofSource ? source : target).Refuse(line);
-                    Check(source, target, Background, flags & 1, flags >> 1);
+                    EXPECT_EQ(
+                        source.raster.ScaleTo(&target.raster, Background, flags & 1, flags >> 1),
+                        PlainScaleTo(source.plain, &target.plain, Background, flags & 1,
+                                     flags >> 1));
+                    if (ofSource)
+                        target.PageOut(0); // shows what else is locked
+                    ExpectSame({&source, &target});
                 }
 }
 

@@ -273,8 +273,8 @@ TEST_F(StretchedRegion, ALineThatDoesNotLockEndsTheWorkQuietlyAndTheOthersStayAs
     for (u32 line = 0; line < 5; ++line)
         for (const bool ofSource : {true, false})
             for (const f64 bottom : {2.0, 4.0, 9.0}) {
-                Twin source(7, 5, 24, 1, Storage::Paging);
-                Twin target(8, 5, 24, 2, Storage::Paging);
+                Twin source(9, 6, 24, 1, Storage::Paging);
+                Twin target(10, 6, 24, 2, Storage::Paging);
                 (ofSource ? source : target).Refuse(line);
                 EXPECT_EQ(StretchRegion(source.raster, &target.raster, {0, 0, 5, bottom},
                                         {1, 0, 6, 4}, clip),
@@ -282,6 +282,7 @@ TEST_F(StretchedRegion, ALineThatDoesNotLockEndsTheWorkQuietlyAndTheOthersStayAs
                 EXPECT_EQ(PlainStretchRegion(source.plain, &target.plain, {0, 0, 5, bottom},
                                              {1, 0, 6, 4}, clip),
                           1);
+                (ofSource ? target : source).PageOut(5); // no part of it; shows what is locked
                 ExpectSame({&source, &target});
             }
 }
