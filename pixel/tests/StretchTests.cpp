@@ -104,6 +104,8 @@ TEST_F(Stretch, IsItsFormulaForEveryRatioOfWholeRasters)
     Check(wide, wider, {0, 0, 256, 2}, {0, 0, 999, 4});
     Check(wider, wide, {0, 0, 999, 4}, {0, 0, 256, 2});
     Check(wide, wider, {-3.25, -1, 300.5, 2.5}, {-7.5, -0.5, 1007.125, 4.75});
+    Twin widest(70000, 1, 24, 3);
+    Check(widest, wider, {0, 0, 139999, 0}, {0, 0, 39, 4});
 }
 
 TEST_F(Stretch, IsItsFormulaForRectanglesFarBeyondTheRasters)
