@@ -180,6 +180,15 @@ TEST_F(BoxScaleLine, RefusesWhatItCannotDoWithoutLockingAnything)
     EXPECT_EQ(empty.BoxScaleLine(byte, 1, 1, 1), -4);
 }
 
+TEST_F(BoxScaleLine, APictureWithoutColumnsLeavesTheRowAsItWas)
+{
+    Raster thin;
+    ASSERT_EQ(thin.Create(0, 4, 24, nullptr, nullptr), 1);
+    std::vector<u8> out(9, Old);
+    EXPECT_EQ(thin.BoxScaleLine(out.data(), 1, 2, 3), 1);
+    EXPECT_EQ(out, std::vector<u8>(9, Old));
+}
+
 TEST_F(BoxScaleLine, ItsLinesStayLocked)
 {
     for (u32 row = 0; row < 3; ++row)
