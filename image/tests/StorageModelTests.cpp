@@ -1,0 +1,330 @@
+// Random runs of every operation on two rasters that share folders, under free memory that changes
+// from step to step, against the plain form that goes step by step.
+
+#include "image/tests/StorageTwin.h"
+
+#include <memory>
+
+namespace
+{
+
+class StorageModel : public PagingTest
+{
+protected:
+    struct Options {
+        bool folderFaults = false;
+        bool memoryFaults = false;
+        u32 baseWidth = 1; // wide lines let an allocator tell a line from a table
+        u32 depth = 0;     // 0: any
+        bool tables = false;
+    };
+
+    void Begin(u32 seed, const Options& given)
+    {
+        options = given;
+        device = std::make_unique<StorageDevice>(seed);
+        twins[0] = std::make_unique<StorageTwin>(device.get());
+        twins[1] = std::make_unique<StorageTwin>(device.get());
+    }
+
+    void End()
+    {
+        device->Rest();
+        device->SetFree(1u << 30);
+        for (auto& twin : twins)
+            twin.reset();
+        device->RemoveFiles();
+    }
+
+    void Run(u32 seed, int steps, const Options& given)
+    {
+        Begin(seed, given);
+        for (int step = 0; step < steps && !HasFailure(); ++step) {
+            SCOPED_TRACE(::testing::Message() << "seed " << seed << " step " << step);
+            Step();
+        }
+        End();
+    }
+
+    u32 Below(u32 count) { return device->Below(count); }
+
+    void Step()
+    {
+        StorageTwin& twin = *twins[Below(2)];
+        SetMemory();
+        device->DrawNumbers(1200);
+        const u32 draw = Below(100);
+        SCOPED_TRACE(::testing::Message() << "operation " << draw);
+        if (options.folderFaults && Below(5) == 0)
+            SpoilFolders();
+        if (draw < 24)
+            Lock(twin);
+        else if (draw < 46)
+            Release(twin);
+        else if (draw < 58)
+            Insert(twin);
+        else if (draw < 68)
+            Remove(twin);
+        else if (draw < 76)
+            Swap(twin);
+        else if (draw < 78)
+            EXPECT_EQ(twin.raster.FlipVertical(), twin.plain.FlipVertical());
+        else if (draw < 82)
+            EXPECT_EQ(twin.raster.UnlockAll(), twin.plain.UnlockAll());
+        else if (draw < 85)
+            Load(twin);
+        else if (draw < 89)
+            Take(twin);
+        else if (draw < 94)
+            Create(twin);
+        else if (draw < 95)
+            Reset(twin);
+        else if (draw < 97)
+            Info(twin);
+        else if (draw < 99)
+            twin.ReadAll();
+        else
+            Tamper();
+        device->Rest();
+        for (auto& each : twins)
+            each->allocator.fails = nullptr;
+        device->ExpectSame();
+        twins[0]->ExpectSame();
+        twins[1]->ExpectSame();
+    }
+
+    /// Plenty, none, or a figure at the very edge of what one of the rasters needs.
+    void SetMemory()
+    {
+        const u32 edge = 0xA0000 + twins[Below(2)]->plain.stride;
+        const u32 figures[] = {1u << 30, 1u << 30, 0xA0000, 0, edge, edge + 1};
+        device->SetFree(figures[Below(6)]);
+    }
+
+    void SpoilFolders()
+    {
+        PlainFolder& first = device->plain.folders[FirstFolder];
+        PlainFolder& second = device->plain.folders[SecondFolder];
+        PlainFolder& either = Below(2) == 0 ? first : second;
+        const u32 draw = Below(8);
+        if (draw == 0 || draw == 1)
+            either.refusesFiles = true;
+        else if (draw == 2)
+            first.refusesFiles = second.refusesFiles = true;
+        else if (draw == 3)
+            either.writesShortBy = 1 + Below(3) * 100;
+        else if (draw == 4)
+            first.writesShortBy = second.writesShortBy = 1;
+        else if (draw == 5)
+            either.hidesFiles = true;
+        else if (draw == 6)
+            either.readsShortBy = Below(3) * 5;
+        else
+            device->SetDiskSpace(Below(4) * twins[0]->plain.stride + Below(3));
+        device->ArmFolders();
+    }
+
+    void SpoilMemory(StorageTwin& twin, bool changesHeight)
+    {
+        if (!options.memoryFaults || Below(4) != 0)
+            return;
+        const u32 draw = Below(4);
+        if (draw < 2)
+            device->plain.lineBlocks = Below(3);
+        else if (draw == 2)
+            device->plain.nameBlocks = Below(3);
+        else if (options.tables)
+            device->plain.noTables = true;
+        twin.ArmAllocator(changesHeight);
+    }
+
+    /// Mostly a line there is, from either end.
+    i32 Line(const StorageTwin& twin)
+    {
+        const u32 height = twin.plain.height;
+        return static_cast<i32>(Below(2 * height + 4)) - static_cast<i32>(height) - 2;
+    }
+
+    u32 Count(const StorageTwin& twin)
+    {
+        if (Below(20) == 0)
+            return 0x7FFFFFF0u + Below(32);
+        if (Below(20) == 0)
+            return 0xFFFFFFFFu - Below(16);
+        return Below(2) == 0 ? 1 : Below(twin.plain.height + 2);
+    }
+
+    void Lock(StorageTwin& twin)
+    {
+        u32 count = Count(twin);
+        SpoilMemory(twin, false);
+        twin.Lock(Line(twin), Below(3) == 0 ? nullptr : &count);
+    }
+
+    void Release(StorageTwin& twin)
+    {
+        const i32 line = Line(twin);
+        const u32 count = Count(twin);
+        const i32 force = Below(3) == 0 ? 1 : 0;
+        SpoilMemory(twin, false);
+        const i32 meant = twin.plain.ReleaseLines(line, count, force);
+        EXPECT_EQ(twin.raster.ReleaseLines(line, count, force), meant)
+            << "release " << line << ", " << count;
+    }
+
+    void Insert(StorageTwin& twin)
+    {
+        if (twin.plain.height > 14)
+            return;
+        const i32 at = Line(twin);
+        u32 count = Below(4);
+        const bool single = Below(3) == 0;
+        SpoilMemory(twin, true);
+        const u32 asked = count;
+        const i32 meant = twin.plain.InsertLines(at, single ? 1 : count);
+        EXPECT_EQ(twin.raster.InsertLines(at, single ? nullptr : &count), meant) << "insert " << at;
+        EXPECT_EQ(count, asked) << "the count is not told back";
+    }
+
+    void Remove(StorageTwin& twin)
+    {
+        const i32 at = Line(twin);
+        u32 count = Count(twin);
+        const bool single = Below(3) != 0;
+        const u32 asked = count;
+        const i32 meant = twin.plain.RemoveLines(at, single ? 1 : count);
+        EXPECT_EQ(twin.raster.RemoveLines(at, single ? nullptr : &count), meant)
+            << "remove " << at << ", " << count;
+        EXPECT_EQ(count, asked) << "the count is not told back";
+    }
+
+    void Swap(StorageTwin& twin)
+    {
+        const i32 a = Line(twin);
+        const i32 b = Line(twin);
+        EXPECT_EQ(twin.raster.SwapLines(a, b), twin.plain.SwapLines(a, b)) << a << ", " << b;
+    }
+
+    void Load(StorageTwin& twin)
+    {
+        std::vector<u8> block(size_t{twin.plain.height} * twin.plain.stride + 1);
+        for (u8& byte : block)
+            byte = device->Byte();
+        SpoilMemory(twin, false);
+        const i32 meant = twin.plain.LoadRaw(block);
+        EXPECT_EQ(twin.raster.LoadRaw(block.data()), meant);
+    }
+
+    void Take(StorageTwin& twin)
+    {
+        StorageTwin& source = twins[0].get() == &twin ? *twins[1] : *twins[0];
+        const i32 meant = twin.plain.TakeFrom(source.plain);
+        EXPECT_EQ(twin.raster.TakeFrom(&source.raster), meant);
+        if (Below(2) == 0)
+            Reset(source);
+    }
+
+    void Create(StorageTwin& twin)
+    {
+        const WCHAR* firsts[] = {nullptr,     FirstFolder,  FirstFolder,
+                                 FirstFolder, AbsentFolder, SecondFolder};
+        const WCHAR* seconds[] = {nullptr, SecondFolder, SecondFolder, FirstFolder};
+        const u32 depths[] = {8, 16, 24, 32, 24, 24, 12, 0};
+        const WCHAR* first = firsts[Below(6)];
+        const WCHAR* second = seconds[Below(4)];
+        const u32 depth = options.depth != 0 ? options.depth : depths[Below(8)];
+        const u32 width = options.baseWidth + Below(12);
+        const u32 height = Below(11);
+        const auto text = [](const WCHAR* folder) {
+            return folder == nullptr ? std::nullopt
+                                     : std::optional<std::u16string>(std::u16string(folder));
+        };
+        const i32 meant = twin.plain.Create(width, height, depth, text(first), text(second));
+        EXPECT_EQ(twin.raster.Create(width, height, depth, first, second), meant);
+        if (twin.plain.created && Below(3) == 0)
+            FillPalette(twin);
+    }
+
+    void FillPalette(StorageTwin& twin)
+    {
+        ColorTable* table = nullptr;
+        ASSERT_EQ(twin.raster.GetPalette(&table), 1);
+        twin.plain.palette.clear();
+        for (u32 i = 0; i < 1 + Below(4); ++i)
+            twin.plain.palette.push_back({i, Below(256), Below(256), 0});
+        ASSERT_EQ(table->SetEntries(twin.plain.palette.data(),
+                                    static_cast<u32>(twin.plain.palette.size())),
+                  1);
+    }
+
+    void Reset(StorageTwin& twin)
+    {
+        twin.plain.Reset();
+        twin.raster.Reset();
+    }
+
+    void Info(StorageTwin& twin)
+    {
+        const PlainPaging& plain = twin.plain;
+        const u32 whole[] = {24,          plain.width,  plain.height,
+                             plain.depth, plain.stride, static_cast<u32>(plain.palette.size())};
+        const u32 size = Below(30);
+        u32 got[8];
+        u32 meant[8];
+        std::memset(got, 0xA5, sizeof got);
+        got[0] = size;
+        std::memcpy(meant, got, sizeof meant);
+        std::memcpy(meant, whole, std::min<size_t>(size, sizeof whole));
+        RasterInfo info;
+        std::memcpy(&info, got, sizeof info);
+        EXPECT_EQ(twin.raster.GetInfo(&info), 1);
+        std::memcpy(got, &info, sizeof info);
+        EXPECT_EQ(std::memcmp(got, meant, sizeof got), 0) << "size " << size;
+    }
+
+    /// Somebody else makes, changes or removes a file of the folders.
+    void Tamper()
+    {
+        const WCHAR* folder = Below(2) == 0 ? FirstFolder : SecondFolder;
+        char name[16];
+        std::snprintf(name, sizeof name, "%06u.tmp", Below(24));
+        if (Below(2) == 0 && device->plain.folders[folder].files.count(name) != 0) {
+            device->RemoveFile(folder, name);
+            return;
+        }
+        std::vector<u8> bytes(Below(64));
+        for (u8& byte : bytes)
+            byte = device->Byte();
+        device->PutFile(folder, name, bytes);
+    }
+
+    Options options;
+    std::unique_ptr<StorageDevice> device;
+    std::unique_ptr<StorageTwin> twins[2];
+};
+
+TEST_F(StorageModel, RandomRunsGiveWhatThePlainStepsGive)
+{
+    for (u32 seed = 1; seed <= 10 && !HasFailure(); ++seed)
+        Run(seed, 300, {});
+}
+
+TEST_F(StorageModel, RunsInWhichFoldersFailGiveWhatThePlainStepsGive)
+{
+    Options wanted;
+    wanted.folderFaults = true;
+    for (u32 seed = 101; seed <= 110 && !HasFailure(); ++seed)
+        Run(seed, 300, wanted);
+}
+
+TEST_F(StorageModel, RunsInWhichLinesAndNamesCannotBeHadGiveWhatThePlainStepsGive)
+{
+    Options wanted;
+    wanted.memoryFaults = true;
+    wanted.baseWidth = 400;
+    wanted.depth = 8;
+    for (u32 seed = 201; seed <= 210 && !HasFailure(); ++seed)
+        Run(seed, 300, wanted);
+}
+
+} // namespace
