@@ -150,9 +150,11 @@ struct PlainTable {
     u32 count = 0;                                  // lines in use
     std::vector<std::shared_ptr<PlainBlock>> lines; // the table; longer than `count` after a
                                                     // deletion that failed
+    int lostLines = 0; // blocks that stood behind `count` when the table was given up
 
     void Clear()
     {
+        CutTo(count);
         lines.clear();
         created = false;
         width = depth = stride = count = 0;
@@ -186,7 +188,7 @@ struct PlainTable {
                 return -2;
             made.push_back(std::make_shared<PlainBlock>(stride));
         }
-        lines.resize(count);
+        CutTo(count);
         lines.insert(lines.begin() + at, made.begin(), made.end());
         count += added;
         return 1;
@@ -204,7 +206,7 @@ struct PlainTable {
         count -= removed;
         if (device->noTables && count != 0)
             return -2;
-        lines.resize(old);
+        CutTo(old);
         const i64 end = std::min<i64>(at + removed, old);
         lines.erase(lines.begin() + at, lines.begin() + end);
         lines.resize(count);
@@ -221,6 +223,12 @@ struct PlainTable {
             return -1;
         std::swap(lines[static_cast<size_t>(first)], lines[static_cast<size_t>(second)]);
         return 1;
+    }
+
+    void CutTo(u32 size)
+    {
+        lostLines += static_cast<int>(lines.size() - size);
+        lines.resize(size);
     }
 
     /// The block of a physical line, or null.

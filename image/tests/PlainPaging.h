@@ -105,11 +105,13 @@ struct PlainPaging {
             }
             if (!primary)
                 return -1;
-            bool nameless = false;
-            const i32 named = MakeFile(line, &nameless);
-            // That neither folder takes the file goes unnoticed.
-            if (named < 0 && !(nameless && secondary))
+            PlainRef refused;
+            const i32 named = MakeFile(line, &refused);
+            // That neither folder takes the file goes unnoticed; the name stays.
+            if (named < 0 && !(secondary && !refused.name.empty()))
                 return named;
+            if (named < 0)
+                line.ref = refused;
             line.swapped = true;
         }
         return 1;
@@ -125,8 +127,7 @@ struct PlainPaging {
         i64 count = wanted;
         if (count + at >= height)
             count = i64{height} - count - at;
-        if (count < 1)
-            return 1;
+        count = std::max<i64>(count, 0); // a cut run removes nothing, yet takes its arrays
         height -= static_cast<u32>(count);
         if (device->noRecords)
             return -2;
@@ -281,7 +282,7 @@ private:
 
     /// Draws a name in `folder` that no file has and makes the file. The name stands in the line's
     /// reference; where the file is refused the reference is zero.
-    Naming NameFile(PlainRecord& line, const std::u16string& folder)
+    Naming NameFile(PlainRecord& line, const std::u16string& folder, PlainRef* refused)
     {
         if (!PlainDevice::Take(device->nameBlocks))
             return Naming::NoBlock;
@@ -301,6 +302,7 @@ private:
         }
         if (device->Make(folder, line.ref.name))
             return Naming::Made;
+        *refused = line.ref;
         line.ref = {};
         return Naming::Refused;
     }
@@ -310,13 +312,14 @@ private:
         return naming == Naming::Made ? 1 : naming == Naming::NoBlock ? -2 : -101;
     }
 
-    /// On the first folder, then on the second. `*refused`: the last of them took no file.
-    i32 MakeFile(PlainRecord& line, bool* refused)
+    /// On the first folder, then on the second. `*refused`: what the last of them took no file for.
+    i32 MakeFile(PlainRecord& line, PlainRef* refused)
     {
-        Naming naming = NameFile(line, *primary);
-        if (naming == Naming::Refused && secondary)
-            naming = NameFile(line, *secondary);
-        *refused = naming == Naming::Refused;
+        Naming naming = NameFile(line, *primary, refused);
+        if (naming == Naming::Refused && secondary) {
+            *refused = {};
+            naming = NameFile(line, *secondary, refused);
+        }
         return ResultOf(naming);
     }
 
@@ -347,14 +350,14 @@ private:
             return 0;
         if (!primary)
             return -1;
-        bool refused = false;
+        PlainRef refused;
         const i32 made = MakeFile(line, &refused);
         if (made < 0)
             return made;
         if (!WriteFileOf(line, physical)) {
             if (!secondary)
                 return -101;
-            const Naming naming = NameFile(line, *secondary);
+            const Naming naming = NameFile(line, *secondary, &refused);
             if (naming != Naming::Made)
                 return ResultOf(naming);
             if (!WriteFileOf(line, physical))
@@ -434,7 +437,9 @@ private:
             if (!goes && !lines[i].swapped && lines[i].locked && lines[i].ref.physical == physical)
                 return;
         }
-        (void)table.DeleteLines(static_cast<i32>(physical), 1);
+        // Where the smaller table cannot be had nothing is freed, and nothing moves down.
+        if (table.DeleteLines(static_cast<i32>(physical), 1) < 0)
+            return;
         for (PlainRecord& line : lines)
             if (!line.swapped && line.ref.physical > physical)
                 --line.ref.physical;

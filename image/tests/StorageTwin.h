@@ -11,6 +11,9 @@
 
 inline constexpr const WCHAR* AbsentFolder = TEXT("\\No Card\\Temp\\");
 
+/// More numbers than one operation draws.
+inline constexpr size_t NumbersAStep = 2000;
+
 /// The device's two sides. Every line file that the raster makes shall stand in `plain` too.
 class StorageDevice
 {
@@ -41,17 +44,18 @@ public:
         tavrix::testing::SetRandom(numbers);
     }
 
-    /// Few names, so that many are taken; now and then one that is taken for good.
+    /// Few names, so that many are taken; now and then a number that stays for longer than anybody
+    /// draws again.
     void DrawNumbers(size_t count)
     {
-        std::vector<LONG> numbers(count);
-        for (LONG& number : numbers)
+        std::vector<LONG> drawn(count);
+        for (LONG& number : drawn)
             number = static_cast<LONG>(Below(24) + 1000000 * Below(2000));
         if (Below(12) == 0) {
-            const size_t from = Below(8);
-            std::fill(numbers.begin() + static_cast<i64>(from), numbers.end(), numbers[0]);
+            const auto from = drawn.begin() + Below(8);
+            std::fill(from, from + 120, *from);
         }
-        SetNumbers(numbers);
+        SetNumbers(drawn);
     }
 
     void SetDiskSpace(u64 bytes)
@@ -198,7 +202,8 @@ public:
     {
         plain.Reset();
         raster.Reset();
-        EXPECT_EQ(allocator.blocks.size(), static_cast<size_t>(plain.lostNames))
+        EXPECT_EQ(allocator.blocks.size(),
+                  static_cast<size_t>(plain.lostNames + plain.table.lostLines))
             << "blocks that the raster lost";
     }
     StorageTwin(const StorageTwin&) = delete;
@@ -225,7 +230,7 @@ public:
                 return !PlainDevice::Take(lineBlocks);
             if (IsName(size))
                 return !PlainDevice::Take(nameBlocks);
-            return noTables && size != 0;
+            return noTables && size > 1; // an empty table is no matter
         };
     }
 
@@ -263,6 +268,7 @@ public:
     void ReadAll()
     {
         for (u32 y = 0; y < plain.height; ++y) {
+            device->DrawNumbers(NumbersAStep);
             Lock(static_cast<i32>(y), nullptr);
             if (::testing::Test::HasFatalFailure())
                 return;
