@@ -5,12 +5,49 @@
 
 #include "image/tests/PagingTest.h"
 
+#include <algorithm>
 #include <deque>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
+
+/// Fails as told, and keeps count of what is not given back.
+class KeepingAllocator final : public Allocator
+{
+public:
+    ~KeepingAllocator() override
+    {
+        for (const auto& block : blocks)
+            std::free(block.first);
+    }
+    i32 Alloc(void** out, u32 size) override
+    {
+        *out = nullptr;
+        if (fails && fails(size))
+            return -2;
+        *out = std::calloc(1, size == 0 ? 1 : size);
+        blocks[*out] = size;
+        return 1;
+    }
+    i32 Free(void* block) override
+    {
+        EXPECT_EQ(blocks.erase(block), 1u) << "a block that was not given out";
+        std::free(block);
+        return 1;
+    }
+
+    /// How many blocks of a size are out.
+    size_t CountOf(u32 size) const
+    {
+        return static_cast<size_t>(
+            std::count_if(blocks.begin(), blocks.end(),
+                          [size](const auto& block) { return block.second == size; }));
+    }
+
+    std::function<bool(u32 size)> fails;
+    std::map<void*, u32> blocks; // with their sizes
+};
 
 /// A block of line bytes. `real` is where the raster under test keeps it, once a lock has told.
 struct PlainBlock {

@@ -12,13 +12,13 @@
 inline constexpr const WCHAR* AbsentFolder = TEXT("\\No Card\\Temp\\");
 
 /// More numbers than one operation draws.
-inline constexpr size_t NumbersAStep = 2000;
+inline constexpr size_t NumbersAStep = 1200;
 
 /// The device's two sides. Every line file that the raster makes shall stand in `plain` too.
 class StorageDevice
 {
 public:
-    explicit StorageDevice(u32 seed) : random(seed)
+    explicit StorageDevice(u32 seed, u32 nameCount = 24) : names(nameCount), random(seed)
     {
         plain.folders[FirstFolder];
         plain.folders[SecondFolder];
@@ -50,7 +50,7 @@ public:
     {
         std::vector<LONG> drawn(count);
         for (LONG& number : drawn)
-            number = static_cast<LONG>(Below(24) + 1000000 * Below(2000));
+            number = static_cast<LONG>(Below(names) + 1000000 * Below(2000));
         if (Below(12) == 0) {
             const auto from = drawn.begin() + Below(8);
             std::fill(from, from + 120, *from);
@@ -158,36 +158,8 @@ private:
         return text;
     }
 
+    u32 names;
     std::mt19937 random;
-};
-
-/// Fails as told, and keeps count of what is not given back.
-class KeepingAllocator final : public Allocator
-{
-public:
-    ~KeepingAllocator() override
-    {
-        for (void* block : blocks)
-            std::free(block);
-    }
-    i32 Alloc(void** out, u32 size) override
-    {
-        *out = nullptr;
-        if (fails && fails(size))
-            return -2;
-        *out = std::calloc(1, size == 0 ? 1 : size);
-        blocks.insert(*out);
-        return 1;
-    }
-    i32 Free(void* block) override
-    {
-        EXPECT_EQ(blocks.erase(block), 1u) << "a block that was not given out";
-        std::free(block);
-        return 1;
-    }
-
-    std::function<bool(u32 size)> fails;
-    std::set<void*> blocks;
 };
 
 /// A raster and its plain form.
