@@ -26,6 +26,8 @@ protected:
         device = std::make_unique<StorageDevice>(seed, given.names);
         for (u32 i = 0; i < given.rasters; ++i)
             twins.push_back(std::make_unique<StorageTwin>(device.get()));
+        for (auto& twin : twins)
+            Create(*twin);
     }
 
     void End()
@@ -57,33 +59,33 @@ protected:
         device->DrawNumbers(NumbersAStep);
         const u32 draw = Below(100);
         SCOPED_TRACE(::testing::Message() << "operation " << draw);
-        if (options.folderFaults && Below(5) == 0)
+        if (options.folderFaults && Below(3) == 0)
             SpoilFolders();
-        if (draw < 24)
+        if (draw < 30)
             Lock(twin);
-        else if (draw < 46)
+        else if (draw < 56)
             Release(twin);
-        else if (draw < 58)
+        else if (draw < 66)
             Insert(twin);
-        else if (draw < 68)
+        else if (draw < 73)
             Remove(twin);
-        else if (draw < 76)
+        else if (draw < 81)
             Swap(twin);
-        else if (draw < 78)
+        else if (draw < 83)
             EXPECT_EQ(twin.raster.FlipVertical(), twin.plain.FlipVertical());
-        else if (draw < 82)
+        else if (draw < 87)
             EXPECT_EQ(twin.raster.UnlockAll(), twin.plain.UnlockAll());
-        else if (draw < 85)
+        else if (draw < 90)
             Load(twin);
-        else if (draw < 89)
+        else if (draw < 92)
             Take(twin);
-        else if (draw < 94)
-            Create(twin);
         else if (draw < 95)
+            Create(twin);
+        else if (draw < 96)
             Reset(twin);
         else if (draw < 97)
             Info(twin);
-        else if (draw < 99)
+        else if (draw < 98)
             twin.ReadAll();
         else
             Tamper();
@@ -99,7 +101,7 @@ protected:
     void SetMemory()
     {
         const u32 edge = 0xA0000 + AnyTwin().plain.stride;
-        const u32 figures[] = {1u << 30, 1u << 30, 0xA0000, 0, edge, edge + 1};
+        const u32 figures[] = {1u << 30, 1u << 30, 1u << 30, 0xA0000, edge, edge + 1};
         device->SetFree(figures[Below(6)]);
     }
 
@@ -146,6 +148,8 @@ protected:
     i32 Line(const StorageTwin& twin)
     {
         const u32 height = twin.plain.height;
+        if (height != 0 && Below(3) != 0)
+            return static_cast<i32>(Below(height));
         return static_cast<i32>(Below(2 * height + 4)) - static_cast<i32>(height) - 2;
     }
 
@@ -169,7 +173,7 @@ protected:
     {
         const i32 line = Line(twin);
         const u32 count = Count(twin);
-        const i32 force = Below(3) == 0 ? 1 : 0;
+        const i32 force = Below(2) == 0 ? 1 : 0;
         SpoilMemory(twin, false);
         const i32 meant = twin.plain.ReleaseLines(line, count, force);
         EXPECT_EQ(twin.raster.ReleaseLines(line, count, force), meant)
@@ -194,8 +198,8 @@ protected:
     void Remove(StorageTwin& twin)
     {
         const i32 at = Line(twin);
-        u32 count = Count(twin);
-        const bool single = Below(3) != 0;
+        u32 count = Below(4) == 0 ? Count(twin) : 2 + Below(2);
+        const bool single = Below(2) == 0;
         const u32 asked = count;
         SpoilMemory(twin, true);
         const i32 meant = twin.plain.RemoveLines(at, single ? 1 : count);
@@ -249,12 +253,12 @@ protected:
         const WCHAR* firsts[] = {nullptr,     FirstFolder,  FirstFolder,
                                  FirstFolder, AbsentFolder, SecondFolder};
         const WCHAR* seconds[] = {nullptr, SecondFolder, SecondFolder, FirstFolder};
-        const u32 depths[] = {8, 16, 24, 32, 24, 24, 12, 0};
+        const u32 depths[] = {8, 16, 24, 32, 24, 24, 24, 32, 8, 12};
         const WCHAR* first = firsts[Below(6)];
         const WCHAR* second = seconds[Below(4)];
-        const u32 depth = options.depth != 0 ? options.depth : depths[Below(8)];
+        const u32 depth = options.depth != 0 ? options.depth : depths[Below(10)];
         const u32 width = options.baseWidth + Below(12);
-        const u32 height = Below(11);
+        const u32 height = Below(4) == 0 ? Below(3) : 4 + Below(8);
         const auto text = [](const WCHAR* folder) {
             return folder == nullptr ? std::nullopt
                                      : std::optional<std::u16string>(std::u16string(folder));

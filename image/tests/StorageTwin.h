@@ -52,8 +52,9 @@ public:
         for (LONG& number : drawn)
             number = static_cast<LONG>(Below(names) + 1000000 * Below(2000));
         if (Below(12) == 0) {
-            const auto from = drawn.begin() + Below(8);
-            std::fill(from, from + 120, *from);
+            const size_t from = Below(8);
+            for (size_t i = from; i < from + 120; ++i)
+                drawn[i] = drawn[from] % 1000000 + static_cast<LONG>(1000000 * i);
         }
         SetNumbers(drawn);
     }
