@@ -178,6 +178,17 @@ protected:
         const i32 meant = twin.plain.ReleaseLines(line, count, force);
         EXPECT_EQ(twin.raster.ReleaseLines(line, count, force), meant)
             << "release " << line << ", " << count;
+        if (meant == 0 && Below(2) == 0)
+            LookAtLostLines(twin);
+    }
+
+    /// Which line a lost one refers to shows when it is locked.
+    void LookAtLostLines(StorageTwin& twin)
+    {
+        device->Rest();
+        twin.allocator.fails = nullptr;
+        device->SetFree(1u << 30);
+        twin.ReadAll();
     }
 
     void Insert(StorageTwin& twin)

@@ -51,7 +51,7 @@ public:
         std::vector<LONG> drawn(count);
         for (LONG& number : drawn)
             number = static_cast<LONG>(Below(names) + 1000000 * Below(2000));
-        if (Below(12) == 0) {
+        if (Below(6) == 0) {
             const size_t from = Below(8);
             for (size_t i = from; i < from + 120; ++i)
                 drawn[i] = drawn[from] % 1000000 + static_cast<LONG>(1000000 * i);
