@@ -10,7 +10,7 @@ namespace
 
 /// A table and its plain form.
 struct TableTwin {
-    explicit TableTwin(PlainDevice* where) : table(&allocator), plain(where) {}
+    explicit TableTwin(PagingDevice* where) : table(&allocator), plain(where) {}
     ~TableTwin()
     {
         table.Clear();
@@ -28,11 +28,11 @@ struct TableTwin {
     /// Lines are larger than every table.
     void Arm(u32 stride)
     {
-        const PlainDevice& device = *plain.device;
+        const PagingDevice& device = *plain.device;
         allocator.fails = [stride, lines = device.lineBlocks,
                            noTables = device.noTables](u32 size) mutable {
             if (size == stride)
-                return !PlainDevice::Take(lines);
+                return !PagingDevice::Take(lines);
             return noTables && size > 1; // an empty table is no matter
         };
     }
@@ -175,7 +175,7 @@ protected:
         twin.table.Clear();
     }
 
-    PlainDevice device;
+    PagingDevice device;
     std::mt19937 random;
 };
 

@@ -67,7 +67,7 @@ struct PlainFolder {
 };
 
 /// What rasters share. Budgets hold for one operation; without a value nothing fails.
-struct PlainDevice {
+struct PagingDevice {
     u32 freeMemory = 1u << 30;
     std::deque<LONG> numbers; // of Random, front next
     std::map<std::u16string, PlainFolder> folders;
@@ -177,9 +177,9 @@ inline i64 PlainIndex(i32 line, u32 count)
 
 /// The physical layer.
 struct PlainTable {
-    explicit PlainTable(PlainDevice* where) : device(where) {}
+    explicit PlainTable(PagingDevice* where) : device(where) {}
 
-    PlainDevice* device;
+    PagingDevice* device;
     bool created = false;
     u32 width = 0;
     u32 depth = 0;
@@ -221,7 +221,7 @@ struct PlainTable {
             return -2;
         std::vector<std::shared_ptr<PlainBlock>> made;
         for (u32 i = 0; i < added; ++i) {
-            if (!PlainDevice::Take(device->lineBlocks))
+            if (!PagingDevice::Take(device->lineBlocks))
                 return -2;
             made.push_back(std::make_shared<PlainBlock>(stride));
         }

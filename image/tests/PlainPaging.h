@@ -24,14 +24,14 @@ struct PlainRecord {
 
 /// The logical layer.
 struct PlainPaging {
-    explicit PlainPaging(PlainDevice* where) : device(where), table(where) {}
+    explicit PlainPaging(PagingDevice* where) : device(where), table(where) {}
     ~PlainPaging() { Reset(); }
     PlainPaging(const PlainPaging&) = delete;
     PlainPaging& operator=(const PlainPaging&) = delete;
 
     using Folder = std::optional<std::u16string>;
 
-    PlainDevice* device;
+    PagingDevice* device;
     PlainTable table;
     bool created = false;
     Folder primary;
@@ -284,7 +284,7 @@ private:
     /// reference; where the file is refused the reference is zero.
     Naming NameFile(PlainRecord& line, const std::u16string& folder, PlainRef* refused)
     {
-        if (!PlainDevice::Take(device->nameBlocks))
+        if (!PagingDevice::Take(device->nameBlocks))
             return Naming::NoBlock;
         line.ref.physical = PlainRef::NameBlock;
         line.ref.folder = folder;

@@ -25,7 +25,7 @@ public:
         plain.folders[AbsentFolder].exists = false;
     }
 
-    PlainDevice plain;
+    PagingDevice plain;
 
     u32 Below(u32 count) { return random() % count; }
     u8 Byte() { return static_cast<u8>(random()); }
@@ -200,9 +200,9 @@ public:
             if (changesHeight && nth <= 3)
                 return noRecords && nth == recordsAt;
             if (size == stride)
-                return !PlainDevice::Take(lineBlocks);
+                return !PagingDevice::Take(lineBlocks);
             if (IsName(size))
-                return !PlainDevice::Take(nameBlocks);
+                return !PagingDevice::Take(nameBlocks);
             return noTables && size > 1; // an empty table is no matter
         };
     }
