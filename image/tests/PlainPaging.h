@@ -42,8 +42,6 @@ struct PlainPaging {
     u32 depth = 0;
     u32 stride = 0;
     std::vector<PaletteEntry> palette;
-    int lostNames = 0; // blocks that nobody frees any more: a reference overwrote its index with
-                       // them when the redraws ran out
 
     void Reset()
     {
@@ -295,10 +293,8 @@ private:
             line.ref.name = text;
             if (!device->Probe(folder, line.ref.name))
                 break;
-            if (redraws == MostRedraws) {
-                ++lostNames;
+            if (redraws == MostRedraws)
                 return Naming::Exhausted;
-            }
         }
         if (device->Make(folder, line.ref.name))
             return Naming::Made;

@@ -175,8 +175,7 @@ public:
     {
         plain.Reset();
         raster.Reset();
-        EXPECT_EQ(allocator.blocks.size(),
-                  static_cast<size_t>(plain.lostNames + plain.table.lostLines))
+        EXPECT_EQ(allocator.blocks.size(), static_cast<size_t>(plain.table.lostLines))
             << "blocks that the raster lost";
     }
     StorageTwin(const StorageTwin&) = delete;
