@@ -75,7 +75,7 @@ TEST_F(TwinComparison, NoticesALineThatIsInItsFileOnOneSideOnly)
 TEST_F(TwinComparison, ARefusedLineDoesNotLockAndComesBackWhole)
 {
     for (u32 line = 0; line < 4; ++line) {
-        Twin twin(5, 4, 24, 1, Storage::Paging);
+        Twin twin(6, 4, 24, 1, Storage::Paging);
         twin.Refuse(line);
         u8* row = nullptr;
         EXPECT_EQ(twin.raster.LockLines(static_cast<i32>(line), &row, nullptr), NoMemory);
