@@ -392,3 +392,20 @@ TEST(Frame, ExitGoesTheOneRoadOut)
     EXPECT_EQ(result, 0);
     EXPECT_NE(SavedSettings().find(u"[Tavrix]"), std::u16string::npos);
 }
+
+TEST(Frame, TheSelectionIsPutInOrderAndIntoThePicture)
+{
+    InstallQuick();
+    RunProgram(u"", [](MainFrame& frame) {
+        ASSERT_EQ(frame.image->Create(20, 10, 24, nullptr, nullptr), 1);
+        frame.selectionLeft = 12.75;
+        frame.selectionTop = -3.5;
+        frame.selectionRight = 4.5;
+        frame.selectionBottom = 10.25;
+        frame.NormalizeSelection();
+        EXPECT_EQ(frame.selectionLeft, 4.0);
+        EXPECT_EQ(frame.selectionTop, 0.0);
+        EXPECT_EQ(frame.selectionRight, 12.75);
+        EXPECT_EQ(frame.selectionBottom, 9.0);
+    });
+}
