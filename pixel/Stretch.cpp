@@ -4,6 +4,7 @@
 #include "foundation/Numbers.h"
 #include "image/Raster.h"
 #include "pixel/NormalizeRect.h"
+#include "pixel/RowWalk.h"
 
 #include <algorithm>
 #include <math.h>
@@ -115,8 +116,7 @@ void StretchRows(Raster* source, Raster* target, const Axis& columns, const Axis
         u8* read = nullptr;
         // A line that cannot be had ends the work quietly: the view stays incomplete until it is
         // drawn again. The target's line then stays locked until UnlockAll.
-        if (target->LockLines(targetLine, &written, nullptr) < 1 ||
-            source->LockLines(line, &read, nullptr) < 1)
+        if (LockPair(target, targetLine, &written, source, line, &read) < 1)
             return;
         StretchRow(written, read, columns);
         (void)source->ReleaseLines(line, 1, 0);
