@@ -134,6 +134,20 @@ TEST(ColorTable, CopyOfATableNeverCreatedHasNoCapacity)
     EXPECT_EQ(-1, to.Add(0, 0, 0, 0));
 }
 
+TEST(ColorTable, CopyOfATableWithoutEntriesHasNoCapacity)
+{
+    for (const u32 capacity : {0u, 5u}) {
+        ColorTable from;
+        ColorTable to;
+        ASSERT_EQ(1, from.Create(capacity));
+        ASSERT_EQ(1, to.SetEntries(&Marked, 1));
+        EXPECT_EQ(1, to.CopyFrom(&from)) << capacity;
+        EXPECT_EQ(0u, to.Count());
+        EXPECT_EQ(-1, to.Add(0, 0, 0, 0));
+        EXPECT_EQ(0, to.GetEntries(nullptr));
+    }
+}
+
 TEST(ColorTable, ReportsAFailingAllocation)
 {
     FailingAllocator allocator;

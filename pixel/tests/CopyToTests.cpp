@@ -103,6 +103,23 @@ TEST_F(CopyTo, RefusalsComeInTheirOrder)
     EXPECT_EQ(empty.CopyTo(0, 0, 1, 1, &empty, 0, 0, Copy), -1);
 }
 
+TEST_F(CopyTo, OnEveryPathAnotherOperationIsRefusedAlsoForNoRows)
+{
+    for (const u32 depth : AllDepths)
+        for (const u32 targetDepth : AllDepths) {
+            if (depth < 24 && targetDepth < 24)
+                continue;
+            Twin source(4, 4, depth, 1);
+            Twin target(4, 4, targetDepth, 2);
+            for (const u32 operation : {0u, 0x42u, 0xEE0086u, 0x660046u, 0xCC0021u})
+                for (const i32 rows : {0, 2})
+                    EXPECT_EQ(source.raster.CopyTo(0, 0, 2, rows, &target.raster, 0, 0, operation),
+                              -1);
+            EXPECT_EQ(source.raster.CopyTo(0, 0, 2, 0, &target.raster, 0, 0, Copy), 1);
+            ExpectSame({&source, &target});
+        }
+}
+
 TEST_F(CopyTo, WithinOneRowOverlappingPixelsArriveAsTheyWere)
 {
     Twin twin(30, 2, 24, 3);
