@@ -197,6 +197,19 @@ TEST_F(SwapStoreRoom, ATakenNameIsLeftAloneAndAnotherDrawn)
     std::filesystem::remove(HostFile(FirstFolder, "5002.swp"));
 }
 
+TEST_F(SwapStoreRoom, ARedrawnNumberIsTheTickOfThatMomentAndANewRandomOne)
+{
+    const PageHandle page = Make(40, 1);
+    MakeForeign("5001.swp");
+    SetTickCount(7000);
+    SetRandom({30});
+    (void)SendOut();
+    EXPECT_TRUE(IsOut(page));
+    EXPECT_EQ(Names(), (NamesOf{"5001.swp", "7030.swp"}));
+    ExpectHolds(page, PageBytes(40, 1));
+    std::filesystem::remove(HostFile(FirstFolder, "5001.swp"));
+}
+
 TEST_F(SwapStoreRoom, TheEleventhNameIsTheLast)
 {
     for (const bool isFree : {true, false}) {
