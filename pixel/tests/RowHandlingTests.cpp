@@ -134,10 +134,9 @@ TEST_F(RowHandling, AStretchReleasesTheSourcesRowAndFetchesItAnewForEachRowItFil
 
 TEST_F(RowHandling, ASnapshotReleasesNoRow)
 {
-    Make(source, 24, FirstFolder);
+    Make(source, 32, FirstFolder); // lines of 16 bytes, and of 12 in the copy
     Raster copy;
-    ShortMemory();
-    tavrix::testing::SetFreeMemory(0xA0000 + 17); // room for a line of the copy
+    tavrix::testing::SetFreeMemory(0xA0000 + 13); // room for one of the copy's alone
     MemoryGauge::Sample();
     Events events;
     tavrix::testing::SetFileFault([&events](FileOperation operation, const WCHAR*, DWORD*) {
