@@ -69,6 +69,47 @@ TEST_F(PagingQuirks, ASecondFolderAloneIsNotUsed)
     EXPECT_EQ(RowsOf(raster), PatternRows(1, 3, PagedStride));
 }
 
+TEST_F(PagingQuirks, ARasterCopiesItsFoldersAndAStoreReadsItsOwnersText)
+{
+    WCHAR folder[32];
+    std::memcpy(folder, FirstFolder, sizeof(WCHAR) * (wcslen(FirstFolder) + 1));
+    Raster raster;
+    MakeFilled(raster, 2, 1, folder, nullptr);
+    SwapStore store(folder, 1000);
+    PageHandle page = nullptr;
+    ASSERT_EQ(store.Allocate(&page, 8), 1);
+    std::memcpy(folder, SecondFolder, sizeof(WCHAR) * (wcslen(SecondFolder) + 1));
+    ASSERT_EQ(raster.ReleaseLines(0, 1, 1), 1);
+    EXPECT_EQ(FilesIn(FirstFolder).size(), 1u);
+    SetFreeMemory(1000);
+    EXPECT_EQ(store.MakeRoom(0), -1);
+    EXPECT_EQ(*page, nullptr);
+    size_t pages = 0;
+    for (const auto& entry :
+         std::filesystem::directory_iterator(tavrix::testing::HostPath(SecondFolder)))
+        pages += entry.path().extension() == ".swp";
+    EXPECT_EQ(pages, 1u);
+    EXPECT_EQ(store.Free(page), 1);
+}
+
+TEST_F(PagingQuirks, SwappedLinesTakeTheirLocksWithThem)
+{
+    Raster raster;
+    MakeFilled(raster, 4, 1);
+    SetRandom({1, 2, 3});
+    ASSERT_EQ(raster.ReleaseLines(2, 1, 1), 1);
+    u8* const pinned = AddressOf(raster, 0);
+    ASSERT_EQ(raster.SwapLines(0, 1), 1);
+    ShortMemory();
+    ASSERT_NE(AddressOf(raster, 2), nullptr);
+    // Lines 0 and 3 made room, the one holding what was line 1; line 1 is pinned in its place.
+    EXPECT_EQ(FilesIn(FirstFolder).size(), 2u);
+    EXPECT_EQ(ReadHostFile(HostFile(FirstFolder, "000002.tmp")), PatternRow(1, 1));
+    EXPECT_EQ(ReadHostFile(HostFile(FirstFolder, "000003.tmp")), PatternRow(1, 3));
+    EXPECT_EQ(AddressOf(raster, 1), pinned);
+    EXPECT_EQ(std::vector<u8>(pinned, pinned + PagedStride), PatternRow(1, 0));
+}
+
 TEST_F(PagingQuirks, FlippingEndsAtTheFirstExchangeThatFails)
 {
     CountingAllocator memory;
