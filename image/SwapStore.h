@@ -1,5 +1,5 @@
 // A page store: blocks of any size behind opaque handles, each in memory or, when free memory falls
-// below a reserve, alone in a file of its own (its number as FormatUnsigned gives it and ".swp",
+// below a reserve, alone in a file of its own (its number in decimal and ".swp",
 // the block's bytes and nothing else), and brought back when it is locked. The largest unlocked
 // page goes first.
 //

@@ -28,10 +28,9 @@ bool SwapStore::FitsOnDisk(u32 size) const
 // under the name that is left of it.
 bool SwapStore::PathOf(u32 fileId, WCHAR (&path)[PathRoom]) const
 {
-    // Numbers of ten digits come out as others, which is no matter: the same number always gives
-    // the same name, and where two give one, the second is refused its file and takes another.
+    // In 64 bits, since the 32-bit form gives numbers of ten digits characters that are none.
     WCHAR name[NameRoom];
-    (void)FormatUnsigned(fileId, name, NameRoom);
+    (void)FormatUnsigned64(fileId, name, NameRoom);
     (void)AppendText(name, NameRoom, TEXT(".swp"));
     const size_t length = wcslen(directory);
     if (length > 0 && length < PathRoom) {

