@@ -329,6 +329,17 @@ TEST_F(Brushes, ARadiusWithoutPlaceForItsDoubleIsRefusedAndTheOldMaskGone)
     ExpectSame({&twin});
 }
 
+TEST_F(Brushes, TheLargestRadiusStillAsksForItsMaskAndTheNextOneForNothing)
+{
+    CountingAllocator allocator;
+    allocator.fails = [](int, u32) { return true; };
+    Brush brush(&allocator);
+    EXPECT_EQ(brush.Create(32768, 256, 1), -1);
+    EXPECT_EQ(allocator.asked, 0);
+    EXPECT_EQ(brush.Create(32767, 256, 1), -1);
+    EXPECT_GT(allocator.asked, 0);
+}
+
 TEST_F(Brushes, BlocksComeFromTheGivenAllocatorAndAllGoBack)
 {
     CountingAllocator allocator;
