@@ -116,9 +116,18 @@ TEST_F(SwapStoreRoom, AFolderMayOrMayNotEndInABackslash)
         SetRandom({9});
         PageHandle page = nullptr;
         ASSERT_EQ(each->Allocate(&page, 5), 1);
+        std::vector<std::basic_string<WCHAR>> asked;
+        SetFileFault([&](FileOperation, const WCHAR* path, DWORD*) {
+            asked.emplace_back(path);
+            return false;
+        });
         SetFreeMemory(Reserve);
         EXPECT_EQ(each->MakeRoom(0), -1);
+        SetFileFault(nullptr);
         EXPECT_EQ(Names(), (NamesOf{"5009.swp"}));
+        ASSERT_FALSE(asked.empty());
+        for (const auto& path : asked)
+            EXPECT_TRUE(path == TEXT("\\Temp\\5009.swp"));
         EXPECT_EQ(each->Free(page), 1);
         EXPECT_TRUE(SwapFiles().empty());
     }
