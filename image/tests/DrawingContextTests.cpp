@@ -176,6 +176,28 @@ TEST(DrawingContext, EverySlotHoldsTheOriginalUntilItIsBack)
     ::DeleteObject(two);
 }
 
+TEST(DrawingContext, NoSlotStandsInForAnother)
+{
+    const HBITMAP bitmap = MakeBitmap();
+    const HBRUSH brush = ::CreateSolidBrush(1);
+    for (const SelectOperation first : AllSelects)
+        for (const SelectOperation second : AllSelects) {
+            if (first == second)
+                continue;
+            DrawingContext context;
+            ASSERT_EQ(context.CreateMemory(nullptr), 1);
+            HGDIOBJ firstBitmap = nullptr;
+            HGDIOBJ firstBrush = nullptr;
+            ASSERT_EQ((context.*first)(bitmap, &firstBitmap), 1);
+            ASSERT_EQ((context.*second)(brush, &firstBrush), 1);
+            EXPECT_EQ(context.RestoreAll(), 1);
+            EXPECT_EQ(::SelectObject(context.Handle(), bitmap), firstBitmap);
+            EXPECT_EQ(::SelectObject(context.Handle(), brush), firstBrush);
+        }
+    EXPECT_TRUE(::DeleteObject(bitmap));
+    EXPECT_TRUE(::DeleteObject(brush));
+}
+
 TEST(DrawingContext, RestoreAllPutsBackEveryKindAtOnceAndMayComeTwice)
 {
     const HBITMAP bitmap = MakeBitmap();

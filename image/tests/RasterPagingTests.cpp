@@ -102,6 +102,25 @@ TEST_F(RasterPaging, AForcedReleaseWritesTheLineOutAndALockBringsItBack)
     EXPECT_TRUE(FilesIn(FirstFolder).empty());
 }
 
+TEST_F(RasterPaging, LinesThatGoOutAndComeBackLeaveNoFileOpen)
+{
+    const auto open = [] { return tavrix::platform::CountHoldings().kernelHandles; };
+    Raster raster;
+    MakeFilled(raster, 4, 2);
+    const size_t before = open();
+    SetRandom({5, 5, 6}); // the second line finds its first name taken
+    EXPECT_EQ(raster.ReleaseLines(0, 1, 1), 1);
+    EXPECT_EQ(raster.ReleaseLines(1, 1, 1), 1);
+    EXPECT_EQ(FilesIn(FirstFolder), (Files{{"000005.tmp", Stride}, {"000006.tmp", Stride}}));
+    EXPECT_EQ(open(), before) << "written";
+    EXPECT_EQ(RowsOf(raster), PatternRows(2, 4, Stride));
+    EXPECT_EQ(open(), before) << "read";
+    ShortMemory();
+    EXPECT_EQ(raster.InsertLines(4, nullptr), 1);
+    EXPECT_EQ(FilesIn(FirstFolder).size(), 1u);
+    EXPECT_EQ(open(), before) << "made empty";
+}
+
 TEST_F(RasterPaging, ReleasingTheLastLineLeavesItLocked)
 {
     Raster raster;
