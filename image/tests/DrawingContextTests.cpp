@@ -105,7 +105,9 @@ TEST(DrawingContext, RemembersTheFirstObjectUntilItIsBack)
 
     // Selecting the original by hand empties the slot, so that the next object is remembered anew.
     ASSERT_EQ(context.SelectBitmap(one), 1);
-    ASSERT_EQ(context.SelectBitmap(original), 1);
+    displaced = nullptr;
+    ASSERT_EQ(context.SelectBitmap(original, &displaced), 1);
+    EXPECT_EQ(displaced, one);
     ASSERT_EQ(context.SelectBitmap(two, &displaced), 1);
     EXPECT_EQ(displaced, original);
     EXPECT_EQ(context.DeleteMemory(), 1);

@@ -118,6 +118,27 @@ TEST_F(RasterStorage, RedrawsThatRunOutOnReleaseLoseTheLineAndNoOther)
     EXPECT_EQ(raster.LockLines(0, &row, nullptr), -101);
 }
 
+TEST_F(RasterStorage, ALineThatFoundNoNameStaysLostWhileLinesEnterBeforeAndBehindIt)
+{
+    Raster raster;
+    MakeFilled(raster, 4, 3);
+    SetRandom({7});
+    ASSERT_EQ(raster.ReleaseLines(0, 1, 1), 1);
+    SetRandom(std::vector<LONG>(101, 7));
+    EXPECT_EQ(raster.ReleaseLines(1, 1, 1), 0);
+    u32 count = 3;
+    ASSERT_EQ(raster.InsertLines(4, &count), 1);
+    ASSERT_EQ(raster.InsertLines(0, nullptr), 1);
+    u8* row = nullptr;
+    EXPECT_EQ(raster.LockLines(2, &row, nullptr), 0);
+    EXPECT_EQ(row, nullptr);
+    EXPECT_EQ(RowOf(raster, 3), PatternRow(3, 2));
+    // It has nothing to write either, and what was begun goes.
+    EXPECT_EQ(raster.ReleaseLines(2, 1, 1), 0);
+    EXPECT_EQ(FilesIn(FirstFolder), (Files{{"000007.tmp", Stride}}));
+    EXPECT_TRUE(FilesIn(SecondFolder).empty());
+}
+
 TEST_F(RasterStorage, AMissingFirstFolderFallsThroughToTheSecondForEveryFile)
 {
     ShortMemory();
