@@ -262,6 +262,27 @@ TEST_F(RasterPaging, RemovingAPagedLineDeletesItsFile)
     EXPECT_EQ(RowsOf(raster), (Rows{all[0], all[2], all[3], all[4]}));
 }
 
+TEST_F(RasterPaging, AFileLeftByARemovalWithoutMemoryGoesWithTheNextRemoval)
+{
+    CountingAllocator allocator;
+    {
+        Raster raster(&allocator);
+        MakeFilled(raster, 5, 3);
+        ShortMemory();
+        ASSERT_EQ(raster.InsertLines(5, nullptr), 1);
+        EXPECT_EQ(FilesIn(FirstFolder).size(), 1u);
+        PlentyOfMemory();
+        allocator.fails = [](int, u32) { return true; };
+        EXPECT_EQ(raster.RemoveLines(0, nullptr), -2);
+        EXPECT_EQ(FilesIn(FirstFolder).size(), 1u);
+        allocator.fails = nullptr;
+        EXPECT_EQ(raster.RemoveLines(0, nullptr), 1);
+        EXPECT_TRUE(FilesIn(FirstFolder).empty());
+        EXPECT_EQ(RowOf(raster, 0), PatternRow(3, 1));
+    }
+    EXPECT_EQ(allocator.outstanding, 0);
+}
+
 TEST_F(RasterPaging, ResetAndTheDestructorDeleteAllLineFiles)
 {
     {

@@ -139,6 +139,24 @@ TEST_F(RasterStorage, ALineThatFoundNoNameStaysLostWhileLinesEnterBeforeAndBehin
     EXPECT_TRUE(FilesIn(SecondFolder).empty());
 }
 
+TEST_F(RasterStorage, ASourceThatHoldsMorePhysicalLinesThanLinesIsTakenWhole)
+{
+    Raster source;
+    MakeFilled(source, 40, 3);
+    SetRandom({7});
+    ASSERT_EQ(source.ReleaseLines(0, 1, 1), 1);
+    SetRandom(std::vector<LONG>(101, 7));
+    ASSERT_EQ(source.ReleaseLines(33, 1, 1), 0);
+    // The first of them is lost, so that none of them frees a physical line.
+    u32 count = 5;
+    ASSERT_EQ(source.RemoveLines(33, &count), 1);
+    Raster target;
+    EXPECT_EQ(target.TakeFrom(&source), 1);
+    Rows left = PatternRows(3, 40, Stride);
+    left.erase(left.begin() + 33, left.begin() + 38);
+    EXPECT_EQ(RowsOf(target), left);
+}
+
 TEST_F(RasterStorage, AMissingFirstFolderFallsThroughToTheSecondForEveryFile)
 {
     ShortMemory();
