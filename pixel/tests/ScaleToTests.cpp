@@ -1,4 +1,5 @@
 #include "PlainScale.h"
+#include "Rasters.h"
 
 namespace
 {
@@ -274,5 +275,25 @@ TEST_F(ScaleTo, StatusesOfTheFillAndOfABoxLineAreReturnedAndThoseOfAStretchAreNo
         target.allocator.fails = nullptr;
         source.Refuse(0);
         EXPECT_EQ(source.raster.ScaleTo(&target.raster, Background, 0, box), box == 0 ? 1 : -2);
+    }
+}
+
+TEST_F(ScaleTo, ALostLineThatEndsTheBackgroundLeavesThePictureOut)
+{
+    for (const u32 box : {0u, 1u}) {
+        Raster source;
+        Raster target;
+        MakeRaster(source, 5, 4, 24, 1, Paging::None);
+        MakeRaster(target, 5, 4, 24, 2, Paging::Under);
+        // Line 2 finds no name that is free.
+        tavrix::testing::SetRandom({7});
+        ASSERT_EQ(target.ReleaseLines(0, 1, 1), 1);
+        tavrix::testing::SetRandom(std::vector<LONG>(101, 7));
+        ASSERT_EQ(target.ReleaseLines(2, 1, 1), 0);
+        EXPECT_EQ(source.ScaleTo(&target, 0xFFFFFFFF, 0, box), 0);
+        for (const i32 line : {0, 1}) {
+            const std::vector<u8> row = RowOf(target, line);
+            EXPECT_EQ(std::vector<u8>(row.begin(), row.begin() + 15), std::vector<u8>(15, 255));
+        }
     }
 }
