@@ -224,9 +224,12 @@ TEST_F(PagedLines, AnIndexOutsideIsABadArgumentAndTheCountIsNoLine)
     for (const i32 index : {4, 100, 0x7FFFFFFF, -4, -100, static_cast<i32>(0x80000000)}) {
         u32 count = 1;
         EXPECT_EQ(list.InsertBlank(index, &count), -4) << index;
+        EXPECT_EQ(count, 0u);
         EXPECT_EQ(list.InsertLine(index, nullptr), -4);
         EXPECT_EQ(list.RemoveLine(index), -4);
+        count = 1;
         EXPECT_EQ(list.RemoveFrom(index, &count), -4);
+        EXPECT_EQ(count, 0u);
         EXPECT_EQ(list.LockLine(index, &line), -4);
         EXPECT_EQ(list.UnlockLine(index), -4);
     }
