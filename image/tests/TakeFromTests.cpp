@@ -216,6 +216,23 @@ TEST_F(TakeFromTest, ADamagedSourceIsTakenAsLineByLine)
         }
 }
 
+TEST_F(TakeFromTest, APaletteThatFindsNoMemoryIsReportedWithTheLinesTakenOver)
+{
+    Raster source;
+    MakeFilled(source, 3, 1);
+    ColorTable* palette = nullptr;
+    ASSERT_EQ(source.GetPalette(&palette), 1);
+    ASSERT_EQ(palette->Create(300), 1);
+    for (u32 i = 0; i < 300; ++i)
+        ASSERT_EQ(palette->Add(i, i, i, 0), 1);
+    CountingAllocator allocator;
+    allocator.fails = [](int, u32 size) { return size >= 300 * sizeof(PaletteEntry); };
+    Raster target(&allocator);
+    EXPECT_EQ(target.TakeFrom(&source), -2);
+    EXPECT_EQ(RowsOf(target), PatternRows(1, 3, PagedStride));
+    EXPECT_EQ(InfoOf(target).colorCount, 0u);
+}
+
 TEST_F(TakeFromTest, ATallPictureTakesOneAllocationALineAndAFewMore)
 {
     Memory memory;
