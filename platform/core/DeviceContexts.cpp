@@ -27,7 +27,9 @@ HGDIOBJ& Slot(DeviceContext& context, GdiObject::Kind kind)
 
 void LetGo(HGDIOBJ object)
 {
-    if (const auto found = FindGdiObject(object))
+    // The stock one belongs to all threads and is never written.
+    const auto found = FindGdiObject(object);
+    if (found != nullptr && !found->stock)
         found->selectedIn = nullptr;
 }
 
@@ -110,7 +112,8 @@ HGDIOBJ WINAPI SelectObject(HDC dc, HGDIOBJ object)
         if (!context->memory || (found->selectedIn != nullptr && found->selectedIn != dc))
             return nullptr;
         LetGo(before);
-        found->selectedIn = found->stock ? nullptr : dc;
+        if (!found->stock)
+            found->selectedIn = dc;
     }
     slot = object;
     return before;
