@@ -2,6 +2,8 @@
 
 #include "Rasters.h"
 
+#include <cmath>
+
 namespace
 {
 
@@ -44,4 +46,23 @@ TEST_F(StretchRounding, ARowCanEndBeforeItReachesTheLastColumnOfItsRectangle)
     EXPECT_EQ(shown[65536], 2);
     EXPECT_EQ(shown[131072], 3);
     EXPECT_EQ(shown[175936], 3);
+}
+
+TEST_F(StretchRounding, ARectangleThatEndsABreathBeforeAPixelCountsItWhereTheSumRoundsUp)
+{
+    Raster source;
+    Raster target;
+    ASSERT_EQ(source.Create(4, 1, 24, nullptr, nullptr), 1);
+    ASSERT_EQ(target.Create(4, 1, 24, nullptr, nullptr), 1);
+    for (i32 x = 0; x < 4; ++x)
+        ASSERT_EQ(source.SetPixel(x, 0, static_cast<u32>(x + 1) << 8), 1);
+    // The double just below 1, plus 1, lies halfway between two doubles and rounds
+    // to 2: two columns, the second of which shows the source's third.
+    const f64 right = std::nextafter(1.0, 0.0);
+    ASSERT_EQ(right + 1.0, 2.0);
+    ASSERT_EQ(source.StretchRect(&target, 0, 0, 3, 0, 0, 0, right, 0), 1);
+    const std::vector<u8> row = RowOf(target, 0);
+    EXPECT_EQ(row[0], 1);
+    EXPECT_EQ(row[3], 3);
+    EXPECT_EQ(row[6], 0);
 }
