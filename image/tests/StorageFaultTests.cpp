@@ -229,8 +229,8 @@ TEST_F(StorageFaults, OfALineFileThatHasGrownOnlyTheLineIsRead)
     MakeFilled(raster, 3, 3);
     SetRandom({5});
     ASSERT_EQ(raster.ReleaseLines(0, 1, 1), 1);
-    std::vector<u8> bytes(Stride, 0x5A);
-    bytes.resize(500, 0xFF);
+    std::vector<u8> bytes(500, 0xFF);
+    std::fill_n(bytes.begin(), Stride, u8{0x5A});
     device.PutFile(FirstFolder, "000005.tmp", bytes);
     EXPECT_EQ(RowOf(raster, 0), std::vector<u8>(Stride, 0x5A));
     EXPECT_TRUE(FilesIn(FirstFolder).empty());

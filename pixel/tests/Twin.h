@@ -191,14 +191,21 @@ struct Twin {
 namespace twin_detail
 {
 
-using Contents = std::multiset<std::vector<u8>>;
+// Bytes as text: ordering vectors of bytes makes this compiler's version 12 warn of a length that
+// cannot be.
+using Contents = std::multiset<std::string>;
+
+inline std::string TextOf(const std::vector<u8>& bytes)
+{
+    return {bytes.begin(), bytes.end()};
+}
 
 inline Contents FilesFound()
 {
     Contents found;
     for (const WCHAR* folder : {FirstFolder, SecondFolder})
         for (const auto& file : FilesIn(folder))
-            found.insert(ReadHostFile(HostFile(folder, file.first)));
+            found.insert(TextOf(ReadHostFile(HostFile(folder, file.first))));
     return found;
 }
 
@@ -208,7 +215,7 @@ inline Contents FilesMeant(std::initializer_list<Twin*> twins)
     for (const Twin* twin : twins)
         for (u32 y = 0; y < twin->plain.height; ++y)
             if (twin->plain.out[y])
-                meant.insert(twin->plain.rows[y]);
+                meant.insert(TextOf(twin->plain.rows[y]));
     return meant;
 }
 
