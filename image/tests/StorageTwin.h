@@ -191,7 +191,7 @@ public:
     void ArmAllocator(bool changesHeight, int recordsAt = 1)
     {
         const u32 stride = plain.stride;
-        allocator.fails = [this, stride, changesHeight, recordsAt, nth = 0,
+        allocator.fails = [stride, changesHeight, recordsAt, nth = 0,
                            lineBlocks = device->plain.lineBlocks,
                            nameBlocks = device->plain.nameBlocks, noTables = device->plain.noTables,
                            noRecords = device->plain.noRecords](u32 size) mutable {
