@@ -1,5 +1,7 @@
 #include "plugin/AdjustPlugin.h"
 
+#include "plugin/FunctionTables.h"
+
 AdjustPlugin::AdjustPlugin(Allocator* allocator)
     : PluginModule(allocator, TEXT("ADJUST")), adjustImage(nullptr), configure(nullptr)
 {
@@ -18,4 +20,16 @@ i32 AdjustPlugin::Unresolve()
     // binds it anew.
     adjustImage = nullptr;
     return Done;
+}
+
+i32 AdjustPlugin::Process(Raster* image, const PluginCallbacks& callbacks)
+{
+    return CallInHeap(adjustImage, image, ToHandle(image), &rasterFunctions, &paletteFunctions,
+                      callbacks.progress, callbacks.message, callbacks.put, callbacks.get);
+}
+
+i32 AdjustPlugin::Configure(HWND owner, Raster* image, const PluginCallbacks& callbacks)
+{
+    return CallInHeap(configure, image, owner, ToHandle(image), &rasterFunctions, &paletteFunctions,
+                      callbacks.message, callbacks.put, callbacks.get);
 }

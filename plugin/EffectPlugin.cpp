@@ -1,5 +1,7 @@
 #include "plugin/EffectPlugin.h"
 
+#include "plugin/FunctionTables.h"
+
 EffectPlugin::EffectPlugin(Allocator* allocator)
     : PluginModule(allocator, TEXT("EFFECT")), effect(nullptr), configure(nullptr)
 {
@@ -18,4 +20,16 @@ i32 EffectPlugin::Unresolve()
     // binds it anew.
     effect = nullptr;
     return Done;
+}
+
+i32 EffectPlugin::Process(Raster* image, const PluginCallbacks& callbacks)
+{
+    return CallInHeap(effect, image, ToHandle(image), &rasterFunctions, &paletteFunctions,
+                      callbacks.progress, callbacks.message, callbacks.put, callbacks.get);
+}
+
+i32 EffectPlugin::Configure(HWND owner, Raster* image, const PluginCallbacks& callbacks)
+{
+    return CallInHeap(configure, image, owner, ToHandle(image), &rasterFunctions, &paletteFunctions,
+                      callbacks.message, callbacks.put, callbacks.get);
 }

@@ -1,7 +1,9 @@
 // The two tables of functions that a plugin works through. They are written anew before each call
 // of a plugin, so that one which spoils them harms nobody but itself. The functions check what the
-// contract in tavrix/plugin.h leaves to the host and pass the rest to Raster and ColorTable; the
-// handles are the addresses of those objects. They run on the thread of the export that got them.
+// contract in tavrix/plugin.h leaves to the host and pass the rest to Raster and ColorTable. Handles
+// are the addresses of those objects and are looked up (PluginObjects.h) before they are used: a
+// handle that the running call does not know counts as null, and so does every handle on a thread
+// that is not that of the running call.
 #pragma once
 
 #include "foundation/Result.h"
@@ -27,14 +29,4 @@ inline TavrixImageHandle ToHandle(Raster* raster)
 inline TavrixPaletteHandle ToHandle(ColorTable* palette)
 {
     return reinterpret_cast<TavrixPaletteHandle>(palette);
-}
-
-inline Raster* FromHandle(TavrixImageHandle image)
-{
-    return reinterpret_cast<Raster*>(image);
-}
-
-inline ColorTable* FromHandle(TavrixPaletteHandle palette)
-{
-    return reinterpret_cast<ColorTable*>(palette);
 }

@@ -1,9 +1,29 @@
 #include "plugin/GuardedCall.h"
 
+namespace
+{
+
+thread_local u32 callDepth = 0; // a call may lead to another, through a dialog's loop
+
+struct ScopedDepth {
+    ScopedDepth() { ++callDepth; }
+    ~ScopedDepth() { --callDepth; }
+    ScopedDepth(const ScopedDepth&) = delete;
+    ScopedDepth& operator=(const ScopedDepth&) = delete;
+};
+
+} // namespace
+
+bool IsInPluginCall()
+{
+    return callDepth != 0;
+}
+
 template <typename... Parameters>
 i32 CallPlugin(i32(TAVRIX_CALL* function)(Parameters...),
                std::type_identity_t<Parameters>... arguments)
 {
+    const ScopedDepth depth;
     try {
         return function(arguments...);
     } catch (...) {

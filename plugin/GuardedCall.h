@@ -13,3 +13,7 @@
 template <typename... Parameters>
 [[nodiscard]] i32 CallPlugin(i32(TAVRIX_CALL* function)(Parameters...),
                              std::type_identity_t<Parameters>... arguments);
+
+/// Whether the calling thread is inside a plugin's export. What a plugin is handed refuses every
+/// other thread: one that a plugin started, and one that comes back when the call is over.
+[[nodiscard]] bool IsInPluginCall();

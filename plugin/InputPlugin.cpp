@@ -1,7 +1,5 @@
 #include "plugin/InputPlugin.h"
 
-#include "plugin/FunctionTables.h"
-#include "plugin/PluginHeap.h"
 #include "plugin/ScopedStreamRecord.h"
 
 InputPlugin::InputPlugin(Allocator* allocator)
@@ -40,7 +38,7 @@ i32 InputPlugin::GetImageInfo(const WCHAR* path, Stream* stream, void* info)
 i32 InputPlugin::GetImage(const WCHAR* path, Stream* stream, Raster* image,
                           const PluginCallbacks& callbacks)
 {
-    return CallWithImage(getImage, path, stream, image, callbacks);
+    return CallWithStream(getImage, path, stream, image, callbacks);
 }
 
 i32 InputPlugin::GetImageFast(const WCHAR* path, Stream* stream, Raster* image,
@@ -51,8 +49,8 @@ i32 InputPlugin::GetImageFast(const WCHAR* path, Stream* stream, Raster* image,
     // Meant as it stands: only the full decode ever sees a stream, and a quick one that counts on a
     // path would fail if this were evened out.
     if (stream != nullptr)
-        return CallWithImage(getImage, nullptr, stream, image, callbacks);
-    return CallWithImage(getImageFast, path, nullptr, image, callbacks);
+        return CallWithStream(getImage, nullptr, stream, image, callbacks);
+    return CallWithStream(getImageFast, path, nullptr, image, callbacks);
 }
 
 i32 InputPlugin::Configure(HWND owner, const PluginCallbacks& callbacks)
@@ -60,22 +58,4 @@ i32 InputPlugin::Configure(HWND owner, const PluginCallbacks& callbacks)
     if (configure == nullptr)
         return WrongState;
     return CallPlugin(configure, owner, callbacks.message, callbacks.put, callbacks.get);
-}
-
-i32 InputPlugin::CallWithImage(TavrixImageFunction function, const WCHAR* path, Stream* stream,
-                               Raster* image, const PluginCallbacks& callbacks)
-{
-    if (function == nullptr)
-        return WrongState;
-    if (BeginCall() < 0)
-        return NoMemory;
-    i32 result;
-    {
-        ScopedStreamRecord record(stream);
-        result = CallPlugin(function, record.PathOrNull(path), record.Get(), ToHandle(image),
-                            &rasterFunctions, &paletteFunctions, callbacks.progress,
-                            callbacks.message, callbacks.put, callbacks.get);
-    }
-    (void)DropHeap();
-    return result;
 }

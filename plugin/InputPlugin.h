@@ -30,8 +30,6 @@ public:
 private:
     i32 Resolve() override;
     i32 Unresolve() override;
-    i32 CallWithImage(TavrixImageFunction function, const WCHAR* path, Stream* stream,
-                      Raster* image, const PluginCallbacks& callbacks);
 
     TavrixGetImageInfoFunction getImageInfo;
     TavrixImageFunction getImage;

@@ -19,3 +19,16 @@ i32 OutputPlugin::Unresolve()
     putImage = nullptr;
     return Done;
 }
+
+i32 OutputPlugin::PutImage(const WCHAR* path, Stream* stream, Raster* image,
+                           const PluginCallbacks& callbacks)
+{
+    return CallWithStream(putImage, path, stream, image, callbacks);
+}
+
+i32 OutputPlugin::Configure(HWND owner, const PluginCallbacks& callbacks)
+{
+    if (configure == nullptr)
+        return WrongState;
+    return CallPlugin(configure, owner, callbacks.message, callbacks.put, callbacks.get);
+}

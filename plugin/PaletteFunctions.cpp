@@ -27,7 +27,7 @@ i32 TAVRIX_CALL PaletteDestroy(TavrixPaletteHandle* palette)
     // Unlike a picture, a palette that is null already is a failure; plugins may count on either.
     if (palette == nullptr || *palette == nullptr)
         return Failed;
-    const i32 result = DestroyPluginObject(FromHandle(*palette));
+    const i32 result = DestroyPluginObject(*palette);
     if (result > 0)
         *palette = nullptr;
     return result;
@@ -35,66 +35,73 @@ i32 TAVRIX_CALL PaletteDestroy(TavrixPaletteHandle* palette)
 
 i32 TAVRIX_CALL PaletteAlloc(TavrixPaletteHandle palette, u32 capacity)
 {
-    if (palette == nullptr)
+    ColorTable* table = FindPluginPalette(palette);
+    if (table == nullptr)
         return Failed;
     if (capacity > MostEntries) {
-        (void)FromHandle(palette)->Destroy();
+        (void)table->Destroy();
         return NoMemory;
     }
-    return FromHandle(palette)->Create(capacity);
+    return table->Create(capacity);
 }
 
 i32 TAVRIX_CALL PaletteFree(TavrixPaletteHandle palette)
 {
-    return palette == nullptr ? Failed : FromHandle(palette)->Destroy();
+    ColorTable* table = FindPluginPalette(palette);
+    return table == nullptr ? Failed : table->Destroy();
 }
 
 i32 TAVRIX_CALL PaletteCopy(TavrixPaletteHandle target, TavrixPaletteHandle source)
 {
-    if (target == nullptr)
+    ColorTable* to = FindPluginPalette(target);
+    if (to == nullptr)
         return Failed;
-    if (source == nullptr)
+    ColorTable* from = FindPluginPalette(source);
+    if (from == nullptr)
         return BadArgument;
     // The target is emptied before it is filled, and with it a source that is the same palette.
-    if (target == source)
-        return Done;
-    return FromHandle(target)->CopyFrom(FromHandle(source));
+    return to == from ? Done : to->CopyFrom(from);
 }
 
 i32 TAVRIX_CALL PaletteAddEntry(TavrixPaletteHandle palette, u32 red, u32 green, u32 blue,
                                 u32 fourth)
 {
-    return palette == nullptr ? Failed : FromHandle(palette)->Add(red, green, blue, fourth);
+    ColorTable* table = FindPluginPalette(palette);
+    return table == nullptr ? Failed : table->Add(red, green, blue, fourth);
 }
 
 i32 TAVRIX_CALL PaletteAddEntries(TavrixPaletteHandle palette, const PaletteEntry* entries,
                                   u32 count)
 {
-    if (palette == nullptr)
+    ColorTable* table = FindPluginPalette(palette);
+    if (table == nullptr)
         return Failed;
     if (entries == nullptr)
         return BadArgument;
-    return FromHandle(palette)->AddMany(entries, count);
+    return table->AddMany(entries, count);
 }
 
 i32 TAVRIX_CALL PaletteSetEntries(TavrixPaletteHandle palette, const PaletteEntry* entries,
                                   u32 count)
 {
-    if (palette == nullptr)
+    ColorTable* table = FindPluginPalette(palette);
+    if (table == nullptr)
         return Failed;
     if (entries == nullptr)
         return BadArgument;
-    return count > MostEntries ? NoMemory : FromHandle(palette)->SetEntries(entries, count);
+    return count > MostEntries ? NoMemory : table->SetEntries(entries, count);
 }
 
 i32 TAVRIX_CALL PaletteGetEntries(TavrixPaletteHandle palette, PaletteEntry* buffer)
 {
-    return palette == nullptr ? Failed : FromHandle(palette)->GetEntries(buffer);
+    ColorTable* table = FindPluginPalette(palette);
+    return table == nullptr ? Failed : table->GetEntries(buffer);
 }
 
 i32 TAVRIX_CALL PaletteGetPointer(TavrixPaletteHandle palette, PaletteEntry** entries)
 {
-    return palette == nullptr ? Failed : FromHandle(palette)->GetData(entries);
+    ColorTable* table = FindPluginPalette(palette);
+    return table == nullptr ? Failed : table->GetData(entries);
 }
 
 } // namespace

@@ -2,12 +2,14 @@
 
 #include "plugin/PluginObjects.h"
 
+#include <atomic>
 #include <new>
 
 namespace
 {
 
 HeapAllocator* callHeap = nullptr;
+std::atomic<DWORD> callThread{0}; // also read by threads that have no business here
 
 } // namespace
 
@@ -24,6 +26,7 @@ i32 MakeHeap()
         return Failed;
     }
     callHeap = made;
+    callThread = GetCurrentThreadId();
     return Done;
 }
 
@@ -31,8 +34,10 @@ i32 DropHeap()
 {
     if (callHeap == nullptr)
         return NothingDone;
+    callThread = GetCurrentThreadId();
     // Dropping the heap would free the memory of a forgotten picture but leave its line files.
     DestroyPluginObjects();
+    callThread = 0;
     delete callHeap;
     callHeap = nullptr;
     return Done;
@@ -40,5 +45,5 @@ i32 DropHeap()
 
 HeapAllocator* PluginHeap()
 {
-    return callHeap;
+    return callThread == GetCurrentThreadId() ? callHeap : nullptr;
 }

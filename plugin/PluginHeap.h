@@ -7,9 +7,10 @@
 
 #include "foundation/Allocator.h"
 
-/// Drops an old heap first. Done, or Failed when no heap could be made.
+/// Drops an old heap first. The call is then that of the calling thread. Done, or Failed when no
+/// heap could be made.
 [[nodiscard]] i32 MakeHeap();
 /// Releases what the plugin left behind, then the heap. Done, or NothingDone when there was none.
 i32 DropHeap();
-/// The heap of the running call; null between calls.
+/// The heap of the running call; null between calls, and on every thread but that of the call.
 HeapAllocator* PluginHeap();

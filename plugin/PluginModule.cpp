@@ -2,7 +2,8 @@
 
 #include "foundation/Language.h"
 #include "plugin/FunctionTables.h"
-#include "plugin/PluginHeap.h"
+#include "plugin/PluginObjects.h"
+#include "plugin/ScopedStreamRecord.h"
 
 #include <handheld.h>
 
@@ -95,10 +96,29 @@ i32 PluginModule::Unresolve()
     return Failed;
 }
 
-i32 PluginModule::BeginCall()
+i32 PluginModule::CallWithStream(TavrixImageFunction function, const WCHAR* path, Stream* stream,
+                                 Raster* image, const PluginCallbacks& callbacks)
+{
+    if (function == nullptr)
+        return WrongState;
+    if (BeginCall(image) < 0)
+        return NoMemory;
+    i32 result;
+    {
+        ScopedStreamRecord record(stream);
+        result = CallPlugin(function, record.PathOrNull(path), record.Get(), ToHandle(image),
+                            &rasterFunctions, &paletteFunctions, callbacks.progress,
+                            callbacks.message, callbacks.put, callbacks.get);
+    }
+    (void)DropHeap();
+    return result;
+}
+
+i32 PluginModule::BeginCall(Raster* image)
 {
     if (MakeHeap() < Done)
         return NoMemory;
+    LendPluginImage(image);
     WriteTables();
     return Done;
 }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "plugin/GuardedCall.h"
+#include "plugin/PluginHeap.h"
 #include "plugin/PluginPathList.h"
 
 #include <windows.h>
@@ -21,6 +22,9 @@ struct PluginCallbacks {
 
 /// Whether a scan adds to the paths that are known.
 enum PluginScanMode : i32 { ForgetPaths = 0, KeepPaths = 1 };
+
+class Raster;
+class Stream;
 
 class PluginModule
 {
@@ -80,9 +84,26 @@ protected:
         *slot = reinterpret_cast<Function>(FindExport(name));
     }
 
-    /// What stands before every call that gets the tables: a new heap, and the tables written anew.
-    /// Done, or NoMemory, which the wrapper gives back at once. Ended by DropHeap.
-    [[nodiscard]] i32 BeginCall();
+    /// Calls an export of the running use with a heap of its own and with the tables written anew;
+    /// `image` is the picture that it is lent, null for none. WrongState for a null export, for
+    /// which no heap is made; NoMemory without a heap; else what the export gave.
+    template <typename... Parameters>
+    [[nodiscard]] i32 CallInHeap(i32(TAVRIX_CALL* function)(Parameters...), Raster* image,
+                                 std::type_identity_t<Parameters>... arguments)
+    {
+        if (function == nullptr)
+            return WrongState;
+        if (BeginCall(image) < 0)
+            return NoMemory;
+        const i32 result = CallPlugin(function, arguments...);
+        (void)DropHeap();
+        return result;
+    }
+    /// The same for an export that takes a path or a stream. With a stream the path is not given to
+    /// it; the stream's record is given back as soon as the call has returned.
+    [[nodiscard]] i32 CallWithStream(TavrixImageFunction function, const WCHAR* path,
+                                     Stream* stream, Raster* image,
+                                     const PluginCallbacks& callbacks);
 
     TavrixGetPluginInfoFunction getPluginInfo;
     RasterFunctionTable rasterFunctions;
@@ -91,6 +112,7 @@ protected:
 private:
     using AnyFunction = void (*)();
     AnyFunction FindExport(const WCHAR* name) const;
+    i32 BeginCall(Raster* image);
     void WriteTables();
     u32 PathCount() const;
 

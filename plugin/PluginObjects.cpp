@@ -1,6 +1,7 @@
 #include "plugin/PluginObjects.h"
 
 #include "image/Raster.h"
+#include "plugin/FunctionTables.h"
 #include "plugin/PluginHeap.h"
 
 #include <new>
@@ -20,6 +21,7 @@ struct Made : Link {
 };
 
 Link* firstMade = nullptr;
+Raster* lentImage = nullptr;
 
 template <typename Object>
 void Destroy(Link* link)
@@ -45,23 +47,56 @@ i32 Make(Object** out)
     return Done;
 }
 
-template <typename Object>
-i32 FindAndDestroy(const Object* object)
+/// The place that holds the link of the object behind a handle; null when none was made here.
+template <typename Object, typename Handle>
+Link** FindMade(Handle handle)
 {
-    for (Link** place = &firstMade; *place != nullptr; place = &(*place)->next) {
-        Link* link = *place;
-        if (link->destroy != Destroy<Object>)
-            continue;
-        if (&static_cast<Made<Object>*>(link)->object != object)
-            continue;
-        *place = link->next;
-        link->destroy(link);
-        return Done;
-    }
-    return Failed;
+    if (PluginHeap() == nullptr)
+        return nullptr;
+    for (Link** place = &firstMade; *place != nullptr; place = &(*place)->next)
+        if ((*place)->destroy == Destroy<Object> &&
+            ToHandle(&static_cast<Made<Object>*>(*place)->object) == handle)
+            return place;
+    return nullptr;
+}
+
+template <typename Object, typename Handle>
+Object* FindObject(Handle handle)
+{
+    Link** place = FindMade<Object>(handle);
+    return place == nullptr ? nullptr : &static_cast<Made<Object>*>(*place)->object;
+}
+
+template <typename Object, typename Handle>
+i32 FindAndDestroy(Handle handle)
+{
+    Link** place = FindMade<Object>(handle);
+    if (place == nullptr)
+        return Failed;
+    Link* link = *place;
+    *place = link->next;
+    link->destroy(link);
+    return Done;
 }
 
 } // namespace
+
+void LendPluginImage(Raster* image)
+{
+    lentImage = image;
+}
+
+Raster* FindPluginImage(TavrixImageHandle handle)
+{
+    if (handle == nullptr || PluginHeap() == nullptr)
+        return nullptr;
+    return handle == ToHandle(lentImage) ? lentImage : FindObject<Raster>(handle);
+}
+
+ColorTable* FindPluginPalette(TavrixPaletteHandle handle)
+{
+    return FindObject<ColorTable>(handle);
+}
 
 i32 MakePluginObject(Raster** out)
 {
@@ -73,18 +108,19 @@ i32 MakePluginObject(ColorTable** out)
     return Make(out);
 }
 
-i32 DestroyPluginObject(Raster* object)
+i32 DestroyPluginObject(TavrixImageHandle handle)
 {
-    return FindAndDestroy(object);
+    return FindAndDestroy<Raster>(handle);
 }
 
-i32 DestroyPluginObject(ColorTable* object)
+i32 DestroyPluginObject(TavrixPaletteHandle handle)
 {
-    return FindAndDestroy(object);
+    return FindAndDestroy<ColorTable>(handle);
 }
 
 void DestroyPluginObjects()
 {
+    lentImage = nullptr;
     while (firstMade != nullptr) {
         Link* link = firstMade;
         firstMade = link->next;

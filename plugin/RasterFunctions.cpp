@@ -37,7 +37,7 @@ i32 TAVRIX_CALL RasterDestroy(TavrixImageHandle* image)
     if (*image == nullptr)
         return Done;
     // The picture that the export was given is the host's own and stays.
-    const i32 result = DestroyPluginObject(FromHandle(*image));
+    const i32 result = DestroyPluginObject(*image);
     if (result > 0)
         *image = nullptr;
     return result;
@@ -45,9 +45,9 @@ i32 TAVRIX_CALL RasterDestroy(TavrixImageHandle* image)
 
 i32 TAVRIX_CALL RasterAlloc(TavrixImageHandle image, u32 width, u32 height, u32 depth)
 {
-    if (image == nullptr)
+    Raster* raster = FindPluginImage(image);
+    if (raster == nullptr)
         return Failed;
-    Raster* raster = FromHandle(image);
     if (width > LongestPluginSide || height > LongestPluginSide) {
         raster->Reset();
         return Failed;
@@ -57,27 +57,28 @@ i32 TAVRIX_CALL RasterAlloc(TavrixImageHandle image, u32 width, u32 height, u32 
 
 i32 TAVRIX_CALL RasterFree(TavrixImageHandle image)
 {
-    if (image == nullptr)
+    Raster* raster = FindPluginImage(image);
+    if (raster == nullptr)
         return Failed;
-    FromHandle(image)->Reset();
+    raster->Reset();
     return Done;
 }
 
 i32 TAVRIX_CALL RasterCopy(TavrixImageHandle target, TavrixImageHandle source)
 {
-    if (target == nullptr || source == nullptr)
+    Raster* to = FindPluginImage(target);
+    Raster* from = FindPluginImage(source);
+    if (to == nullptr || from == nullptr)
         return Failed;
     // Taking lines over empties the target first, and with it a source that is the same picture.
-    if (target == source)
-        return Done;
-    return FromHandle(target)->TakeFrom(FromHandle(source));
+    return to == from ? Done : to->TakeFrom(from);
 }
 
 i32 TAVRIX_CALL RasterInsertLines(TavrixImageHandle image, i32 line, u32* count)
 {
-    if (image == nullptr)
+    Raster* raster = FindPluginImage(image);
+    if (raster == nullptr)
         return Failed;
-    Raster* raster = FromHandle(image);
     const RasterInfo info = InfoOf(raster);
     const u32 wanted = count != nullptr ? *count : 1;
     const bool created = info.depth != 0;
@@ -88,77 +89,89 @@ i32 TAVRIX_CALL RasterInsertLines(TavrixImageHandle image, i32 line, u32* count)
 
 i32 TAVRIX_CALL RasterDeleteLines(TavrixImageHandle image, i32 line, u32* count)
 {
-    return image == nullptr ? Failed : FromHandle(image)->RemoveLines(line, count);
+    Raster* raster = FindPluginImage(image);
+    return raster == nullptr ? Failed : raster->RemoveLines(line, count);
 }
 
 i32 TAVRIX_CALL RasterSwapLines(TavrixImageHandle image, i32 a, i32 b)
 {
-    return image == nullptr ? Failed : FromHandle(image)->SwapLines(a, b);
+    Raster* raster = FindPluginImage(image);
+    return raster == nullptr ? Failed : raster->SwapLines(a, b);
 }
 
 i32 TAVRIX_CALL RasterGetInfo(TavrixImageHandle image, RasterInfo* info)
 {
-    return image == nullptr ? Failed : FromHandle(image)->GetInfo(info);
+    Raster* raster = FindPluginImage(image);
+    return raster == nullptr ? Failed : raster->GetInfo(info);
 }
 
 i32 TAVRIX_CALL RasterLockLines(TavrixImageHandle image, i32 line, void** lines, u32* count)
 {
-    if (image == nullptr)
+    Raster* raster = FindPluginImage(image);
+    if (raster == nullptr)
         return Failed;
     if (lines == nullptr)
         return BadArgument;
-    return FromHandle(image)->LockLines(line, reinterpret_cast<u8**>(lines), count);
+    return raster->LockLines(line, reinterpret_cast<u8**>(lines), count);
 }
 
 i32 TAVRIX_CALL RasterUnlockLines(TavrixImageHandle image, i32 line, u32 count)
 {
+    Raster* raster = FindPluginImage(image);
     // Never forced out: only short memory sends a plugin's lines to their files.
-    return image == nullptr ? Failed : FromHandle(image)->ReleaseLines(line, count, 0);
+    return raster == nullptr ? Failed : raster->ReleaseLines(line, count, 0);
 }
 
 i32 TAVRIX_CALL RasterGetPalette(TavrixImageHandle image, TavrixPaletteHandle palette)
 {
-    if (image == nullptr)
+    Raster* raster = FindPluginImage(image);
+    ColorTable* target = FindPluginPalette(palette);
+    if (raster == nullptr || (palette != nullptr && target == nullptr))
         return Failed;
     ColorTable* own = nullptr;
-    const i32 result = FromHandle(image)->GetPalette(&own);
+    const i32 result = raster->GetPalette(&own);
     if (result < 0)
         return result;
     if (own == nullptr)
         return NoMemory;
-    return palette == nullptr ? static_cast<i32>(own->Count()) : FromHandle(palette)->CopyFrom(own);
+    return target == nullptr ? static_cast<i32>(own->Count()) : target->CopyFrom(own);
 }
 
 i32 TAVRIX_CALL RasterSetPalette(TavrixImageHandle image, TavrixPaletteHandle palette)
 {
-    if (image == nullptr || palette == nullptr)
+    Raster* raster = FindPluginImage(image);
+    const ColorTable* source = FindPluginPalette(palette);
+    if (raster == nullptr || source == nullptr)
         return Failed;
     ColorTable* own = nullptr;
-    const i32 result = FromHandle(image)->GetPalette(&own);
+    const i32 result = raster->GetPalette(&own);
     if (result < 0)
         return result;
-    return own == nullptr ? NoMemory : own->CopyFrom(FromHandle(palette));
+    return own == nullptr ? NoMemory : own->CopyFrom(source);
 }
 
 i32 TAVRIX_CALL RasterStretch(TavrixImageHandle source, TavrixImageHandle target, i32 sourceLeft,
                               i32 sourceTop, i32 sourceRight, i32 sourceBottom, i32 targetLeft,
                               i32 targetTop, i32 targetRight, i32 targetBottom)
 {
-    if (source == nullptr || target == nullptr)
+    Raster* from = FindPluginImage(source);
+    Raster* to = FindPluginImage(target);
+    if (from == nullptr || to == nullptr)
         return Failed;
-    return FromHandle(source)->StretchRect(FromHandle(target), sourceLeft, sourceTop, sourceRight,
-                                           sourceBottom, targetLeft, targetTop, targetRight,
-                                           targetBottom);
+    return from->StretchRect(to, sourceLeft, sourceTop, sourceRight, sourceBottom, targetLeft,
+                             targetTop, targetRight, targetBottom);
 }
 
 i32 TAVRIX_CALL RasterGetPixel(TavrixImageHandle image, i32 x, i32 y, u32* value)
 {
-    return image == nullptr ? Failed : FromHandle(image)->GetPixel(x, y, value);
+    Raster* raster = FindPluginImage(image);
+    return raster == nullptr ? Failed : raster->GetPixel(x, y, value);
 }
 
 i32 TAVRIX_CALL RasterSetPixel(TavrixImageHandle image, i32 x, i32 y, u32 value)
 {
-    return image == nullptr ? Failed : FromHandle(image)->SetPixel(x, y, value);
+    Raster* raster = FindPluginImage(image);
+    return raster == nullptr ? Failed : raster->SetPixel(x, y, value);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "plugin/ScalePlugin.h"
 
+#include "plugin/FunctionTables.h"
+
 ScalePlugin::ScalePlugin(Allocator* allocator)
     : PluginModule(allocator, TEXT("SCALE")), scaleImage(nullptr), configure(nullptr)
 {
@@ -18,4 +20,11 @@ i32 ScalePlugin::Unresolve()
     // binds it anew.
     scaleImage = nullptr;
     return Done;
+}
+
+i32 ScalePlugin::ScaleImage(Raster* image, u32 width, u32 height, const PluginCallbacks& callbacks)
+{
+    return CallInHeap(scaleImage, image, ToHandle(image), &rasterFunctions, &paletteFunctions,
+                      width, height, callbacks.progress, callbacks.message, callbacks.put,
+                      callbacks.get);
 }

@@ -1,5 +1,7 @@
 #include "plugin/SubtractPlugin.h"
 
+#include "plugin/FunctionTables.h"
+
 SubtractPlugin::SubtractPlugin(Allocator* allocator)
     : PluginModule(allocator, TEXT("SUBTRACT")), subtractImage(nullptr)
 {
@@ -15,4 +17,11 @@ i32 SubtractPlugin::Unresolve()
 {
     subtractImage = nullptr;
     return Done;
+}
+
+i32 SubtractPlugin::SubtractImage(Raster* image, u32 argument, const PluginCallbacks& callbacks)
+{
+    return CallInHeap(subtractImage, image, ToHandle(image), &rasterFunctions, &paletteFunctions,
+                      argument, callbacks.progress, callbacks.message, callbacks.put,
+                      callbacks.get);
 }

@@ -9,12 +9,21 @@
 #define MenuEnglish 110
 #define MenuJapanese 111
 #define IconApplication 115
+#define IconPluginGroup 117
+#define DialogPluginInformation 164
+#define IconPlugin 165
 
 /* Controls of the progress dialog. */
 #define ControlAbort 3
 #define ControlProgressBar 1000
 #define ControlProgressStatus 1002
 #define ControlHeadline 1004
+
+/* Controls of the plugin information dialog. Its headline has the progress dialog's number. */
+#define ControlPluginClose 2
+#define ControlPluginTree 1080
+#define ControlPluginList 1081
+#define ControlPluginDescription 1083
 
 /* The command bar's own id. */
 #define ControlCommandBar 1
@@ -39,6 +48,15 @@
 #define CommandNoAdjustPlugin 40010
 #define CommandNoFilePlugin 40014
 #define CommandNoScalePlugin 40016
+
+/* The entries of plugins: the first of each menu, and how many a menu takes. */
+#define CommandFirstOpenAs 41000
+#define CommandFirstSaveAs 41100
+#define CommandFirstEffect 41200
+#define CommandFirstAdjust 41300
+#define CommandFirstScale 41400
+#define CommandFirstPrint 41501
+#define PluginMenuLimit 100
 
 /* Menu: Edit. */
 #define CommandCopyToMemory 40036

@@ -8,10 +8,24 @@
 
 #include "foundation/Stream.h"
 #include "image/Raster.h"
+#include "plugin/AdjustPlugin.h"
+#include "plugin/EffectPlugin.h"
 #include "plugin/InputPlugin.h"
+#include "plugin/OutputPlugin.h"
+#include "plugin/PrintPlugin.h"
+#include "plugin/ScalePlugin.h"
+#include "plugin/SubtractPlugin.h"
 
 enum : u32 {
-    JobLoad = 1 // decode an INPUT plugin's picture
+    JobLoad = 1,        // decode a picture from a stream
+    JobReceive = 2,     // an object over infrared
+    JobSave = 3,        // encode a picture to a file
+    JobVirtualSave = 4, // encode it to nowhere and tell its size
+    JobEffect = 16,
+    JobAdjust = 17,
+    JobScale = 18,
+    JobSubtract = 19, // no command starts it
+    JobPrint = 20     // the one that the user can stop
 };
 
 /// Lives as long as the dialog, on the stack of the command that starts the job.
@@ -26,6 +40,51 @@ struct LoadArguments {
     const WCHAR* path; // always null: the plugin reads the stream
     Stream* stream;
     Raster* target;
+};
+
+/// The arguments of JobSave and JobVirtualSave.
+struct SaveArguments {
+    OutputPlugin* host;
+    const WCHAR* path; // JobVirtualSave asks it for the size to compare with
+    Raster* source;
+};
+
+/// The arguments of JobEffect.
+struct EffectArguments {
+    EffectPlugin* host;
+    Raster* image;
+    TavrixPutPropertyCallback put;
+    TavrixGetPropertyCallback get;
+};
+
+/// The arguments of JobAdjust.
+struct AdjustArguments {
+    AdjustPlugin* host;
+    Raster* image;
+};
+
+/// The arguments of JobScale.
+struct ScaleArguments {
+    ScalePlugin* host;
+    Raster* image;
+    u32 width;
+    u32 height;
+    TavrixPutPropertyCallback put;
+    TavrixGetPropertyCallback get;
+};
+
+/// The arguments of JobSubtract.
+struct SubtractArguments {
+    SubtractPlugin* host;
+    Raster* image;
+    u32 argument;
+};
+
+/// The arguments of JobPrint. The caller clears MainFrame::abortRequested before and after.
+struct PrintArguments {
+    PrintPlugin* host;
+    HWND owner;
+    Raster* image;
 };
 
 /// Opens the progress dialog, which runs the job. Done when the job has ended, whether it succeeded

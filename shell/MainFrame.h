@@ -64,6 +64,13 @@ public:
     void UpdateScreenChecks();
     void UpdateWindowChecks();
 
+    // Plugins before the user (shell/PluginMenus.cpp).
+    /// Puts the plugins' names into their menus, in place of the entries that stand for none. Once,
+    /// behind the pass that finds them.
+    void BuildPluginMenus();
+    /// Opens the plugin information dialog.
+    void ShowPlugins();
+
     // Opening (shell/OpenImages.cpp). Paths are device paths.
     /// Opens what the command line or a hand-over names. Silent when it cannot be opened or no
     /// plugin's patterns hold its extension.

@@ -2,6 +2,7 @@
 
 #include "image/Raster.h"
 #include "platform/testing/Testing.h"
+#include "plugin/FunctionTables.h"
 #include "plugin/PluginObjects.h"
 
 #include <gtest/gtest.h>
@@ -31,7 +32,7 @@ TEST(PluginHeap, MakingOneDropsTheOneBefore)
     ASSERT_EQ(MakePluginObject(&raster), 1);
     EXPECT_EQ(MakeHeap(), 1);
     // The picture went with its heap.
-    EXPECT_EQ(DestroyPluginObject(raster), -1);
+    EXPECT_EQ(DestroyPluginObject(ToHandle(raster)), -1);
     EXPECT_EQ(DropHeap(), 1);
 }
 
@@ -54,11 +55,11 @@ TEST(PluginObjects, AreFoundByTheirOwnAddressOnly)
     ASSERT_EQ(MakePluginObject(&first), 1);
     ASSERT_EQ(MakePluginObject(&palette), 1);
     ASSERT_EQ(MakePluginObject(&second), 1);
-    EXPECT_EQ(DestroyPluginObject(reinterpret_cast<Raster*>(palette)), -1);
-    EXPECT_EQ(DestroyPluginObject(first), 1);
-    EXPECT_EQ(DestroyPluginObject(first), -1);
-    EXPECT_EQ(DestroyPluginObject(palette), 1);
-    EXPECT_EQ(DestroyPluginObject(second), 1);
+    EXPECT_EQ(DestroyPluginObject(reinterpret_cast<TavrixImageHandle>(palette)), -1);
+    EXPECT_EQ(DestroyPluginObject(ToHandle(first)), 1);
+    EXPECT_EQ(DestroyPluginObject(ToHandle(first)), -1);
+    EXPECT_EQ(DestroyPluginObject(ToHandle(palette)), 1);
+    EXPECT_EQ(DestroyPluginObject(ToHandle(second)), 1);
     EXPECT_EQ(DropHeap(), 1);
 }
 

@@ -6,6 +6,7 @@
 #include "image/Raster.h"
 #include "platform/testing/Testing.h"
 #include "plugin/PluginHeap.h"
+#include "plugin/PluginObjects.h"
 
 #include <gtest/gtest.h>
 
@@ -138,6 +139,7 @@ TEST_F(RasterFunctions, ThePictureOfTheHostIsNotDestroyed)
 {
     Raster hosts;
     ASSERT_EQ(hosts.Create(4, 2, 24, nullptr, nullptr), 1);
+    LendPluginImage(&hosts);
     TavrixImageHandle handle = ToHandle(&hosts);
     EXPECT_EQ(table.RasterDestroy(&handle), -1);
     EXPECT_EQ(handle, ToHandle(&hosts));
