@@ -1,8 +1,8 @@
-// The plugins that change a picture in place with an effect. Each call gives WrongState when the plugin lacks the
-// export, NoMemory when the call's heap could not be made, else what the plugin gave; a negative
-// result is a failure. Calls stand between LoadByIndex and Unload; Configure runs on the
-// user-interface thread, Process on the worker. After either the caller unlocks all lines of the
-// picture.
+// The plugins that change a picture in place with an effect. Each call gives WrongState when the
+// plugin lacks the export, NoMemory when the call's heap could not be made, else what the plugin
+// gave; a negative result is a failure. Calls stand between LoadByIndex and Unload; Configure runs
+// on the user-interface thread, Process on the worker. After either the caller unlocks all lines of
+// the picture.
 #pragma once
 
 #include "plugin/PluginModule.h"
