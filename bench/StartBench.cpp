@@ -26,6 +26,7 @@ namespace
 {
 
 const std::string folder = TAVRIX_BINARY_DIR "/bench/pictures";
+const std::string built = TAVRIX_BINARY_DIR "/bin";
 
 double Now()
 {
@@ -54,9 +55,10 @@ struct Start {
     long peakKilobytes = 0;
 };
 
-/// Starts the program once; it ends by itself when the start is over.
-Start RunOnce(const std::string& picture, const char* memory)
+/// Starts the program in the folder `bin` once; it ends by itself when the start is over.
+Start RunOnce(const std::string& picture, const char* memory, const std::string& bin = built)
 {
+    const std::string program = bin + "/tavrix";
     const std::string log = folder + "/startup.log";
     std::filesystem::create_directories(folder + "/home");
     std::filesystem::remove(log);
@@ -73,8 +75,7 @@ Start RunOnce(const std::string& picture, const char* memory)
         setenv("TAVRIX_SHOT", (folder + "/shot.png").c_str(), 1);
         if (memory != nullptr)
             setenv("TAVRIX_MEMORY", memory, 1);
-        execl(TAVRIX_BINARY_DIR "/bin/tavrix", "tavrix",
-              picture.empty() ? nullptr : picture.c_str(), nullptr);
+        execl(program.c_str(), "tavrix", picture.empty() ? nullptr : picture.c_str(), nullptr);
         _exit(127);
     }
     int status = 0;
@@ -148,6 +149,48 @@ void EmptyWindow(benchmark::State& state)
     state.counters["first_paint_ms"] = sum * 1e3 / static_cast<double>(state.iterations());
 }
 BENCHMARK(EmptyWindow)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(15);
+
+/// A folder with the program and `count` plugins that read pictures, each a file of its own.
+std::string ProgramWithPlugins(long count)
+{
+    namespace fs = std::filesystem;
+    const fs::path place = folder + "/plugins-" + std::to_string(count);
+    fs::remove_all(place);
+    fs::create_directories(place / "PLUGINS/INPUT");
+    for (const auto& entry : fs::directory_iterator(built))
+        if (entry.is_regular_file())
+            fs::copy_file(entry.path(), place / entry.path().filename());
+    for (long i = 0; i < count; ++i)
+        fs::copy_file(built + "/PLUGINS/INPUT/JPEG.dll",
+                      place / "PLUGINS/INPUT" / (std::to_string(1000 + i) + ".dll"));
+    return place.string();
+}
+
+/// What plugins cost at the start, beside a start without any in the same run.
+void EmptyWindowWithPlugins(benchmark::State& state)
+{
+    const std::string bare = ProgramWithPlugins(0);
+    const std::string full = ProgramWithPlugins(state.range(0));
+    RunOnce("", nullptr, bare);
+    RunOnce("", nullptr, full);
+    double with = 0;
+    double without = 0;
+    for (auto _ : state) {
+        without += RunOnce("", nullptr, bare).firstPaint;
+        const double start = RunOnce("", nullptr, full).firstPaint;
+        with += start;
+        state.SetIterationTime(start);
+    }
+    state.counters["first_paint_ms"] = with * 1e3 / static_cast<double>(state.iterations());
+    state.counters["of_start_without"] = with / without;
+}
+BENCHMARK(EmptyWindowWithPlugins)
+    ->Arg(0)
+    ->Arg(10)
+    ->Arg(100)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(15);
 
 void OnScreen(benchmark::State& state, int width, int height, const char* name,
               double (*decode)(const std::string&))
