@@ -112,7 +112,7 @@ void OnClicked(HWND handle)
         break;
     }
     ShowCheck(*window); // the toolkit has changed its own mark already
-    NotifyParent(handle, BN_CLICKED);
+    NotifyParent(handle, WORD{BN_CLICKED});
 }
 
 QAbstractButton* MakeButton(const Window& window, QWidget* parent)

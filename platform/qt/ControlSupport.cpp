@@ -2,6 +2,8 @@
 
 #include "platform/qt/Window.h"
 
+#include <commctrl.h>
+
 #include <QWidget>
 
 namespace tavrix::platform
@@ -37,6 +39,16 @@ void NotifyParent(HWND control, WORD code)
     if (parent != nullptr)
         SendMessageW(parent, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(control), code),
                      reinterpret_cast<LPARAM>(control));
+}
+
+LRESULT NotifyParent(HWND control, NMHDR* header)
+{
+    const HWND parent = GetParent(control);
+    if (parent == nullptr)
+        return 0;
+    header->hwndFrom = control;
+    header->idFrom = static_cast<UINT_PTR>(static_cast<UINT>(GetDlgCtrlID(control)));
+    return SendMessageW(parent, WM_NOTIFY, header->idFrom, reinterpret_cast<LPARAM>(header));
 }
 
 } // namespace tavrix::platform

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 namespace tavrix::platform
 {
 
@@ -17,5 +19,10 @@ bool HandleCommonMessage(Window& window, UINT message, WPARAM wParam, LPARAM lPa
 
 /// Sends WM_COMMAND with a notify code to the control's parent, which may destroy the control.
 void NotifyParent(HWND control, WORD code);
+
+/// Sends WM_NOTIFY with a record that begins with `header` to the control's parent, which may
+/// destroy the control, and answers what the parent does (of a dialog its message result). The
+/// caller has set the code and what follows the header; this sets the rest of the header.
+LRESULT NotifyParent(HWND control, NMHDR* header);
 
 } // namespace tavrix::platform
