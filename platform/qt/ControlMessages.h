@@ -28,6 +28,8 @@ inline constexpr DWORD SS_CENTERIMAGE = 0x200;
 inline constexpr WORD STN_CLICKED = 0;
 inline constexpr WORD STN_DBLCLK = 1;
 
+inline constexpr LRESULT DLGC_WANTARROWS = 0x0001;
+inline constexpr LRESULT DLGC_WANTCHARS = 0x0080;
 inline constexpr LRESULT DLGC_DEFPUSHBUTTON = 0x0010;
 inline constexpr LRESULT DLGC_UNDEFPUSHBUTTON = 0x0020;
 inline constexpr LRESULT DLGC_RADIOBUTTON = 0x0040;

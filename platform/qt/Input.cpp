@@ -220,35 +220,42 @@ void AttachInput(Window& window)
     new QueueFilter(window.handle, client);
 }
 
-void QueueKey(Window& window, const QKeyEvent& event)
+bool MakeKeyMessage(HWND window, const QKeyEvent& event, MSG* message)
 {
     const int key = VirtualKeyOf(event);
     const bool up = event.type() == QEvent::KeyRelease;
     // Some hosts send a release before each repetition; the key is not up.
     if (up && event.isAutoRepeat())
-        return;
+        return false;
     if (key == 0 && (up || event.text().isEmpty()))
-        return;
+        return false;
     constexpr LPARAM WasDown = 1u << 30;
     constexpr LPARAM GoesUp = 1u << 31;
     constexpr LPARAM AltHeld = 1u << 29;
     constexpr int ScanShift = 16;
     const bool alt = (event.modifiers() & Qt::AltModifier) != 0 || key == VK_MENU;
+    *message = MSG{};
+    message->hwnd = window;
+    message->message = up ? (alt ? WM_SYSKEYUP : WM_KEYUP) : (alt ? WM_SYSKEYDOWN : WM_KEYDOWN);
+    message->wParam = static_cast<WPARAM>(key);
+    message->lParam = 1 | static_cast<LPARAM>(event.nativeScanCode() & 0xFF) << ScanShift;
+    if (up)
+        message->lParam |= WasDown | GoesUp;
+    else if (event.isAutoRepeat())
+        message->lParam |= WasDown;
+    if (alt)
+        message->lParam |= AltHeld;
+    message->time = GetTickCount();
+    return true;
+}
+
+void QueueKey(Window& window, const QKeyEvent& event)
+{
     InputMessage input;
+    if (!MakeKeyMessage(window.handle, event, &input.message))
+        return;
     input.modifiers = ModifierFlags(event.modifiers(), QGuiApplication::mouseButtons());
     input.text = event.text().toStdU16String();
-    MSG& message = input.message;
-    message.hwnd = window.handle;
-    message.message = up ? (alt ? WM_SYSKEYUP : WM_KEYUP) : (alt ? WM_SYSKEYDOWN : WM_KEYDOWN);
-    message.wParam = static_cast<WPARAM>(key);
-    message.lParam = 1 | static_cast<LPARAM>(event.nativeScanCode() & 0xFF) << ScanShift;
-    if (up)
-        message.lParam |= WasDown | GoesUp;
-    else if (event.isAutoRepeat())
-        message.lParam |= WasDown;
-    if (alt)
-        message.lParam |= AltHeld;
-    message.time = GetTickCount();
     PostInput(std::move(input));
 }
 

@@ -16,6 +16,8 @@ void InstallInput();
 void AttachInput(Window& window);
 /// Queues a key event for a window.
 void QueueKey(Window& window, const QKeyEvent& event);
+/// The message of a key event; false for one that the device does not know.
+bool MakeKeyMessage(HWND window, const QKeyEvent& event, MSG* message);
 /// The MK_ flags and AltModifier of the toolkit's modifiers and buttons.
 unsigned ModifierFlags(int keyboardModifiers, int mouseButtons);
 

@@ -3,6 +3,8 @@
 #include "platform/qt/ControlMessages.h"
 #include "platform/qt/Window.h"
 
+#include <commctrl.h>
+
 namespace tavrix::platform
 {
 
@@ -16,6 +18,7 @@ void RegisterStockClasses()
     RegisterStockClass(TEXT("STATIC"), StaticProcedure, MakeStaticWidget);
     RegisterStockClass(TEXT("BUTTON"), ButtonProcedure, MakeButtonWidget);
     RegisterStockClass(TEXT("msctls_progress32"), ProgressProcedure, MakeProgressWidget);
+    RegisterStockClass(WC_TREEVIEWW, TreeProcedure, MakeTreeWidget);
     RegisterStockClass(CommandBarClassName, CommandBarProcedure, MakeCommandBarWidget);
 }
 

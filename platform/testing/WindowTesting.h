@@ -36,6 +36,8 @@ bool PumpUntil(const std::function<bool()>& finished, DWORD milliseconds = 10000
 
 /// Presses and releases the left button at a point of the device screen, through the toolkit.
 void ClickScreen(int x, int y);
+/// The same twice in quick succession: press, release, double click, release.
+void DoubleClickScreen(int x, int y);
 /// Clicks the middle of a control, through the toolkit.
 void ClickControl(HWND dialog, int id);
 /// Presses and releases a key (VK_ code) with modifiers (MK_CONTROL, MK_SHIFT; alt = 0x20).

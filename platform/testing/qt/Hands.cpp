@@ -125,6 +125,12 @@ void ClickScreen(int x, int y)
         ClickWidget(*screen, QPoint(x, y));
 }
 
+void DoubleClickScreen(int x, int y)
+{
+    if (QWindow* window = platform::ScreenWidget()->windowHandle())
+        QTest::mouseDClick(window, Qt::LeftButton, Qt::NoModifier, QPoint(x, y));
+}
+
 void ClickControl(HWND dialog, int id)
 {
     const platform::Window* control = platform::FindWindowRecord(GetDlgItem(dialog, id));
