@@ -253,7 +253,7 @@ void TreeWidget::PaintLines(QPainter& painter, const TreeItem& item, int top) co
 {
     const int height = RowHeight();
     const int middle = top + height / 2;
-    painter.setPen(QPen(palette().color(QPalette::Mid), 1, Qt::DotLine));
+    painter.setPen(QPen(palette().color(QPalette::Dark), 1, Qt::DotLine));
     int x = Left(item) - Indent() / 2;
     if (HasColumn(item)) {
         if (item.level > 0 || item.previous != nullptr)

@@ -1,7 +1,8 @@
-// The messages of the tree, from code.
+// What the tree keeps of its items: order, records, bad handles, large numbers.
 #include "platform/tests/qt/TestWindow.h"
 #include "platform/tests/qt/TreeFixture.h"
 
+#include <algorithm>
 #include <thread>
 
 using namespace tavrix::test;
@@ -10,34 +11,7 @@ using namespace tavrix::testing;
 namespace
 {
 
-class TreeControl : public TreeTest
-{
-protected:
-    /// Two parents of two children each: "a" with "a1", "a2", and "b" with "b1", "b2".
-    void AddFamily()
-    {
-        a = Add(TVI_ROOT, u"a", 1);
-        a1 = Add(a, u"a1", 11);
-        a2 = Add(a, u"a2", 12);
-        b = Add(TVI_ROOT, u"b", 2);
-        b1 = Add(b, u"b1", 21);
-        b2 = Add(b, u"b2", 22);
-    }
-
-    BOOL Expand(HTREEITEM item, WPARAM action = TVE_EXPAND)
-    {
-        return Send(TVM_EXPAND, action, item) != 0;
-    }
-    BOOL Delete(HTREEITEM item) { return Send(TVM_DELETEITEM, 0, item) != 0; }
-
-    HTREEITEM a = nullptr, a1 = nullptr, a2 = nullptr;
-    HTREEITEM b = nullptr, b1 = nullptr, b2 = nullptr;
-};
-
-const NMTREEVIEWW& LastSelection(const std::vector<Notice>& notices)
-{
-    return notices.back().selection;
-}
+using TreeControl = TreeFamilyTest;
 
 } // namespace
 
@@ -255,109 +229,6 @@ TEST_F(TreeControl, ChildrenAreToldAsLongAsThereAreSome)
     EXPECT_EQ(Children(b), 1) << "they are there all the same";
 }
 
-TEST_F(TreeControl, ASelectionByMessageTellsTheParentWhatWasAndWhatIs)
-{
-    AddFamily();
-    EXPECT_TRUE(notices.empty()) << "insertions are quiet";
-    EXPECT_TRUE(Select(a));
-    ASSERT_EQ(notices.size(), 1u);
-    EXPECT_EQ(notices[0].header.hwndFrom, tree);
-    EXPECT_EQ(notices[0].header.idFrom, 1101u);
-    EXPECT_EQ(notices[0].id, 1101u);
-    EXPECT_EQ(notices[0].header.code, static_cast<UINT>(-451));
-    EXPECT_EQ(notices[0].selection.action, 0u);
-    EXPECT_EQ(notices[0].selection.itemOld.hItem, nullptr);
-    EXPECT_EQ(notices[0].selection.itemOld.mask, 0u);
-    EXPECT_EQ(notices[0].selection.itemNew.hItem, a);
-    EXPECT_EQ(notices[0].selection.itemNew.lParam, 1);
-    EXPECT_EQ(notices[0].selection.itemNew.mask, TVIF_HANDLE | TVIF_PARAM | TVIF_STATE);
-    EXPECT_EQ(notices[0].selection.itemNew.state, TVIS_SELECTED);
-
-    EXPECT_TRUE(Select(b2));
-    ASSERT_EQ(notices.size(), 2u);
-    EXPECT_EQ(LastSelection(notices).itemOld.hItem, a);
-    EXPECT_EQ(LastSelection(notices).itemOld.lParam, 1);
-    EXPECT_EQ(LastSelection(notices).itemOld.state, 0u);
-    EXPECT_EQ(LastSelection(notices).itemNew.hItem, b2);
-    EXPECT_EQ(LastSelection(notices).itemNew.lParam, 22);
-    EXPECT_EQ(Selected(), b2);
-    EXPECT_EQ(State(b2), TVIS_SELECTED);
-    EXPECT_EQ(State(a), 0u);
-
-    EXPECT_TRUE(Select(b2));
-    EXPECT_EQ(notices.size(), 2u) << "it was selected already";
-    EXPECT_TRUE(Select(nullptr));
-    ASSERT_EQ(notices.size(), 3u);
-    EXPECT_EQ(LastSelection(notices).itemOld.hItem, b2);
-    EXPECT_EQ(LastSelection(notices).itemNew.hItem, nullptr);
-    EXPECT_EQ(Selected(), nullptr);
-}
-
-TEST_F(TreeControl, TheNewSelectionStandsBeforeTheParentIsTold)
-{
-    AddFamily();
-    HTREEITEM seen = nullptr;
-    onNotice = [&](const Notice&) {
-        seen = Selected();
-        return 0;
-    };
-    Select(b);
-    EXPECT_EQ(seen, b);
-}
-
-TEST_F(TreeControl, OtherKindsOfSelectionFail)
-{
-    AddFamily();
-    EXPECT_EQ(Send(TVM_SELECTITEM, 8, a), 0);
-    EXPECT_EQ(Send(TVM_SELECTITEM, 5, a), 0);
-    EXPECT_EQ(Selected(), nullptr);
-}
-
-TEST_F(TreeControl, SelectingExpandsWhatTheItemLiesIn)
-{
-    AddFamily();
-    const HTREEITEM deep = Add(a2, u"deep");
-    Select(deep);
-    EXPECT_TRUE(IsExpanded(a));
-    EXPECT_TRUE(IsExpanded(a2));
-    EXPECT_FALSE(IsExpanded(b));
-    EXPECT_FALSE(IsExpanded(deep));
-}
-
-TEST_F(TreeControl, ItemsExpandAndCollapse)
-{
-    AddFamily();
-    EXPECT_FALSE(IsExpanded(a));
-    EXPECT_TRUE(Expand(a));
-    EXPECT_TRUE(IsExpanded(a));
-    EXPECT_TRUE(Expand(a)) << "it is as wished";
-    EXPECT_TRUE(Expand(a, TVE_TOGGLE));
-    EXPECT_FALSE(IsExpanded(a));
-    EXPECT_TRUE(Expand(a, TVE_TOGGLE));
-    EXPECT_TRUE(IsExpanded(a));
-    EXPECT_TRUE(Expand(a, TVE_COLLAPSE));
-    EXPECT_FALSE(IsExpanded(a));
-    EXPECT_FALSE(Expand(a1)) << "nothing below it";
-    EXPECT_FALSE(IsExpanded(a1));
-    EXPECT_FALSE(Expand(a, 0));
-    EXPECT_FALSE(Expand(a, 4));
-    EXPECT_TRUE(notices.empty());
-}
-
-TEST_F(TreeControl, ASelectionThatWouldBeHiddenMovesToTheItemThatCollapses)
-{
-    AddFamily();
-    Select(a2);
-    notices.clear();
-    Expand(a, TVE_COLLAPSE);
-    EXPECT_EQ(Selected(), a);
-    ASSERT_EQ(notices.size(), 1u);
-    EXPECT_EQ(LastSelection(notices).itemOld.hItem, a2);
-    EXPECT_EQ(LastSelection(notices).itemNew.hItem, a);
-    EXPECT_EQ(LastSelection(notices).itemNew.state, TVIS_SELECTED) << "collapsed by now";
-    EXPECT_FALSE(IsExpanded(a));
-}
-
 TEST_F(TreeControl, StatesAreSetThroughRecordsToo)
 {
     AddFamily();
@@ -409,81 +280,6 @@ TEST_F(TreeControl, AnItemInsertedSelectedIsSelected)
     const HTREEITEM item = Insert(record);
     EXPECT_EQ(Selected(), item);
     EXPECT_EQ(SelectionNotices(), 1u);
-}
-
-TEST_F(TreeControl, DeletingTakesEverythingBelowAlong)
-{
-    AddFamily();
-    const HTREEITEM deep = Add(a2, u"deep");
-    EXPECT_TRUE(Delete(a));
-    EXPECT_EQ(Send(TVM_GETCOUNT), 3);
-    for (const HTREEITEM gone : {a, a1, a2, deep})
-        EXPECT_FALSE(Exists(gone));
-    EXPECT_EQ(Siblings(Next(TVGN_ROOT)), u"b");
-    EXPECT_EQ(Next(TVGN_PREVIOUS, b), nullptr);
-    EXPECT_TRUE(Delete(b1));
-    EXPECT_EQ(Next(TVGN_CHILD, b), b2);
-    EXPECT_TRUE(notices.empty());
-}
-
-TEST_F(TreeControl, TheRootMarkDeletesEverything)
-{
-    for (const HTREEITEM mark : {TVI_ROOT, static_cast<HTREEITEM>(nullptr)}) {
-        AddFamily();
-        Select(a1);
-        notices.clear();
-        EXPECT_TRUE(Delete(mark));
-        EXPECT_EQ(Send(TVM_GETCOUNT), 0);
-        EXPECT_EQ(Next(TVGN_ROOT), nullptr);
-        EXPECT_EQ(Selected(), nullptr);
-        EXPECT_FALSE(Exists(b2));
-        ASSERT_EQ(notices.size(), 1u);
-        EXPECT_EQ(LastSelection(notices).itemOld.hItem, a1);
-        EXPECT_EQ(LastSelection(notices).itemNew.hItem, nullptr);
-        EXPECT_TRUE(Delete(mark)) << "an empty tree as well";
-    }
-    const HTREEITEM next = Add(TVI_ROOT, u"again");
-    EXPECT_EQ(Next(TVGN_ROOT), next);
-}
-
-TEST_F(TreeControl, ASelectionThatIsDeletedMovesToTheNextElseThePreviousElseTheParent)
-{
-    AddFamily();
-    const HTREEITEM a3 = Add(a, u"a3");
-    Select(a2);
-    notices.clear();
-    bool oldWasThere = false;
-    onNotice = [&](const Notice& notice) {
-        oldWasThere = Text(notice.selection.itemOld.hItem) == u"a2";
-        return 0;
-    };
-    EXPECT_TRUE(Delete(a2));
-    onNotice = {};
-    EXPECT_EQ(Selected(), a3);
-    EXPECT_TRUE(oldWasThere);
-    ASSERT_EQ(notices.size(), 1u);
-    EXPECT_EQ(LastSelection(notices).itemOld.lParam, 12);
-    EXPECT_TRUE(Delete(a3));
-    EXPECT_EQ(Selected(), a1);
-    EXPECT_TRUE(Delete(a1));
-    EXPECT_EQ(Selected(), a);
-    Select(b2);
-    EXPECT_TRUE(Delete(b)) << "with the selection below it";
-    EXPECT_EQ(Selected(), a);
-    EXPECT_TRUE(Delete(a));
-    EXPECT_EQ(Selected(), nullptr);
-    EXPECT_EQ(notices.back().selection.itemNew.hItem, nullptr);
-}
-
-TEST_F(TreeControl, DeletingAnotherItemLeavesTheSelection)
-{
-    AddFamily();
-    Select(a1);
-    notices.clear();
-    Delete(a2);
-    Delete(b);
-    EXPECT_EQ(Selected(), a1);
-    EXPECT_TRUE(notices.empty());
 }
 
 TEST_F(TreeControl, StaleAndForeignItemsFailEverywhere)
@@ -542,117 +338,6 @@ TEST_F(TreeControl, MessagesWithoutARecordFail)
     EXPECT_EQ(Send(TVM_SETITEMW), 0);
     EXPECT_EQ(Send(0x11FF), 0);
     EXPECT_EQ(Send(TVM_GETCOUNT), 0);
-}
-
-TEST_F(TreeControl, TheParentMayDestroyTheTreeWhenItIsTold)
-{
-    onNotice = [this](const Notice&) {
-        DestroyWindow(tree);
-        return 0;
-    };
-    AddFamily();
-    EXPECT_TRUE(Select(b2));
-    EXPECT_FALSE(IsWindow(tree));
-    EXPECT_EQ(Send(TVM_GETCOUNT), 0);
-    EXPECT_EQ(notices.size(), 1u);
-    Pump(20);
-}
-
-TEST_F(TreeControl, TheParentMayDestroyTheTreeWhileItDeletesCollapsesOrInserts)
-{
-    for (int way = 0; way < 4; ++way) {
-        onNotice = {};
-        tree = CreateWindowExW(0, WC_TREEVIEWW, nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 50, 50,
-                               dialog, reinterpret_cast<HMENU>(INT_PTR{77}), nullptr, nullptr);
-        AddFamily();
-        Select(a1);
-        onNotice = [this](const Notice&) {
-            DestroyWindow(tree);
-            return 0;
-        };
-        TVINSERTSTRUCTW record{};
-        record.item.mask = TVIF_STATE;
-        record.item.state = record.item.stateMask = TVIS_SELECTED;
-        switch (way) {
-        case 0:
-            EXPECT_TRUE(Delete(a));
-            break;
-        case 1:
-            EXPECT_TRUE(Delete(TVI_ROOT));
-            break;
-        case 2:
-            EXPECT_TRUE(Expand(a, TVE_COLLAPSE));
-            break;
-        default:
-            EXPECT_EQ(Insert(record), nullptr);
-            break;
-        }
-        EXPECT_FALSE(IsWindow(tree)) << way;
-        Pump(10);
-    }
-}
-
-TEST_F(TreeControl, TheParentMayDestroyItsOwnDialogWhenItIsTold)
-{
-    onNotice = [this](const Notice&) {
-        DestroyWindow(dialog);
-        return 0;
-    };
-    AddFamily();
-    Show();
-    Select(a2);
-    EXPECT_FALSE(IsWindow(dialog));
-    Pump(20);
-}
-
-TEST_F(TreeControl, TheParentMayDeleteTheItemsItIsToldOf)
-{
-    AddFamily();
-    Select(a1);
-    bool busy = false;
-    onNotice = [&](const Notice&) {
-        if (!busy) {
-            busy = true;
-            Delete(TVI_ROOT);
-        }
-        return 0;
-    };
-    EXPECT_TRUE(Select(b1));
-    EXPECT_EQ(Send(TVM_GETCOUNT), 0);
-    EXPECT_EQ(Selected(), nullptr);
-    EXPECT_EQ(SelectionNotices(), 3u);
-}
-
-TEST_F(TreeControl, AParentThatPutsADeletedSelectionBackGetsNone)
-{
-    AddFamily();
-    Select(a2);
-    bool busy = false;
-    onNotice = [&](const Notice&) {
-        if (!busy) {
-            busy = true;
-            Select(a2);
-        }
-        return 0;
-    };
-    EXPECT_TRUE(Delete(a2));
-    EXPECT_FALSE(Exists(a2));
-    EXPECT_EQ(Selected(), nullptr);
-}
-
-TEST_F(TreeControl, AParentThatDeletesFirstIsNoFailure)
-{
-    AddFamily();
-    Select(a2);
-    onNotice = [&](const Notice& notice) {
-        if (notice.selection.itemOld.hItem == a2)
-            Delete(a2);
-        return 0;
-    };
-    EXPECT_TRUE(Delete(a2));
-    EXPECT_FALSE(Exists(a2));
-    EXPECT_EQ(Send(TVM_GETCOUNT), 5);
-    EXPECT_EQ(Selected(), a1);
 }
 
 TEST_F(TreeControl, TheImageListIsAnsweredAndStaysTheProgramsOwn)

@@ -203,4 +203,33 @@ size_t TreeTest::SelectionNotices() const
                       [](const Notice& notice) { return notice.header.code == TVN_SELCHANGEDW; }));
 }
 
+void TreeFamilyTest::AddFamily()
+{
+    a = Add(TVI_ROOT, u"a", 1);
+    a1 = Add(a, u"a1", 11);
+    a2 = Add(a, u"a2", 12);
+    b = Add(TVI_ROOT, u"b", 2);
+    b1 = Add(b, u"b1", 21);
+    b2 = Add(b, u"b2", 22);
+}
+
+ColoredTreeTest::ColoredTreeTest()
+{
+    constexpr int None = 4;
+    GiveImages();
+    a = Add(TVI_ROOT, u"a", 1, 0);
+    a1 = Add(a, u"a1", 11, 1);
+    a2 = Add(a, u"a2", 12, 2);
+    b = Add(TVI_ROOT, u"b", 2, 3);
+    b1 = Add(b, u"b1", 21, None);
+    Show();
+}
+
+void ColoredTreeTest::SetTreeStyle(DWORD style)
+{
+    constexpr DWORD OwnBits = 0xFFFF;
+    const auto before = static_cast<DWORD>(GetWindowLongPtrW(tree, GWL_STYLE));
+    SetWindowLongPtrW(tree, GWL_STYLE, static_cast<LONG_PTR>((before & ~OwnBits) | style));
+}
+
 } // namespace tavrix::test

@@ -85,4 +85,43 @@ public: // the dialog procedure's
     std::function<LRESULT(const Notice& notice)> onNotice;
 };
 
+/// Two parents of two children each: "a" with "a1", "a2", and "b" with "b1", "b2".
+class TreeFamilyTest : public TreeTest
+{
+protected:
+    void AddFamily();
+
+    BOOL Expand(HTREEITEM item, WPARAM action = TVE_EXPAND)
+    {
+        return Send(TVM_EXPAND, action, item) != 0;
+    }
+    BOOL Delete(HTREEITEM item) { return Send(TVM_DELETEITEM, 0, item) != 0; }
+
+    HTREEITEM a = nullptr, a1 = nullptr, a2 = nullptr;
+    HTREEITEM b = nullptr, b1 = nullptr, b2 = nullptr;
+};
+
+/// A tree on the screen in which every item has an image of a colour of its own: "a" red with "a1"
+/// green and "a2" blue, "b" yellow; "b1" and what tests add have none.
+class ColoredTreeTest : public TreeTest
+{
+protected:
+    ColoredTreeTest();
+
+    void Expand(HTREEITEM item) { Send(TVM_EXPAND, TVE_EXPAND, item); }
+    /// The tree's own style bits.
+    void SetTreeStyle(DWORD style);
+
+    HTREEITEM a = nullptr, a1 = nullptr, a2 = nullptr, b = nullptr, b1 = nullptr;
+};
+
+inline int Width(const RECT& rectangle)
+{
+    return rectangle.right - rectangle.left;
+}
+inline int Height(const RECT& rectangle)
+{
+    return rectangle.bottom - rectangle.top;
+}
+
 } // namespace tavrix::test
