@@ -4,6 +4,7 @@
 
 #include "platform/testing/core/TestHome.h"
 #include "platform/testing/Testing.h"
+#include "plugin/PluginHeap.h"
 #include "plugin/PluginModule.h"
 
 #include <gtest/gtest.h>
@@ -87,6 +88,10 @@ struct Told {
     std::map<std::u16string, uintptr_t> numbers;
     std::vector<std::pair<u32, u32>> progress;
     std::vector<std::u16string> messages;
+    std::vector<std::u16string> captions;
+    std::vector<u32> flags;
+    std::vector<std::u16string> asked;
+    bool heapAtMessage = false; // whether the heap of a call was there at the last message
     i32 progressAnswer = 1;
 };
 
@@ -104,15 +109,23 @@ inline PluginCallbacks Callbacks()
             CurrentTold().progress.emplace_back(done, total);
             return CurrentTold().progressAnswer;
         },
-        [](const TavrixChar* text, const TavrixChar*, u32) -> i32 {
-            CurrentTold().messages.emplace_back(text);
+        [](const TavrixChar* text, const TavrixChar* caption, u32 flags) -> i32 {
+            CurrentTold().messages.emplace_back(text == nullptr ? u"(null)" : text);
+            CurrentTold().captions.emplace_back(caption == nullptr ? u"(null)" : caption);
+            CurrentTold().flags.push_back(flags);
+            CurrentTold().heapAtMessage = PluginHeap() != nullptr;
             return 0;
         },
         [](Variant* item) -> i32 {
-            CurrentTold().numbers[item->name] = item->value;
+            if (item != nullptr && item->name != nullptr)
+                CurrentTold().numbers[item->name] = item->value;
             return 3;
         },
-        [](Variant*) -> i32 { return -10; },
+        [](Variant* item) -> i32 {
+            if (item != nullptr && item->name != nullptr)
+                CurrentTold().asked.emplace_back(item->name);
+            return -10;
+        },
     };
 }
 

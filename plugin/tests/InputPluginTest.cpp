@@ -5,94 +5,19 @@
 #include "foundation/MemoryGauge.h"
 #include "image/Raster.h"
 #include "plugin/PluginHeap.h"
-#include "plugin/tests/Fixtures.h"
-
-#include <cstring>
+#include "plugin/tests/Watched.h"
 
 namespace
 {
 
+using plugintest::AllHeapsTaken;
 using plugintest::Callbacks;
 using plugintest::CurrentTold;
 using plugintest::IsMapped;
+using plugintest::Log;
+using plugintest::Number;
 using plugintest::PluginFolder;
-
-/// A stream over bytes of the test that keeps what the host did with it, and whether the heap of
-/// the call was there then.
-class WatchedStream final : public Stream
-{
-public:
-    explicit WatchedStream(std::string given) : bytes(std::move(given)) {}
-
-    i32 GetName(WCHAR*, i32) override { return Failed; }
-    i32 GetSize(u64* size) override
-    {
-        *size = bytes.size();
-        return Done;
-    }
-    i32 Seek(const i64*, u64*, u32) override { return Failed; }
-    i32 Read(void* buffer, u32* length) override
-    {
-        if (*length > bytes.size() - position)
-            *length = static_cast<u32>(bytes.size() - position);
-        std::memcpy(buffer, bytes.data() + position, *length);
-        position += *length;
-        Keep("read");
-        return Done;
-    }
-    i32 Write(const void*, u32*) override { return Failed; }
-    i32 GetInterface(PluginStreamRecord* record) override
-    {
-        Keep("interface");
-        wasZeroed = record->handle == nullptr && record->getSize == nullptr &&
-                    record->seek == nullptr && record->read == nullptr && record->write == nullptr;
-        recordSize = record->size;
-        if (refused)
-            return Failed;
-        return Stream::GetInterface(record);
-    }
-    i32 Release() override
-    {
-        Keep("release");
-        return Stream::Release();
-    }
-    i32 Close() override { return Done; }
-
-    u32 Open() const { return refCount; }
-
-    std::vector<std::string> log;
-    bool wasZeroed = false;
-    bool refused = false;
-    u32 recordSize = 0;
-
-private:
-    void Keep(const char* what)
-    {
-        const std::string entry = std::string(what) + (PluginHeap() != nullptr ? "+heap" : "");
-        if (log.empty() || log.back() != entry)
-            log.push_back(entry);
-    }
-
-    std::string bytes;
-    size_t position = 0;
-};
-
-using Log = std::vector<std::string>;
-
-/// The device has no heap left to make while this stands.
-struct AllHeapsTaken {
-    AllHeapsTaken()
-    {
-        for (HANDLE heap = HeapCreate(0, 0, 0); heap != nullptr; heap = HeapCreate(0, 0, 0))
-            heaps.push_back(heap);
-    }
-    ~AllHeapsTaken()
-    {
-        for (HANDLE heap : heaps)
-            HeapDestroy(heap);
-    }
-    std::vector<HANDLE> heaps;
-};
+using plugintest::WatchedStream;
 
 /// A picture in the sample reader's own format: 2 by 2 pixels.
 std::string SamplePicture()
@@ -116,12 +41,6 @@ protected:
         folder.Put(fixture, fixture + ".dll");
         ASSERT_EQ(plugin.ScanIn(folder.Device().c_str(), ForgetPaths), 1);
         ASSERT_EQ(plugin.LoadByIndex(0, 0), 1);
-    }
-    static uintptr_t Number(const char16_t* name)
-    {
-        const auto& numbers = CurrentTold().numbers;
-        const auto found = numbers.find(name);
-        return found == numbers.end() ? 12345 : found->second;
     }
     std::string Line(i32 line, size_t bytes)
     {
