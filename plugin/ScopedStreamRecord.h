@@ -1,5 +1,10 @@
 // A stream's record for the time of one plugin call: opened when this object is made, given back to
 // the stream when it goes, whatever the plugin did. The stream stays its owner's.
+//
+// The plugin gets a record of its own, whose handle is a number that no other call has. A handle
+// that it kept from an earlier call reaches nothing, though the stream of then is long gone; and
+// what it does to the record is lost on the host. One call with a stream runs at a time. Within the
+// call a thread of the plugin may read as well: the streams leave it to their users to take turns.
 #pragma once
 
 #include "foundation/Stream.h"
@@ -8,18 +13,8 @@ class ScopedStreamRecord
 {
 public:
     /// Null stands for a call without a stream.
-    explicit ScopedStreamRecord(Stream* given) : stream(given), record()
-    {
-        record.size = sizeof(record);
-        // Not looked at: the host hands over open streams only, and those always answer.
-        if (stream != nullptr)
-            (void)stream->GetInterface(&record);
-    }
-    ~ScopedStreamRecord()
-    {
-        if (stream != nullptr)
-            (void)stream->Release();
-    }
+    explicit ScopedStreamRecord(Stream* given);
+    ~ScopedStreamRecord();
     ScopedStreamRecord(const ScopedStreamRecord&) = delete;
     ScopedStreamRecord& operator=(const ScopedStreamRecord&) = delete;
 
@@ -30,5 +25,6 @@ public:
 
 private:
     Stream* stream;
-    PluginStreamRecord record;
+    PluginStreamRecord streams; // as the stream filled it
+    PluginStreamRecord record;  // as the plugin gets it
 };

@@ -7,6 +7,8 @@
 #include "plugin/PluginHeap.h"
 #include "plugin/tests/Watched.h"
 
+#include <memory>
+
 namespace
 {
 
@@ -298,6 +300,41 @@ TEST_F(InputPluginTest, WhatAPluginForgetsIsGivenBackWithItsFiles)
     EXPECT_EQ(files(), 5); // the lines of the host's picture, which the call made with folders
     image.Reset();
     EXPECT_EQ(files(), 0);
+}
+
+TEST_F(InputPluginTest, AStreamKeptFromACallIsOfNoUseLater)
+{
+    unsetenv("TAVRIX_FIXTURE_KEPT"); // see keeps_tables.c
+    Load("keeps_tables");
+    auto first = std::make_unique<WatchedStream>("abc");
+    EXPECT_EQ(plugin.GetImage(nullptr, first.get(), &image, Callbacks()), 1);
+    first.reset();
+    WatchedStream second("defg");
+    EXPECT_EQ(plugin.GetImage(nullptr, &second, &image, Callbacks()), 1);
+    EXPECT_EQ(Number(u"used"), 10u);
+    EXPECT_EQ(Number(u"accepted"), 0u);
+    // Nor was the running call's stream reached by the handle of the one before.
+    EXPECT_EQ(second.log, (Log{"interface+heap", "release+heap"}));
+}
+
+TEST_F(InputPluginTest, ASpoiledRecordHarmsNothing)
+{
+    Load("wipes_tables");
+    WatchedStream stream("abc");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(plugin.GetImage(nullptr, &stream, &image, Callbacks()), 1);
+        EXPECT_EQ(stream.Open(), 0u);
+        EXPECT_EQ(stream.recordSize, sizeof(void*) == 8 ? 48u : 24u);
+    }
+}
+
+TEST_F(InputPluginTest, AThreadOfThePluginMayReadTheStreamDuringTheCall)
+{
+    Load("own_thread");
+    WatchedStream stream("abc");
+    EXPECT_EQ(plugin.GetImage(nullptr, &stream, &image, Callbacks()), 1);
+    EXPECT_EQ(static_cast<i32>(Number(u"read")), 1);
+    EXPECT_EQ(stream.log, (Log{"interface+heap", "read", "release+heap"}));
 }
 
 } // namespace
