@@ -50,11 +50,11 @@ i32 Raster::Create(u32 newWidth, u32 newHeight, u32 newDepth, const WCHAR* prima
     status = CopyFolder(secondary, &secondaryDir);
     if (status < 0)
         return status;
-    created = 1;
     info.width = newWidth;
     status = LineTable::Create(newWidth, 0, newDepth);
     if (status < 0)
         return status;
+    created = 1;
     status = InsertLines(0, &newHeight);
     // The asked height is reported whatever came of it: the caller of a creation that failed knows
     // the raster as unusable and resets or destroys it.

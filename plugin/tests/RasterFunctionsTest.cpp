@@ -154,6 +154,22 @@ TEST_F(RasterFunctions, CreatingWithoutMemoryGivesANullHandle)
     EXPECT_EQ(image, nullptr);
 }
 
+TEST_F(RasterFunctions, APictureThatFoundNoMemoryForItsPaletteTakesNoLines)
+{
+    // The second block of a picture is its palette's.
+    int blocks = 0;
+    tavrix::testing::SetAllocationFault([&](SIZE_T) { return ++blocks == 2; });
+    TavrixImageHandle image = nullptr;
+    ASSERT_EQ(table.RasterCreate(&image), 1);
+    tavrix::testing::SetAllocationFault(nullptr);
+    ASSERT_EQ(table.RasterGetPalette(image, nullptr), -2);
+    EXPECT_EQ(table.RasterAlloc(image, 20, 2, 24), -2);
+    u32 count = 3;
+    EXPECT_EQ(table.RasterInsertLines(image, 0, &count), -3);
+    EXPECT_EQ(table.RasterSetPixel(image, 5, 0, 0x01020304), -1);
+    EXPECT_EQ(table.RasterDestroy(&image), 1);
+}
+
 TEST_F(RasterFunctions, CreatingBetweenCallsGivesANullHandle)
 {
     ASSERT_EQ(DropHeap(), 1);
