@@ -115,13 +115,24 @@ void OnClicked(HWND handle)
     NotifyParent(handle, WORD{BN_CLICKED});
 }
 
+/// Takes a press anywhere in its area, as on the device; the toolkit's own looks for mark and text.
+template <class Button>
+class WholeArea : public Button
+{
+public:
+    using Button::Button;
+
+protected:
+    bool hitButton(const QPoint& point) const override { return this->rect().contains(point); }
+};
+
 QAbstractButton* MakeButton(const Window& window, QWidget* parent)
 {
     const DWORD kind = Kind(window);
     if (IsCheck(kind))
-        return new QCheckBox(parent);
+        return new WholeArea<QCheckBox>(parent);
     if (IsRadio(kind)) {
-        auto* radio = new QRadioButton(parent);
+        auto* radio = new WholeArea<QRadioButton>(parent);
         radio->setAutoExclusive(false); // groups follow WS_GROUP, not the parent
         return radio;
     }

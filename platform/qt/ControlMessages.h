@@ -9,8 +9,6 @@ namespace tavrix::platform
 
 inline constexpr const WCHAR* DialogClassName = TEXT("#32770");
 
-inline constexpr UINT BM_GETCHECK = 0x00F0;
-inline constexpr UINT BM_SETCHECK = 0x00F1;
 inline constexpr UINT BM_GETSTATE = 0x00F2;
 inline constexpr UINT BM_SETSTATE = 0x00F3;
 inline constexpr UINT BM_SETSTYLE = 0x00F4;

@@ -4,6 +4,9 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#ifndef __cplusplus
+#include <uchar.h>
+#endif
 
 #if defined(TAVRIX_PLATFORM_BUILD)
 #define CE_API __attribute__((visibility("default")))

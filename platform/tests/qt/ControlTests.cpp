@@ -151,6 +151,20 @@ TEST_F(Controls, AnAutomaticCheckBoxTogglesByAClickAndNotifiesOnlyThen)
     EXPECT_EQ(commands.size(), 1u);
 }
 
+TEST_F(Controls, ACheckBoxAndARadioButtonTakeAPressBesideTheirText)
+{
+    for (const int id : {1010, 1021}) {
+        const HWND control = GetDlgItem(dialog, id);
+        MoveWindow(control, 10, 10, 200, 20, FALSE);
+        BringWindowToTop(control);
+        RECT area;
+        GetWindowRect(control, &area);
+        ClickScreen(area.right - 3, area.bottom - 3);
+        Pump(20);
+        EXPECT_EQ(Send(id, GetCheck), 1) << id;
+    }
+}
+
 TEST_F(Controls, APlainCheckBoxChangesOnlyByTheProgram)
 {
     ClickControl(dialog, 1011);
