@@ -34,6 +34,17 @@ void WritePointerBytes(SettingsFile& settings, const void* pointer)
     settings.SetText(ProgramSection, TEXT("LastCommandLine"), text);
 }
 
+/// Writes what is to be written of the last hand-over, but not while a worker may be in the
+/// settings.
+void WriteLastPointer(MainFrame& frame)
+{
+    HandOvers& handOvers = frame.handOvers;
+    if (handOvers.pointerWaits == 0 || handOvers.holds != 0)
+        return;
+    handOvers.pointerWaits = 0;
+    WritePointerBytes(*frame.settings, handOvers.pointer);
+}
+
 void OpenQueued(MainFrame& frame)
 {
     HandOvers& queue = frame.handOvers;
@@ -96,6 +107,7 @@ ScopedHold::~ScopedHold()
     if (frame == nullptr)
         return;
     --frame->handOvers.holds;
+    WriteLastPointer(*frame);
     if (frame->handOvers.flows == 0)
         OpenQueued(*frame);
 }
@@ -118,7 +130,9 @@ LRESULT MainFrame::OnCopyData(HWND, const COPYDATASTRUCT* record)
 {
     if (record == nullptr)
         return 1;
-    WritePointerBytes(*settings, record->lpData);
+    handOvers.pointer = record->lpData;
+    handOvers.pointerWaits = 1;
+    WriteLastPointer(*this);
     WCHAR* text = CopyHandedText(*record);
     if (text == nullptr)
         return 1;

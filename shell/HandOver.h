@@ -3,6 +3,9 @@
 // the name waits in a queue; there is no job inside a job. The queue is opened in order once that
 // flow has ended, and is dropped when the window closes.
 //
+// What a hand-over writes into the settings waits, too. So the settings are the worker's alone
+// while a job runs, as the picture and the plugin are, and need no lock.
+//
 // Flows mark themselves by the two scopes below. User-interface thread.
 #pragma once
 
@@ -32,10 +35,12 @@ struct HandOvers {
 
     Name* first = nullptr;
     Name* last = nullptr;
-    u32 holds = 0;   // ScopedHold on the stack
-    u32 flows = 0;   // ScopedFlow on the stack
-    u32 opening = 0; // 1 while the queue is being opened
-    u32 closed = 0;  // 1 from the close of the window on
+    const void* pointer = nullptr; // of the last hand-over, for the settings
+    u32 pointerWaits = 0;          // 1 until it is written there
+    u32 holds = 0;                 // ScopedHold on the stack
+    u32 flows = 0;                 // ScopedFlow on the stack
+    u32 opening = 0;               // 1 while the queue is being opened
+    u32 closed = 0;                // 1 from the close of the window on
 };
 
 /// Lies around what a hand-over must not come between: a job, and the time for which a flow has a

@@ -9,9 +9,9 @@ struct JobKind {
     u32 kind;
     const WCHAR* status; // headline of the dialog
     const WCHAR* japaneseStatus;
-    const WCHAR* error; // shown when the work fails
+    const WCHAR* error; // shown when the work fails; null for a kind that tells no failure
     const WCHAR* japaneseError;
-    LPTHREAD_START_ROUTINE run; // gets the argument block
+    LPTHREAD_START_ROUTINE run; // gets the argument block; null counts as a thread that failed
 };
 
 /// The row of a kind; null for a kind that does not exist.

@@ -1,17 +1,13 @@
-#include "shell/LoadJob.h"
-
 #include "shell/Job.h"
 #include "shell/JobEnd.h"
+#include "shell/JobThreads.h"
 #include "shell/PluginCallbacks.h"
 
 DWORD WINAPI LoadJobThread(LPVOID parameter)
 {
-    auto* arguments = static_cast<LoadArguments*>(parameter);
-    Sleep(StartDelay);
-    const i32 result = arguments->host->GetImage(arguments->path, arguments->stream,
-                                                 arguments->target, JobCallbacks);
-    if (result < 0)
-        ReportJobError(JobLoad);
-    PostJobEnd();
-    return 0;
+    const auto& arguments = *static_cast<const LoadArguments*>(parameter);
+    return RunPluginJob(JobLoad, [&] {
+        return arguments.host->GetImage(arguments.path, arguments.stream, arguments.target,
+                                        JobCallbacks);
+    });
 }

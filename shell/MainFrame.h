@@ -3,9 +3,9 @@
 // view share it, so its fields are open to both and each of their operations stands in the file of
 // its topic.
 //
-// One instance. Everything runs on the user-interface thread; a worker reads it only for
-// `abortRequested` and `window`. No lock: the modal progress dialog keeps commands away while a
-// worker has the picture.
+// One instance. Everything runs on the user-interface thread; a worker has the picture, its plugin
+// and the settings for the time of its job, and reads `abortRequested` and `window`. No lock: the
+// modal progress dialog keeps commands away meanwhile.
 //
 // Coordinates of the picture and the view are doubles; zoom is picture pixels for one screen pixel,
 // so that 2.0 is the menu's 50%. Colours are words 0xRRGGBBAA.
@@ -26,6 +26,8 @@
 #include "shell/HandOver.h"
 
 #include <windows.h>
+
+#include <atomic>
 
 class MainFrame
 {
@@ -48,8 +50,8 @@ public:
     virtual LRESULT OnCommand(u32 notifyCode, u32 id, HWND control);
     virtual void OnClose();
     /// The hand-over of a second start (shell/HandOver.cpp): writes LastCommandLine and opens the
-    /// record's text, at once or when the flow under way has ended. Always 1. Never reads beyond
-    /// the record's count; without data it opens nothing.
+    /// record's text, both at once or when the flow under way has ended. Always 1. Never reads
+    /// beyond the record's count; without data it opens nothing.
     virtual LRESULT OnCopyData(HWND sender, const COPYDATASTRUCT* record);
     virtual LRESULT OnGetInstance();
 
@@ -201,8 +203,8 @@ public:
     HMENU screenMenu = nullptr;
     HWND commandBar = nullptr;
     HICON smallIcon = nullptr;
-    HMENU popupMenu = nullptr; // never set; destroyed at close if it ever were
-    u32 abortRequested = 0;
+    HMENU popupMenu = nullptr;          // never set; destroyed at close if it ever were
+    std::atomic<u32> abortRequested{0}; // set by the dialog, read by the worker
     SettingsFile* settings;
     HandOvers handOvers; // names that wait for the end of the flow under way
 

@@ -7,6 +7,8 @@
 #include <commctrl.h>
 #include <handheld.h>
 
+#include <atomic>
+
 namespace
 {
 
@@ -15,11 +17,18 @@ constexpr u32 ErrorDelay = 2000;
 
 // The time of the last wake-up counts across jobs: it is set at the first report of the process and
 // never put back.
-u32 lastWake = 0;
-bool wakeKnown = false;
+std::atomic<u32>& LastWake()
+{
+    static std::atomic<u32> lastWake{GetTickCount()};
+    return lastWake;
+}
 
+// Meant as it stands where the ticks begin anew after 49.7 days: the sum wraps a little before
+// them, and for those seconds every report resets the timer. Once the ticks have wrapped behind a
+// sum that had not, no report does until they reach it again.
 void KeepAwake()
 {
+    std::atomic<u32>& lastWake = LastWake();
     if (GetTickCount() >= lastWake + WakeInterval) {
         SystemIdleTimerReset();
         lastWake = GetTickCount();
@@ -30,10 +39,9 @@ void KeepAwake()
 
 i32 TAVRIX_CALL ProgressCallback(u32 done, u32 total)
 {
-    if (!wakeKnown) {
-        lastWake = GetTickCount();
-        wakeKnown = true;
-    }
+    if (!IsInPluginCall())
+        return Failed;
+    (void)LastWake(); // the first call of the process starts the clock
     if (total == 0) {
         SendMessageW(progressState.bar, PBM_SETPOS, 0, 0);
         return NothingDone;
@@ -44,10 +52,11 @@ i32 TAVRIX_CALL ProgressCallback(u32 done, u32 total)
     return mainFrame != nullptr && mainFrame->abortRequested != 0 ? Failed : Done;
 }
 
-i32 TAVRIX_CALL MessageCallback(const TavrixChar* text, const TavrixChar* caption, u32 flags)
+void ShowPluginMessage(const WCHAR* text, const WCHAR* caption, u32 flags)
 {
     if (IsWindow(progressState.statusLine)) {
         SetWindowTextW(progressState.statusLine, text);
+        // Meant: the bit alone is asked for, which the number of the exclamation mark has, too.
         if ((flags & MB_ICONHAND) != 0) {
             MessageBeep(MB_ICONHAND);
             Sleep(ErrorDelay);
@@ -55,15 +64,26 @@ i32 TAVRIX_CALL MessageCallback(const TavrixChar* text, const TavrixChar* captio
     } else {
         MessageBoxW(mainFrame != nullptr ? mainFrame->window : nullptr, text, caption, flags);
     }
+}
+
+i32 TAVRIX_CALL MessageCallback(const TavrixChar* text, const TavrixChar* caption, u32 flags)
+{
+    if (!IsInPluginCall())
+        return Failed;
+    ShowPluginMessage(text, caption, flags);
     return NothingDone;
 }
 
 i32 TAVRIX_CALL PutPropertyCallback(Variant* item)
 {
-    return mainFrame != nullptr ? mainFrame->settings->SetValue(PluginSection, item) : Failed;
+    if (!IsInPluginCall() || mainFrame == nullptr)
+        return Failed;
+    return mainFrame->settings->SetValue(PluginSection, item);
 }
 
 i32 TAVRIX_CALL GetPropertyCallback(Variant* item)
 {
-    return mainFrame != nullptr ? mainFrame->settings->GetValue(PluginSection, item) : Failed;
+    if (!IsInPluginCall() || mainFrame == nullptr)
+        return Failed;
+    return mainFrame->settings->GetValue(PluginSection, item);
 }

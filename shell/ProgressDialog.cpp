@@ -41,7 +41,13 @@ void Start(HWND dialog, JobRecord* record)
     if (kind == nullptr)
         return;
     SetDlgItemTextW(dialog, ControlHeadline, InLanguage(kind->status, kind->japaneseStatus));
-    progressState.thread = CreateThread(nullptr, 0, kind->run, record->arguments, 0, nullptr);
+    if (record->kind == JobPrint) {
+        EnableWindow(GetDlgItem(dialog, ControlAbort), TRUE);
+        BringWindowToTop(dialog);
+    }
+    progressState.thread = kind->run == nullptr
+                               ? nullptr
+                               : CreateThread(nullptr, 0, kind->run, record->arguments, 0, nullptr);
     if (progressState.thread == nullptr)
         EndDialog(dialog, 0);
 }
@@ -102,9 +108,9 @@ i32 RunJob(HWND owner, HINSTANCE instance, JobRecord* record)
 void ReportJobError(u32 kind)
 {
     const JobKind* row = FindJobKind(kind);
-    if (row != nullptr)
-        MessageCallback(InLanguage(row->error, row->japaneseError),
-                        InLanguage(TEXT("ERROR"), TEXT("エラー")), MB_ICONHAND);
+    if (row != nullptr && row->error != nullptr)
+        ShowPluginMessage(InLanguage(row->error, row->japaneseError),
+                          InLanguage(TEXT("ERROR"), TEXT("エラー")), MB_ICONHAND);
 }
 
 void PostJobEnd()

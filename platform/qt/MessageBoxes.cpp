@@ -1,6 +1,7 @@
 // Message boxes: dialogs of the platform's own, with an icon, a text and a row of buttons. They are
 // built like every other dialog, so that their buttons have ids and their owners are shut out
 // alike.
+#include "platform/core/MessageQueue.h"
 #include "platform/core/TestHooks.h"
 #include "platform/qt/ControlMessages.h"
 #include "platform/qt/DialogFont.h"
@@ -9,6 +10,7 @@
 #include "platform/qt/Icons.h"
 #include "platform/qt/MessageBoxText.h"
 #include "platform/qt/Shot.h"
+#include "platform/qt/Toolkit.h"
 #include "platform/qt/UiThread.h"
 #include "platform/qt/Window.h"
 
@@ -202,8 +204,10 @@ BOOL WINAPI MessageBeep(UINT)
 {
     ++Hooks().beeps;
     // The caller does not wait: a beep from a worker must not hang on what the user interface does.
-    if (qApp != nullptr)
-        QMetaObject::invokeMethod(
-            qApp, [] { QApplication::beep(); }, Qt::QueuedConnection);
+    CallSoon([]() -> LRESULT {
+        if (ToolkitIsUp())
+            QApplication::beep();
+        return 0;
+    });
     return TRUE;
 }

@@ -1,21 +1,10 @@
 // Jobs with real plugins under the real progress dialog, in the headless platform.
 
-#include "foundation/FileStream.h"
-#include "platform/testing/core/TestHome.h"
-#include "platform/testing/WindowTesting.h"
-#include "resources/Ids.h"
-#include "shell/Job.h"
-#include "shell/PluginCallbacks.h"
-#include "shell/ProgressDialog.h"
-#include "tests/support/Program.h"
-#include "tests/support/TestPicture.h"
+#include "shell/tests/JobTesting.h"
 
 #include <commctrl.h>
-#include <gtest/gtest.h>
 
-#include <fstream>
-
-using namespace tavrix::testing;
+using namespace jobtest;
 
 namespace
 {
@@ -23,21 +12,7 @@ namespace
 /// A picture file whose extension leads to the fixture plugin of that name.
 std::string FileFor(const std::string& extension)
 {
-    const std::string path = TestHome() + "/picture." + extension;
-    std::ofstream(path) << "anything";
-    return path;
-}
-
-void InstallFixture(const std::string& name)
-{
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/" + name + ".dll");
-}
-
-u32 Stored(MainFrame& frame, const WCHAR* key)
-{
-    u32 value = 0;
-    EXPECT_EQ(frame.settings->GetUInt(TEXT("Global"), key, &value), Done) << Utf8(key);
-    return value;
+    return MakeFile("picture." + extension);
 }
 
 } // namespace
@@ -181,28 +156,28 @@ TEST(Jobs, TheDeviceIsKeptAwakeEveryTenSecondsAcrossJobs)
     Scope scope;
     auto& resets = tavrix::platform::Hooks().idleTimerResets;
     SetTickCount(50000);
-    EXPECT_EQ(ProgressCallback(1, 10), 1); // the first report of the process only starts the clock
+    EXPECT_EQ(Report(1, 10), 1); // the first report of the process only starts the clock
     EXPECT_EQ(resets, 0U);
     SetTickCount(59999);
-    EXPECT_EQ(ProgressCallback(2, 10), 1);
+    EXPECT_EQ(Report(2, 10), 1);
     EXPECT_EQ(resets, 0U);
     SetTickCount(60000);
-    EXPECT_EQ(ProgressCallback(3, 10), 1);
+    EXPECT_EQ(Report(3, 10), 1);
     EXPECT_EQ(resets, 1U);
     SetTickCount(61000);
-    EXPECT_EQ(ProgressCallback(0, 0), 0);
+    EXPECT_EQ(Report(0, 0), 0);
     SetTickCount(70000);
-    EXPECT_EQ(ProgressCallback(1, 10), 1);
+    EXPECT_EQ(Report(1, 10), 1);
     EXPECT_EQ(resets, 2U);
 }
 
 TEST(Jobs, ARequestToStopIsSeenAtTheNextReport)
 {
     MainFrame frame;
-    EXPECT_EQ(ProgressCallback(1, 10), 1);
+    EXPECT_EQ(Report(1, 10), 1);
     frame.abortRequested = 1;
-    EXPECT_EQ(ProgressCallback(2, 10), -1);
-    EXPECT_EQ(ProgressCallback(0, 0), 0);
+    EXPECT_EQ(Report(2, 10), -1);
+    EXPECT_EQ(Report(0, 0), 0);
 }
 
 TEST(Jobs, WithoutADialogAMessageIsABox)
@@ -216,7 +191,10 @@ TEST(Jobs, WithoutADialogAMessageIsABox)
         caption = BoxCaption(box);
         EndDialog(box, IDOK);
     });
-    EXPECT_EQ(MessageCallback(TEXT("words"), TEXT("WARNING"), MB_ICONEXCLAMATION), 0);
+    EXPECT_EQ(InPluginCall([] {
+                  return MessageCallback(TEXT("words"), TEXT("WARNING"), MB_ICONEXCLAMATION);
+              }),
+              0);
     EXPECT_EQ(text, u"words");
     EXPECT_EQ(caption, u"WARNING");
 }
@@ -233,7 +211,9 @@ TEST(Jobs, AfterAJobAMessageIsABoxAgainThoughTheOldHandleIsStillStored)
     });
     RunProgramOn(FileFor("quick"), [](MainFrame&) {
         EXPECT_NE(progressState.statusLine, nullptr);
-        EXPECT_EQ(MessageCallback(TEXT("words"), TEXT("caption"), MB_ICONHAND), 0);
+        EXPECT_EQ(InPluginCall(
+                      [] { return MessageCallback(TEXT("words"), TEXT("caption"), MB_ICONHAND); }),
+                  0);
     });
     EXPECT_EQ(boxes, 1);
 }
@@ -252,7 +232,7 @@ TEST(Jobs, ThePressOfAbortAsksToStopAndGraysTheButtonAtOnce)
     });
     RunProgramOn(FileFor("quick"), [](MainFrame& frame) {
         EXPECT_EQ(frame.abortRequested, 1U);
-        EXPECT_EQ(ProgressCallback(1, 2), -1);
+        EXPECT_EQ(Report(1, 2), -1);
     });
     EXPECT_FALSE(enabledAfter);
 }
@@ -262,14 +242,72 @@ TEST(Jobs, PluginsPropertiesLieInTheirOwnSection)
     MainFrame frame;
     const std::u16string path = DevicePath(TestHome() + "/x.ini");
     ASSERT_EQ(frame.settings->Load(path.c_str()), Done);
+    const auto Get = [](Variant* given) {
+        return InPluginCall([given] { return GetPropertyCallback(given); });
+    };
+    const auto Put = [](Variant* given) {
+        return InPluginCall([given] { return PutPropertyCallback(given); });
+    };
     Variant item = {TEXT("SomePluginLevel"), VariantUnsigned, 42};
-    EXPECT_EQ(GetPropertyCallback(&item), -1); // nothing was ever stored
+    EXPECT_EQ(Get(&item), -1); // nothing was ever stored
     item = {TEXT("SomePluginLevel"), VariantUnsigned, 42};
-    EXPECT_EQ(PutPropertyCallback(&item), 3);
-    EXPECT_EQ(PutPropertyCallback(&item), 5);
+    EXPECT_EQ(Put(&item), 3);
+    EXPECT_EQ(Put(&item), 5);
     Variant asked = {TEXT("SomePluginLevel"), VariantUnsigned, 0};
-    EXPECT_EQ(GetPropertyCallback(&asked), 1);
+    EXPECT_EQ(Get(&asked), 1);
     EXPECT_EQ(asked.value, 42U);
     asked = {TEXT("Other"), VariantUnsigned, 0};
-    EXPECT_EQ(GetPropertyCallback(&asked), -10);
+    EXPECT_EQ(Get(&asked), -10);
+}
+
+TEST(Jobs, TheDialogsPlaceIsMeasuredFromTheScreensCornerByTheParentsSizeAlone)
+{
+    InstallKinds();
+    Watched watched;
+    RECT place = {};
+    watched.script = [&](HWND dialog, bool) { GetWindowRect(dialog, &place); };
+    RunProgram(u"", [&](MainFrame& frame) {
+        SetWindowPos(frame.window, nullptr, 100, 50, 500, 300, SWP_NOZORDER);
+        EXPECT_EQ(RunKind(frame, JobAdjust), 1);
+        const LONG width = place.right - place.left;
+        const LONG height = place.bottom - place.top;
+        EXPECT_GT(width, 200);
+        EXPECT_EQ(place.left, (500 - width) / 2);
+        EXPECT_EQ(place.top, (300 - height) / 2);
+    });
+}
+
+TEST(Jobs, TheBarRunsFromNoughtToThreeHundredAndAReportBeyondTheTotalFillsIt)
+{
+    InstallKinds();
+    Watched watched;
+    watched.script = [&](HWND dialog, bool) {
+        const HWND bar = GetDlgItem(dialog, ControlProgressBar);
+        EXPECT_EQ(SendMessageW(bar, PBM_GETPOS, 0, 0), 0);
+        // What was before is the answer.
+        EXPECT_EQ(SendMessageW(bar, PBM_SETRANGE, 0, MAKELPARAM(0, 300)), 19660800);
+        EXPECT_EQ(Report(3, 1), 1);
+        EXPECT_EQ(SendMessageW(bar, PBM_GETPOS, 0, 0), 300);
+        EXPECT_EQ(Report(0xFFFFFFFE, 0xFFFFFFFF), 1); // 299.99..., truncated
+        EXPECT_EQ(SendMessageW(bar, PBM_GETPOS, 0, 0), 299);
+        EXPECT_EQ(Report(7, 0), 0);
+        EXPECT_EQ(SendMessageW(bar, PBM_GETPOS, 0, 0), 0);
+    };
+    RunProgram(u"", [&](MainFrame& frame) { EXPECT_EQ(RunKind(frame, JobAdjust), 1); });
+}
+
+TEST(Jobs, WhenTheCallComesBackTheThreadIsGoneAndTheOldHandlesStay)
+{
+    InstallKinds();
+    RunProgram(u"", [](MainFrame& frame) {
+        const size_t handles = tavrix::platform::CountHoldings().kernelHandles;
+        EXPECT_EQ(RunKind(frame, JobAdjust), 1);
+        EXPECT_EQ(tavrix::platform::CountHoldings().kernelHandles, handles);
+        EXPECT_EQ(progressState.thread, nullptr);
+        EXPECT_NE(progressState.dialog, nullptr);
+        EXPECT_NE(progressState.bar, nullptr);
+        EXPECT_NE(progressState.statusLine, nullptr);
+        EXPECT_FALSE(IsWindow(progressState.dialog));
+        EXPECT_TRUE(IsWindowEnabled(frame.window));
+    });
 }
