@@ -69,15 +69,19 @@ typedef struct PluginStreamRecord {
      * server again, and some streams refuse. */
     int32_t(TAVRIX_CALL *seek)(void *handle, const int64_t *offset, uint64_t *newPosition,
                                uint32_t origin);
-    /* *length in: bytes wanted; out: bytes got, which may be fewer. 0 bytes is the end. */
+    /* *length in: bytes wanted; out: bytes got, which may be fewer at any time, so read in a loop.
+     * 0 bytes is the end; a failing disk looks like it. */
     int32_t(TAVRIX_CALL *read)(void *handle, void *buffer, uint32_t *length);
-    /* *length in: bytes to write; out: bytes written. */
+    /* *length in: bytes to write; out: bytes written. A full disk gives 1 with fewer: compare. A
+     * stream that only measures keeps nothing, and its read always fails with 0 bytes: an OUTPUT
+     * plugin that has to read back what it wrote returns a negative value. */
     int32_t(TAVRIX_CALL *write)(void *handle, const void *buffer, uint32_t *length);
 } PluginStreamRecord;
 
 /* What a picture is. */
 typedef struct RasterInfo {
-    /* In: bytes the caller can take (at most the whole record is filled). Out: the whole size. */
+    /* In: bytes the caller can take, to be set before each use (at most the whole record is
+     * filled). Out: the whole size. */
     uint32_t size;
     /* Pixels. */
     uint32_t width;
@@ -141,11 +145,13 @@ typedef struct RasterFunctionTable {
     /* Gives dst the size, depth, lines and palette of src. src is consumed: destroy it next. -1 if
      * either is null. */
     int32_t(TAVRIX_CALL *RasterCopy)(TavrixImageHandle dst, TavrixImageHandle src);
-    /* Inserts *count lines (one if count is null) before `line`, which may equal the height.
-     * -3 if no lines were allocated, -1 beyond the height or to more than 65,535 lines. */
+    /* Inserts *count blank lines (one if count is null) before `line`, which may equal the height.
+     * -3 if no lines were allocated, -1 beyond the height or to more than 65,535 lines; another
+     * negative result without memory, and then the height has grown all the same: give up. */
     int32_t(TAVRIX_CALL *RasterInsertLines)(TavrixImageHandle image, int32_t line,
                                             uint32_t *count);
-    /* Deletes *count lines (one if count is null) from `line`. -3, -1 as above, -2 memory. */
+    /* Deletes *count lines (one if count is null) from `line`. 1; -3, -1 as above; -2 memory. A run
+     * that reaches the last line deletes nothing and gives 1. */
     int32_t(TAVRIX_CALL *RasterDeleteLines)(TavrixImageHandle image, int32_t line,
                                             uint32_t *count);
     /* Exchanges two lines without moving their data. -3, -1 as above. */
@@ -155,20 +161,27 @@ typedef struct RasterFunctionTable {
     /* Makes *count lines (one if count is null) present and stores a pointer to each in lines[].
      * The count is cut at the end of the picture and written back. Pointers are valid until the
      * line is unlocked. 1; -3; -1 for a line at or beyond the height; on a failure part way
-     * negative or 0, and *count tells how many were locked. Lines are not adjacent in memory. */
+     * negative or 0, and *count tells how many were locked: unlock those and give up. Lines are not
+     * adjacent in memory. Locks do not add up: one unlock ends two. Lock few lines at a time, since
+     * locked ones stay in memory. */
     int32_t(TAVRIX_CALL *RasterLockLines)(TavrixImageHandle image, int32_t line, void **lines,
                                           uint32_t *count);
     /* Ends the lock of `count` lines, which may write them to their files. 1; -3, -1 as above; 0 if
-     * a line could not be stored. When line + count reaches the height, the count becomes
-     * height - line - count: a run that touches the last line unlocks fewer lines, or none. */
+     * a line could not be stored: its data is lost, give up. When line + count reaches the height,
+     * the count becomes height - line - count, so a run that touches the last line unlocks nothing
+     * (or fewer lines) and gives 1. The last line so stays locked until the export has returned,
+     * which does no harm; unlock a tall run line by line, and the others are let go. */
     int32_t(TAVRIX_CALL *RasterUnlockLines)(TavrixImageHandle image, int32_t line,
                                             uint32_t count);
-    /* With null `palette` the picture's entry count; else copies the picture's palette into it. */
+    /* With null `palette` the picture's entry count; else copies the picture's palette into it. The
+     * picture comes first and the target second. */
     int32_t(TAVRIX_CALL *RasterGetPalette)(TavrixImageHandle image, TavrixPaletteHandle palette);
-    /* Copies `palette` into the picture's. -1 if either is null. */
+    /* Copies `palette` into the picture's; `palette` stays the caller's to destroy. -1 if either is
+     * null. */
     int32_t(TAVRIX_CALL *RasterSetPalette)(TavrixImageHandle image, TavrixPaletteHandle palette);
     /* Nearest-neighbour stretch of the inclusive rectangle (sx1,sy1)-(sx2,sy2) of src to
-     * (dx1,dy1)-(dx2,dy2) of dst. -1 if either is null or not 24 bits deep. */
+     * (dx1,dy1)-(dx2,dy2) of dst; a whole picture is (0,0)-(width-1,height-1). -1 if either is null
+     * or not 24 bits deep. Reports no progress. */
     int32_t(TAVRIX_CALL *RasterStretch)(TavrixImageHandle src, TavrixImageHandle dst, int32_t sx1,
                                         int32_t sy1, int32_t sx2, int32_t sy2, int32_t dx1,
                                         int32_t dy1, int32_t dx2, int32_t dy2);
@@ -195,7 +208,7 @@ typedef struct PaletteFunctionTable {
     int32_t(TAVRIX_CALL *PaletteFree)(TavrixPaletteHandle palette);
     /* -4 for null src, else as PaletteSetEntries with its entries. */
     int32_t(TAVRIX_CALL *PaletteCopy)(TavrixPaletteHandle dst, TavrixPaletteHandle src);
-    /* Appends one. 1; -3 if not allocated; -1 when full. */
+    /* Appends one. 1; -3 without PaletteAlloc before; -1 when full. */
     int32_t(TAVRIX_CALL *PaletteAddEntry)(TavrixPaletteHandle palette, uint32_t red,
                                           uint32_t green, uint32_t blue, uint32_t fourth);
     /* Appends in order and stops at the first failure, whose value it returns. */
@@ -204,7 +217,8 @@ typedef struct PaletteFunctionTable {
     /* Reallocates to `count` and copies. -4 for null entries. */
     int32_t(TAVRIX_CALL *PaletteSetEntries)(TavrixPaletteHandle palette,
                                             const PaletteEntry *entries, uint32_t count);
-    /* With null buffer the used count; else copies the used entries and returns 1. */
+    /* With null buffer the used count; else copies all used entries, for which the buffer must
+     * have room, and returns 1. */
     int32_t(TAVRIX_CALL *PaletteGetEntries)(TavrixPaletteHandle palette, PaletteEntry *buffer);
     /* The internal array, valid until the palette changes. -3 (*entries null) if not allocated; -4
      * for null entries. */
@@ -214,13 +228,16 @@ typedef struct PaletteFunctionTable {
 /* ---- Callbacks ------------------------------------------------------------------------------ */
 
 /* Reports done/total. total 0 resets the bar and returns 0. A negative result means that the user
- * gave up: stop and return a negative value. Otherwise 1. */
+ * gave up: stop and return a negative value. Otherwise 1. Waits for the user-interface thread, so
+ * once a line is enough; some times a second, since it also keeps the device awake. */
 typedef int32_t(TAVRIX_CALL *TavrixProgressCallback)(uint32_t done, uint32_t total);
 /* During a processing export `text` replaces the status line; with bit 4 of `flags` set (16, the
- * stop icon) it beeps and waits two seconds. At other times a message box. Returns 0. */
+ * stop icon) it beeps and waits two seconds. At other times a message box with `flags` as the
+ * device's MessageBoxW takes them. Returns 0. Both texts stay the caller's. */
 typedef int32_t(TAVRIX_CALL *TavrixMessageCallback)(const TavrixChar *text,
                                                     const TavrixChar *caption, uint32_t flags);
-/* Stores a value. 3 added, 5 replaced, negative on failure. */
+/* Stores a value, which is copied. 3 added, 5 replaced, negative on failure. Never store an empty
+ * text: it comes back as a key without a value. */
 typedef int32_t(TAVRIX_CALL *TavrixPutPropertyCallback)(Variant *item);
 /* Reads a value: set name and the wanted type. 1 found; -1 nothing was ever stored; -10 unknown
  * key; -100 not convertible. Text points into the store and is valid until that key is set again. */
@@ -246,49 +263,58 @@ enum {
  * INPUT and OUTPUT plugins; they end at the first negative result or empty description. */
 typedef int32_t(TAVRIX_CALL *TavrixGetPluginInfoFunction)(uint32_t index, TavrixChar *buffer,
                                                           uint32_t capacity);
-/* Every kind, optional. The primary language number: 17 on Japanese systems. */
+/* Every kind, optional. The primary language number: 17 on Japanese systems, where it is called
+ * right after the load; elsewhere it is not called at all. All text follows it, but for the
+ * identity and the patterns. The result is not looked at. */
 typedef int32_t(TAVRIX_CALL *TavrixSetLanguageFunction)(uint32_t language);
 
-/* INPUT. Reserved for a header read; of path and stream exactly one is not null. */
+/* INPUT. Reserved for a header read; of path and stream exactly one is not null. `info` is a
+ * RasterInfo by custom, its size set by the caller. Runs without a heap and without tables. */
 typedef int32_t(TAVRIX_CALL *TavrixGetImageInfoFunction)(const TavrixChar *path,
                                                          PluginStreamRecord *stream, void *info);
 /* INPUT: GetImage and GetImageFast. OUTPUT: PutImage. Of path and stream exactly one is not null;
- * GetImage always gets a stream. A path is a path of the device: open it with the device's file
- * functions. GetImage reads forward, sizes the picture with RasterAlloc, fills the lines, reports
- * progress and returns 0 or more, or a negative value on failure. PutImage must not change the
- * picture, and returns a negative value where it cannot write to a stream. */
+ * GetImage always gets a stream, GetImageFast (a quick decode, not called yet) never does. A path
+ * is a path of the device: open it with the device's file functions. GetImage reads forward, sizes
+ * the picture with RasterAlloc, fills the lines, reports progress and returns 0 or more, or a
+ * negative value on failure. PutImage must not change the picture, and returns a negative value
+ * where it cannot write to a stream. */
 typedef int32_t(TAVRIX_CALL *TavrixImageFunction)(
     const TavrixChar *path, PluginStreamRecord *stream, TavrixImageHandle image,
     RasterFunctionTable *rasters, PaletteFunctionTable *palettes, TavrixProgressCallback progress,
     TavrixMessageCallback message, TavrixPutPropertyCallback put, TavrixGetPropertyCallback get);
-/* PRINT: Print. The four zeros are always 0. */
+/* PRINT: Print. The four zeros are always 0; `title` names the print job. The result is not looked
+ * at, so tell the user of a failure through `message`. `owner` belongs to the user-interface
+ * thread: make no windows here. */
 typedef int32_t(TAVRIX_CALL *TavrixPrintFunction)(
     TavrixImageHandle image, RasterFunctionTable *rasters, PaletteFunctionTable *palettes,
     TavrixWindow owner, uint32_t zero1, uint32_t zero2, uint32_t zero3, uint32_t zero4,
     const TavrixChar *title, TavrixProgressCallback progress, TavrixMessageCallback message,
     TavrixPutPropertyCallback put, TavrixGetPropertyCallback get);
-/* EFFECT: Effect. ADJUST: AdjustImage. Change the picture in place. */
+/* EFFECT: Effect. ADJUST: AdjustImage. Change the picture in place and keep its size: it may be a
+ * copy of the selected rectangle, of which that rectangle's size goes back. */
 typedef int32_t(TAVRIX_CALL *TavrixProcessFunction)(
     TavrixImageHandle image, RasterFunctionTable *rasters, PaletteFunctionTable *palettes,
     TavrixProgressCallback progress, TavrixMessageCallback message, TavrixPutPropertyCallback put,
     TavrixGetPropertyCallback get);
-/* SCALE: ScaleImage. Resizes the picture in place. */
+/* SCALE: ScaleImage. Resizes the picture in place, to `width` pixels by `height` lines. */
 typedef int32_t(TAVRIX_CALL *TavrixScaleFunction)(
     TavrixImageHandle image, RasterFunctionTable *rasters, PaletteFunctionTable *palettes,
     uint32_t width, uint32_t height, TavrixProgressCallback progress,
     TavrixMessageCallback message, TavrixPutPropertyCallback put, TavrixGetPropertyCallback get);
-/* SUBTRACT: SubtractImage. Reduces the colours; `argument` is passed through. */
+/* SUBTRACT: SubtractImage. Reduces the colours. `argument` has no meaning yet: take any value. */
 typedef int32_t(TAVRIX_CALL *TavrixSubtractFunction)(
     TavrixImageHandle image, RasterFunctionTable *rasters, PaletteFunctionTable *palettes,
     uint32_t argument, TavrixProgressCallback progress, TavrixMessageCallback message,
     TavrixPutPropertyCallback put, TavrixGetPropertyCallback get);
 /* Configure of INPUT, OUTPUT and PRINT. 1 to go on, 0 when the user cancelled, negative on failure.
- * An INPUT, OUTPUT, EFFECT or ADJUST plugin without it makes the host warn at every use. */
+ * An INPUT, OUTPUT, EFFECT or ADJUST plugin without it makes the host warn at every use. What was
+ * chosen goes into the properties, where the processing export finds it. */
 typedef int32_t(TAVRIX_CALL *TavrixConfigureFunction)(TavrixWindow owner,
                                                       TavrixMessageCallback message,
                                                       TavrixPutPropertyCallback put,
                                                       TavrixGetPropertyCallback get);
-/* Configure of EFFECT and ADJUST. */
+/* Configure of EFFECT and ADJUST. The picture may be looked at; what is changed in it stays so,
+ * also when the user cancels. */
 typedef int32_t(TAVRIX_CALL *TavrixConfigureImageFunction)(
     TavrixWindow owner, TavrixImageHandle image, RasterFunctionTable *rasters,
     PaletteFunctionTable *palettes, TavrixMessageCallback message, TavrixPutPropertyCallback put,
