@@ -9,8 +9,9 @@
 
 std::string ChattyName();
 
+// Visible as the C++ library's own templates are, whatever the build asks for.
 template <class T>
-struct Shared {
+struct __attribute__((visibility("default"))) Shared {
     static inline std::vector<T> values;
 };
 
