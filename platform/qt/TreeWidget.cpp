@@ -49,11 +49,8 @@ void TreeWidget::ItemsChanged()
 
 void TreeWidget::LayOutHidden()
 {
-    if (isVisible())
-        return;
-    QResizeEvent event(size(), size());
-    QCoreApplication::sendEvent(this, &event);
-    SetBars();
+    if (!isVisible())
+        SetBars();
 }
 
 const std::vector<TreeItem*>& TreeWidget::Rows()
@@ -142,12 +139,16 @@ TreeWidget::Hit TreeWidget::HitTest(QPoint at)
     return at.x() <= TextPlace(item, 0).right() ? Hit{Part::Item, &item} : Hit{};
 }
 
-void TreeWidget::SetBars()
+int TreeWidget::ContentWidth()
 {
-    int width = 0;
+    int right = 0;
     for (TreeItem* item : Rows())
-        width = std::max(width, TextPlace(*item, 0).right() + 1);
-    width += horizontalScrollBar()->value();
+        right = std::max(right, TextPlace(*item, 0).right() + 1);
+    return right + horizontalScrollBar()->value();
+}
+
+void TreeWidget::SetRanges(int width)
+{
     const int count = static_cast<int>(rows.size());
     // Each bar takes room that may be what makes the other one needed; without both all may fit.
     const QSize most = maximumViewportSize();
@@ -161,6 +162,25 @@ void TreeWidget::SetBars()
     horizontalScrollBar()->setPageStep(viewport()->width());
     horizontalScrollBar()->setSingleStep(Indent());
     horizontalScrollBar()->setRange(0, std::max(0, width - viewport()->width()));
+}
+
+void TreeWidget::SetBars()
+{
+    if (settingBars)
+        return; // the layout below resizes the viewport
+    settingBars = true;
+    // Two bars that come and the size of a window that was hidden settle in less.
+    constexpr int MostTurns = 4;
+    const int width = ContentWidth();
+    QSize before;
+    for (int turn = 0; turn < MostTurns && viewport()->size() != before; ++turn) {
+        before = viewport()->size();
+        SetRanges(width);
+        // The area itself would show and hide its bars only later, over the row just revealed.
+        QResizeEvent layOut(size(), size());
+        QAbstractScrollArea::event(&layOut);
+    }
+    settingBars = false;
 }
 
 bool TreeWidget::event(QEvent* event)

@@ -86,6 +86,10 @@ private:
     void PaintLines(QPainter& painter, const TreeItem& item, int top) const;
     void PaintButton(QPainter& painter, const TreeItem& item, int top) const;
     void PaintText(QPainter& painter, TreeItem& item, int top);
+    int ContentWidth();
+    /// Gives the scroll bars their ranges for content of that width in the viewport as it is.
+    void SetRanges(int width);
+    /// The same and shows or hides the bars, until ranges and viewport agree.
     void SetBars();
 
     HWND handle;
@@ -93,6 +97,7 @@ private:
     std::shared_ptr<TreeState> state;
     std::vector<TreeItem*> rows;
     bool stale = false; // the rows do not follow the items
+    bool settingBars = false;
     bool asked = false; // an event that sets the bars is on its way
 };
 

@@ -2,13 +2,25 @@
 #include "platform/tests/qt/SolidIcons.h"
 #include "platform/tests/qt/TreeFixture.h"
 
+#include <utility>
+
 using namespace tavrix::test;
 using namespace tavrix::testing;
 
 namespace
 {
 
-using TreePicture = ColoredTreeTest;
+class TreePicture : public ColoredTreeTest
+{
+protected:
+    /// Until the host's events that stand in line are handled, the layout among them.
+    void Settle()
+    {
+        bool reached = false;
+        PumpUntil([&reached] { return std::exchange(reached, true); });
+    }
+};
+
 using TreeBeforeItShows = TreeTest;
 
 size_t Different(const Picture& one, const Picture& other)
@@ -32,6 +44,8 @@ TEST_F(TreePicture, ImagesAreDrawnInTheirOwnSizeBeforeTheText)
     }
     EXPECT_EQ(red->left, yellow->left);
     EXPECT_GE(yellow->top, red->bottom);
+    const int row = yellow->top - red->top;
+    EXPECT_EQ(red->top - 1, (row - 16) / 2) << "in the middle of its row, below the border";
     EXPECT_FALSE(Find(Green)) << "the children are not shown yet";
     const Picture picture = WindowPixels(tree);
     const uint32_t ground = picture.At(picture.width - 5, picture.height - 5);
@@ -223,25 +237,91 @@ TEST_F(TreePicture, WhatDoesNotFitGetsBars)
     GetWindowRect(tree, &window);
     EXPECT_EQ(Width(all), Width(window) - 2) << "a border and nothing else";
     const HTREEITEM wide = Add(TVI_ROOT, std::u16string(200, u'w'), 0, 4);
-    Pump(10);
+    Settle();
     RECT client{};
     GetClientRect(tree, &client);
     EXPECT_EQ(Width(client), Width(all));
     EXPECT_LT(Height(client), Height(all) - 5);
     for (int i = 0; i < 100; ++i)
         Add(TVI_ROOT, u"x", 0, 4);
-    Pump(10);
+    Settle();
     GetClientRect(tree, &client);
     EXPECT_LT(Width(client), Width(all) - 5);
     Send(TVM_DELETEITEM, 0, wide);
-    Pump(10);
+    Settle();
     GetClientRect(tree, &client);
     EXPECT_LT(Width(client), Width(all) - 5);
     EXPECT_EQ(Height(client), Height(all));
     Send(TVM_DELETEITEM, 0, TVI_ROOT);
-    Pump(10);
+    Settle();
     GetClientRect(tree, &client);
     EXPECT_EQ(Width(client), Width(all));
+}
+
+TEST_F(TreePicture, BarsThatOnlyEachOtherNeedsGoTogether)
+{
+    RECT all{};
+    GetClientRect(tree, &all);
+    const int row = Find(Yellow)->top - Find(Red)->top;
+    Send(TVM_DELETEITEM, 0, TVI_ROOT);
+    // The widest text that needs no bar, found by trying.
+    std::u16string widest;
+    for (size_t length = 1; length < 400; ++length) {
+        const HTREEITEM item = Add(TVI_ROOT, std::u16string(length, u'i'), 0, 4);
+        Settle();
+        RECT client{};
+        GetClientRect(tree, &client);
+        Send(TVM_DELETEITEM, 0, item);
+        if (Height(client) != Height(all))
+            break;
+        widest = std::u16string(length, u'i');
+    }
+    ASSERT_GT(widest.size(), 20u);
+    Add(TVI_ROOT, widest, 0, 4);
+    for (int i = 1; i < Height(all) / row; ++i)
+        Add(TVI_ROOT, u"x", 0, 4);
+    Settle();
+    RECT client{};
+    GetClientRect(tree, &client);
+    EXPECT_EQ(Height(client), Height(all));
+    EXPECT_EQ(Width(client), Width(all));
+    const HTREEITEM tooMuch = Add(TVI_ROOT, u"x", 0, 4);
+    Settle();
+    GetClientRect(tree, &client);
+    EXPECT_LT(Height(client), Height(all));
+    EXPECT_LT(Width(client), Width(all));
+    Send(TVM_DELETEITEM, 0, tooMuch);
+    Settle();
+    GetClientRect(tree, &client);
+    EXPECT_EQ(Height(client), Height(all));
+    EXPECT_EQ(Width(client), Width(all));
+}
+
+TEST_F(TreePicture, NoBarThatComesUpCoversTheItemBroughtIntoView)
+{
+    Send(TVM_DELETEITEM, 0, TVI_ROOT);
+    for (int i = 0; i < 50; ++i)
+        Add(TVI_ROOT, std::u16string(200, u'w'), 0, 4);
+    const HTREEITEM last = Add(TVI_ROOT, u"last", 0, 2);
+    EXPECT_TRUE(Send(TVM_ENSUREVISIBLE, 0, last));
+    Pump(50);
+    const auto blue = Find(Blue);
+    ASSERT_TRUE(blue);
+    EXPECT_EQ(Height(*blue), 16) << "the whole row";
+}
+
+TEST_F(TreeBeforeItShows, TheClientAreaFollowsTheWindow)
+{
+    RECT window{};
+    RECT client{};
+    GetWindowRect(tree, &window);
+    GetClientRect(tree, &client);
+    EXPECT_EQ(Width(client), Width(window) - 2);
+    EXPECT_EQ(Height(client), Height(window) - 2);
+    SetWindowPos(tree, nullptr, 0, 0, 120, 60, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    GetClientRect(tree, &client);
+    EXPECT_EQ(Width(client), 118);
+    EXPECT_EQ(Height(client), 58);
 }
 
 TEST_F(TreeBeforeItShows, ASelectionMadeBeforeTheDialogShowsIsInView)
