@@ -2,8 +2,6 @@
 #include "platform/tests/qt/SolidIcons.h"
 #include "platform/tests/qt/TreeFixture.h"
 
-#include <utility>
-
 using namespace tavrix::test;
 using namespace tavrix::testing;
 
@@ -13,14 +11,29 @@ namespace
 class TreePicture : public ColoredTreeTest
 {
 protected:
-    /// Until the host's events that stand in line are handled, the layout among them.
-    void Settle()
-    {
-        bool reached = false;
-        PumpUntil([&reached] { return std::exchange(reached, true); });
-    }
-};
+    TreePicture() { GetClientRect(tree, &whole); }
 
+    bool HasSideBar()
+    {
+        RECT client{};
+        GetClientRect(tree, &client);
+        return Width(client) < Width(whole);
+    }
+    bool HasBottomBar()
+    {
+        RECT client{};
+        GetClientRect(tree, &client);
+        return Height(client) < Height(whole);
+    }
+    /// Whether the tree comes to have just these bars.
+    bool ComesToHave(bool side, bool bottom)
+    {
+        return PumpUntil([=, this] { return HasSideBar() == side && HasBottomBar() == bottom; },
+                         2000);
+    }
+
+    RECT whole{}; // the client area without bars
+};
 using TreeBeforeItShows = TreeTest;
 
 size_t Different(const Picture& one, const Picture& other)
@@ -231,70 +244,46 @@ TEST_F(TreePicture, EnsuringThatAnItemIsVisibleTellsWhetherScrollingWasEnough)
 
 TEST_F(TreePicture, WhatDoesNotFitGetsBars)
 {
-    RECT all{};
-    GetClientRect(tree, &all);
     RECT window{};
     GetWindowRect(tree, &window);
-    EXPECT_EQ(Width(all), Width(window) - 2) << "a border and nothing else";
+    EXPECT_EQ(Width(whole), Width(window) - 2) << "a border and nothing else";
     const HTREEITEM wide = Add(TVI_ROOT, std::u16string(200, u'w'), 0, 4);
-    Settle();
-    RECT client{};
-    GetClientRect(tree, &client);
-    EXPECT_EQ(Width(client), Width(all));
-    EXPECT_LT(Height(client), Height(all) - 5);
+    EXPECT_TRUE(ComesToHave(false, true));
     for (int i = 0; i < 100; ++i)
         Add(TVI_ROOT, u"x", 0, 4);
-    Settle();
-    GetClientRect(tree, &client);
-    EXPECT_LT(Width(client), Width(all) - 5);
+    EXPECT_TRUE(ComesToHave(true, true));
     Send(TVM_DELETEITEM, 0, wide);
-    Settle();
-    GetClientRect(tree, &client);
-    EXPECT_LT(Width(client), Width(all) - 5);
-    EXPECT_EQ(Height(client), Height(all));
+    EXPECT_TRUE(ComesToHave(true, false));
     Send(TVM_DELETEITEM, 0, TVI_ROOT);
-    Settle();
-    GetClientRect(tree, &client);
-    EXPECT_EQ(Width(client), Width(all));
+    EXPECT_TRUE(ComesToHave(false, false));
 }
 
 TEST_F(TreePicture, BarsThatOnlyEachOtherNeedsGoTogether)
 {
-    RECT all{};
-    GetClientRect(tree, &all);
     const int row = Find(Yellow)->top - Find(Red)->top;
     Send(TVM_DELETEITEM, 0, TVI_ROOT);
     // The widest text that needs no bar, found by trying.
     std::u16string widest;
     for (size_t length = 1; length < 400; ++length) {
         const HTREEITEM item = Add(TVI_ROOT, std::u16string(length, u'i'), 0, 4);
-        Settle();
-        RECT client{};
-        GetClientRect(tree, &client);
+        Send(TVM_ENSUREVISIBLE, 0, item); // lays out at once
+        const bool fits = !HasBottomBar();
         Send(TVM_DELETEITEM, 0, item);
-        if (Height(client) != Height(all))
+        if (!fits)
             break;
         widest = std::u16string(length, u'i');
     }
     ASSERT_GT(widest.size(), 20u);
     Add(TVI_ROOT, widest, 0, 4);
-    for (int i = 1; i < Height(all) / row; ++i)
-        Add(TVI_ROOT, u"x", 0, 4);
-    Settle();
-    RECT client{};
-    GetClientRect(tree, &client);
-    EXPECT_EQ(Height(client), Height(all));
-    EXPECT_EQ(Width(client), Width(all));
+    HTREEITEM last = nullptr;
+    for (int i = 1; i < Height(whole) / row; ++i)
+        last = Add(TVI_ROOT, u"x", 0, 4);
+    EXPECT_FALSE(Send(TVM_ENSUREVISIBLE, 0, last));
+    EXPECT_FALSE(HasSideBar() || HasBottomBar());
     const HTREEITEM tooMuch = Add(TVI_ROOT, u"x", 0, 4);
-    Settle();
-    GetClientRect(tree, &client);
-    EXPECT_LT(Height(client), Height(all));
-    EXPECT_LT(Width(client), Width(all));
+    EXPECT_TRUE(ComesToHave(true, true));
     Send(TVM_DELETEITEM, 0, tooMuch);
-    Settle();
-    GetClientRect(tree, &client);
-    EXPECT_EQ(Height(client), Height(all));
-    EXPECT_EQ(Width(client), Width(all));
+    EXPECT_TRUE(ComesToHave(false, false));
 }
 
 TEST_F(TreePicture, NoBarThatComesUpCoversTheItemBroughtIntoView)
