@@ -212,6 +212,10 @@ protected:
         }
         const auto errors = std::count(StatusTexts().begin(), StatusTexts().end(), EnglishError);
         EXPECT_EQ(errors > 0, (row.told & Failure) != 0);
+        // What own_thread says and stores where it must not.
+        EXPECT_EQ(std::count(StatusTexts().begin(), StatusTexts().end(), u"from elsewhere"), 0);
+        u32 value = 0;
+        EXPECT_LT(frame.settings->GetUInt(TEXT("Global"), TEXT("OwnThread"), &value), 0);
     }
     /// The good picture stands centred in the view, black around it.
     static void ExpectGoodPicture(MainFrame& frame)
