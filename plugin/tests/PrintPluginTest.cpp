@@ -47,6 +47,7 @@ TEST_F(PrintPluginTest, ArgumentsArriveInTheirPlaces)
     EXPECT_EQ(Number(u"word 4"), 44u);
     EXPECT_EQ(Number(u"title"), reinterpret_cast<uintptr_t>(title));
     EXPECT_EQ(Number(u"can make"), 1u);
+    EXPECT_EQ(Number(u"knows picture"), 1u);
     EXPECT_EQ(CurrentTold().progress, (std::vector<std::pair<u32, u32>>{{1, 2}}));
     EXPECT_EQ(CurrentTold().messages, std::vector<std::u16string>{u"working"});
     EXPECT_EQ(CurrentTold().asked, std::vector<std::u16string>{u"asked"});

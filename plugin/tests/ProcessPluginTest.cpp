@@ -56,6 +56,7 @@ void ExpectImageAndTables(Raster* image)
     EXPECT_EQ(Number(u"rasters' size"), sizeof(void*) == 8 ? 136u : 68u);
     EXPECT_EQ(Number(u"palettes' size"), sizeof(void*) == 8 ? 88u : 44u);
     EXPECT_EQ(Number(u"can make"), 1u);
+    EXPECT_EQ(Number(u"knows picture"), 1u);
 }
 
 TYPED_TEST(ProcessPluginTest, ArgumentsArriveInTheirPlaces)

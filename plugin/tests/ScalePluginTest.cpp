@@ -31,6 +31,7 @@ TEST(ScalePluginTest, ArgumentsArriveInTheirPlaces)
     EXPECT_EQ(Number(u"word 1"), 9u);
     EXPECT_EQ(Number(u"word 2"), 8u);
     EXPECT_EQ(Number(u"can make"), 1u);
+    EXPECT_EQ(Number(u"knows picture"), 1u);
     EXPECT_EQ(CurrentTold().progress, (std::vector<std::pair<u32, u32>>{{1, 2}}));
     EXPECT_EQ(CurrentTold().messages, std::vector<std::u16string>{u"working"});
     EXPECT_EQ(CurrentTold().asked, std::vector<std::u16string>{u"asked"});

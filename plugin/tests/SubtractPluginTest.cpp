@@ -30,6 +30,7 @@ TEST(SubtractPluginTest, ArgumentsArriveInTheirPlaces)
     EXPECT_EQ(Number(u"palettes' size"), sizeof(void*) == 8 ? 88u : 44u);
     EXPECT_EQ(Number(u"word 1"), 0xFFFFFFFEu);
     EXPECT_EQ(Number(u"can make"), 1u);
+    EXPECT_EQ(Number(u"knows picture"), 1u);
     EXPECT_EQ(CurrentTold().progress, (std::vector<std::pair<u32, u32>>{{1, 2}}));
     EXPECT_EQ(CurrentTold().messages, std::vector<std::u16string>{u"working"});
     EXPECT_EQ(CurrentTold().asked, std::vector<std::u16string>{u"asked"});
