@@ -1,8 +1,6 @@
 // The device's idle timer. A program that works for long resets it so that the device stays awake.
-//
-// What this does: it keeps the time of the last reset and counts resets. What it does not do: it
-// speaks to no desktop and to no power manager, so the host's screen saver and suspend are not held
-// back by it. Who carries that out reads the time from here.
+// Here the time of the last reset is kept, and resets are counted for tests; whoever carries them
+// to the host's screen follows them (qt/KeepAwake).
 #pragma once
 
 #include <windows.h>
@@ -12,5 +10,9 @@ namespace tavrix::platform
 
 /// GetTickCount() at the last SystemIdleTimerReset; 0 when there was none.
 DWORD LastIdleTimerReset();
+
+/// `follower` is called behind each reset, on the thread that resets, which may be any; it must not
+/// wait. Null follows no more.
+void FollowIdleTimer(void (*follower)());
 
 } // namespace tavrix::platform

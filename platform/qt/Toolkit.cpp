@@ -4,6 +4,7 @@
 #include "platform/qt/DialogFont.h"
 #include "platform/qt/HostLoop.h"
 #include "platform/qt/Input.h"
+#include "platform/qt/KeepAwake.h"
 #include "platform/qt/Signals.h"
 
 #include <QApplication>
@@ -78,6 +79,7 @@ void EnsureToolkit()
     InstallBacking();
     InstallInput();
     WatchSignals();
+    InstallKeepAwake();
     QApplication::setFont(DialogFont());
 }
 
