@@ -100,6 +100,9 @@ public:
             return;
         cookie = answer.arguments().first().toUInt();
         stands = true;
+        // What the toolkit's bus needs is made by now, so that this runs before it is destroyed.
+        static const int registered = std::atexit(EndKeeper);
+        (void)registered;
     }
 
     void End(int answerTime)
@@ -120,9 +123,7 @@ private:
         const QString name = QStringLiteral("tavrix-keep-awake");
         QDBusConnection::disconnectFromBus(name);
         connection = QDBusConnection::connectToBus(QString::fromStdString(BusAddress()), name);
-        // What the toolkit's bus needs is made by now, so that this runs before it is destroyed.
-        static const bool willEnd = std::atexit(EndKeeper) == 0;
-        return willEnd && connection.isConnected();
+        return connection.isConnected();
     }
 
     QDBusConnection connection{QString()};
