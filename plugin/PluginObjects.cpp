@@ -118,6 +118,14 @@ i32 DestroyPluginObject(TavrixPaletteHandle handle)
     return FindAndDestroy<ColorTable>(handle);
 }
 
+u32 CountPluginObjects()
+{
+    u32 count = 0;
+    for (const Link* link = firstMade; link != nullptr; link = link->next)
+        ++count;
+    return count;
+}
+
 void DestroyPluginObjects()
 {
     lentImage = nullptr;

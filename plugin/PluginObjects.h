@@ -28,5 +28,7 @@ void LendPluginImage(Raster* image);
 /// Done; Failed for an object that was not made here or is gone already.
 [[nodiscard]] i32 DestroyPluginObject(TavrixImageHandle handle);
 [[nodiscard]] i32 DestroyPluginObject(TavrixPaletteHandle handle);
+/// How many of the objects that the running call made are left.
+[[nodiscard]] u32 CountPluginObjects();
 /// Destroys all that are left and ends the loan. Called before the heap is dropped.
 void DestroyPluginObjects();
