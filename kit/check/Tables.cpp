@@ -62,17 +62,19 @@ SlotOf<Table, Parameters...> Slot(i32 (TAVRIX_CALL* Table::*)(Parameters...));
     DO(RasterAlloc)                                                                                \
     DO(RasterFree)                                                                                 \
     DO(RasterCopy)                                                                                 \
-    DO(RasterInsertLines) DO(RasterDeleteLines) DO(RasterSwapLines) DO(RasterGetInfo)              \
-        DO(RasterLockLines) DO(RasterUnlockLines) DO(RasterGetPalette) DO(RasterSetPalette)        \
-            DO(RasterStretch) DO(RasterGetPixel) DO(RasterSetPixel)
+    DO(RasterInsertLines)                                                                          \
+    DO(RasterDeleteLines)                                                                          \
+    DO(RasterSwapLines) DO(RasterGetInfo) DO(RasterLockLines) DO(RasterUnlockLines)                \
+        DO(RasterGetPalette) DO(RasterSetPalette) DO(RasterStretch) DO(RasterGetPixel)             \
+            DO(RasterSetPixel)
 #define FOR_EACH_PALETTE_FUNCTION(DO)                                                              \
     DO(PaletteCreate)                                                                              \
     DO(PaletteDestroy)                                                                             \
     DO(PaletteAlloc)                                                                               \
     DO(PaletteFree)                                                                                \
     DO(PaletteCopy)                                                                                \
-    DO(PaletteAddEntry) DO(PaletteAddEntries) DO(PaletteSetEntries) DO(PaletteGetEntries)          \
-        DO(PaletteGetPointer)
+    DO(PaletteAddEntry)                                                                            \
+    DO(PaletteAddEntries) DO(PaletteSetEntries) DO(PaletteGetEntries) DO(PaletteGetPointer)
 
 #define NAME(function) constexpr char function##Name[] = #function;
 FOR_EACH_RASTER_FUNCTION(NAME)

@@ -28,7 +28,7 @@ const Case Cases[] = {
     {"small_identity", "identity", "\"tx_input\""},
     {"identity_0", "identity", "answers 0 with its identification"},
     {"without_work", "processing", "does not export GetImage"},
-    {"surplus", "surplus", "1 symbol that no INPUT plugin has (Helper)"},
+    {"surplus", "surplus", "1 symbol that no INPUT plugin has (Doubled)"},
     {"slow", "quick", "milliseconds from its load to its first answer"},
     {"never_unmapped", "unmapped", "stays in memory"},
     {"grows", "growth", "200 times leaves"},
