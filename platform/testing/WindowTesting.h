@@ -34,10 +34,15 @@ void Pump(DWORD milliseconds);
 /// Runs the loop until `finished` answers true, at most `milliseconds`; tells whether it did.
 bool PumpUntil(const std::function<bool()>& finished, DWORD milliseconds = 10000);
 
-/// Presses and releases the left button at a point of the device screen, through the toolkit.
-void ClickScreen(int x, int y);
+/// Presses and releases the left button at a point of the device screen, through the toolkit, with
+/// modifiers (MK_CONTROL, MK_SHIFT).
+void ClickScreen(int x, int y, int modifiers = 0);
 /// The same twice in quick succession: press, release, double click, release.
 void DoubleClickScreen(int x, int y);
+/// Presses the left button at one point and lets it go at another.
+void DragScreen(int x, int y, int toX, int toY);
+/// Gives the control with the focus a text as an input method does: composed first, then done.
+void CommitText(const std::u16string& text);
 /// Clicks the middle of a control, through the toolkit.
 void ClickControl(HWND dialog, int id);
 /// Presses and releases a key (VK_ code) with modifiers (MK_CONTROL, MK_SHIFT; alt = 0x20).

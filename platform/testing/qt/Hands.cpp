@@ -5,6 +5,7 @@
 #include "platform/qt/Window.h"
 
 #include <QApplication>
+#include <QInputMethodEvent>
 #include <QTest>
 #include <QWidget>
 #include <QWindow>
@@ -86,10 +87,19 @@ QWidget* PopupAt(QPoint onDesktop)
     return nullptr;
 }
 
-void ClickWidget(QWidget& top, QPoint at)
+void ClickWidget(QWidget& top, QPoint at, Qt::KeyboardModifiers held = Qt::NoModifier)
 {
     if (QWindow* window = top.windowHandle())
-        QTest::mouseClick(window, Qt::LeftButton, Qt::NoModifier, at);
+        QTest::mouseClick(window, Qt::LeftButton, held, at);
+}
+
+Qt::KeyboardModifiers HeldOf(int modifiers)
+{
+    Qt::KeyboardModifiers held = Qt::NoModifier;
+    held.setFlag(Qt::ControlModifier, (modifiers & MK_CONTROL) != 0);
+    held.setFlag(Qt::ShiftModifier, (modifiers & MK_SHIFT) != 0);
+    held.setFlag(Qt::AltModifier, (modifiers & AltFlag) != 0);
+    return held;
 }
 
 // A host window that has just come up becomes the active one a moment later, as on a real display,
@@ -115,14 +125,38 @@ void SendKey(QTest::KeyAction action, int virtualKey, Qt::KeyboardModifiers held
 
 } // namespace
 
-void ClickScreen(int x, int y)
+void ClickScreen(int x, int y, int modifiers)
 {
     QWidget* screen = platform::ScreenWidget();
     const QPoint onDesktop = screen->mapToGlobal(QPoint(x, y));
     if (QWidget* popup = PopupAt(onDesktop))
-        ClickWidget(*popup, popup->mapFromGlobal(onDesktop));
+        ClickWidget(*popup, popup->mapFromGlobal(onDesktop), HeldOf(modifiers));
     else
-        ClickWidget(*screen, QPoint(x, y));
+        ClickWidget(*screen, QPoint(x, y), HeldOf(modifiers));
+}
+
+void DragScreen(int x, int y, int toX, int toY)
+{
+    QWindow* window = platform::ScreenWidget()->windowHandle();
+    if (window == nullptr)
+        return;
+    QTest::mousePress(window, Qt::LeftButton, Qt::NoModifier, QPoint(x, y));
+    QTest::mouseMove(window, QPoint((x + toX) / 2, (y + toY) / 2));
+    QTest::mouseMove(window, QPoint(toX, toY));
+    QTest::mouseRelease(window, Qt::LeftButton, Qt::NoModifier, QPoint(toX, toY));
+}
+
+void CommitText(const std::u16string& text)
+{
+    AwaitActivation();
+    QObject* focus = QGuiApplication::focusObject();
+    if (focus == nullptr)
+        return;
+    QInputMethodEvent composed(QString::fromStdU16String(text), {});
+    QCoreApplication::sendEvent(focus, &composed);
+    QInputMethodEvent done;
+    done.setCommitString(QString::fromStdU16String(text));
+    QCoreApplication::sendEvent(focus, &done);
 }
 
 void DoubleClickScreen(int x, int y)
@@ -142,14 +176,7 @@ void ClickControl(HWND dialog, int id)
 
 void TypeKey(int virtualKey, int modifiers)
 {
-    Qt::KeyboardModifiers held = Qt::NoModifier;
-    if ((modifiers & MK_CONTROL) != 0)
-        held |= Qt::ControlModifier;
-    if ((modifiers & MK_SHIFT) != 0)
-        held |= Qt::ShiftModifier;
-    if ((modifiers & AltFlag) != 0)
-        held |= Qt::AltModifier;
-    SendKey(QTest::Click, virtualKey, held);
+    SendKey(QTest::Click, virtualKey, HeldOf(modifiers));
 }
 
 void HoldKey(int virtualKey, bool down)
