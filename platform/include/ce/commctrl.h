@@ -207,11 +207,33 @@ typedef struct tagNMLISTVIEW
     LPARAM lParam;
 } NMLISTVIEW;
 
+// What NM_CLICK and NM_DBLCLK of a list come with.
+typedef struct tagNMITEMACTIVATE
+{
+    NMHDR hdr;
+    int iItem;
+    int iSubItem;
+    UINT uNewState;
+    UINT uOldState;
+    UINT uChanged;
+    POINT ptAction;
+    LPARAM lParam;
+    UINT uKeyFlags;
+} NMITEMACTIVATE;
+
+#define LVKF_ALT 1u
+#define LVKF_CONTROL 2u
+#define LVKF_SHIFT 4u
+
 typedef int(CALLBACK* PFNLVCOMPARE)(LPARAM first, LPARAM second, LPARAM sort);
 
 #define LVNI_ALL 0u
 #define LVNI_FOCUSED 1u
 #define LVNI_SELECTED 2u
+
+#define LVIR_BOUNDS 0
+#define LVIR_ICON 1
+#define LVIR_LABEL 2
 
 #define LVSIL_NORMAL 0
 #define LVSIL_SMALL 1
@@ -221,6 +243,7 @@ typedef int(CALLBACK* PFNLVCOMPARE)(LPARAM first, LPARAM second, LPARAM sort);
 #define LVM_DELETEITEM 0x1008
 #define LVM_DELETEALLITEMS 0x1009
 #define LVM_GETNEXTITEM 0x100C
+#define LVM_GETITEMRECT 0x100E
 #define LVM_ENSUREVISIBLE 0x1013
 #define LVM_GETCOLUMNWIDTH 0x101D
 #define LVM_SETITEMSTATE 0x102B
