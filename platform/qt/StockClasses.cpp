@@ -19,6 +19,7 @@ void RegisterStockClasses()
     RegisterStockClass(TEXT("BUTTON"), ButtonProcedure, MakeButtonWidget);
     RegisterStockClass(TEXT("msctls_progress32"), ProgressProcedure, MakeProgressWidget);
     RegisterStockClass(WC_TREEVIEWW, TreeProcedure, MakeTreeWidget);
+    RegisterStockClass(TEXT("EDIT"), EditProcedure, MakeEditWidget);
     RegisterStockClass(WC_LISTVIEWW, ListProcedure, MakeListWidget);
     RegisterStockClass(CommandBarClassName, CommandBarProcedure, MakeCommandBarWidget);
 }

@@ -24,6 +24,8 @@ LRESULT CALLBACK ProgressProcedure(HWND window, UINT message, WPARAM wParam, LPA
 QWidget* MakeProgressWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK TreeProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 QWidget* MakeTreeWidget(Window& window, QWidget* parent);
+LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+QWidget* MakeEditWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 QWidget* MakeListWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK CommandBarProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
