@@ -3,7 +3,6 @@
 #include "platform/core/KeyState.h"
 #include "platform/core/MessageQueue.h"
 #include "platform/qt/Input.h"
-#include "platform/qt/KeyCodes.h"
 #include "platform/qt/Window.h"
 
 #include <QCoreApplication>
@@ -97,19 +96,10 @@ void SendPointer(HWND handle, QWidget* target, QMouseEvent* event)
 
 void SendKey(HWND handle, QWidget* target, QKeyEvent* event)
 {
-    constexpr LPARAM WasDown = 1u << 30;
-    constexpr LPARAM GoesUp = 1u << 31;
-    constexpr LPARAM AltHeld = 1u << 29;
-    const bool up = event->type() == QEvent::KeyRelease;
-    // Some hosts send a release before each repetition; the key is not up.
-    if (up && event->isAutoRepeat())
+    MSG made;
+    if (!MakeKeyMessage(handle, *event, &made))
         return;
-    const int key = VirtualKeyOf(*event);
-    const bool alt = (event->modifiers() & Qt::AltModifier) != 0;
-    Travelling now{handle, target, event, 0, static_cast<WPARAM>(key), 1};
-    now.message = up ? (alt ? WM_SYSKEYUP : WM_KEYUP) : (alt ? WM_SYSKEYDOWN : WM_KEYDOWN);
-    now.lParam |= up ? WasDown | GoesUp : event->isAutoRepeat() ? WasDown : 0;
-    now.lParam |= alt ? AltHeld : 0;
+    Travelling now{handle, target, event, made.message, made.wParam, made.lParam};
     const ScopedTravel travel(now);
     const unsigned flags = ModifierFlags(event->modifiers(), QGuiApplication::mouseButtons());
     NoteMessageKeys(now.message, now.wParam, flags);
