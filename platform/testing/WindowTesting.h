@@ -39,6 +39,8 @@ bool PumpUntil(const std::function<bool()>& finished, DWORD milliseconds = 10000
 void ClickScreen(int x, int y, int modifiers = 0);
 /// The same twice in quick succession: press, release, double click, release.
 void DoubleClickScreen(int x, int y);
+/// Presses and releases the right button there.
+void RightClickScreen(int x, int y);
 /// Presses the left button at one point and lets it go at another.
 void DragScreen(int x, int y, int toX, int toY);
 /// Gives the control with the focus a text as an input method does: composed first, then done.

@@ -135,6 +135,12 @@ void ClickScreen(int x, int y, int modifiers)
         ClickWidget(*screen, QPoint(x, y), HeldOf(modifiers));
 }
 
+void RightClickScreen(int x, int y)
+{
+    if (QWindow* window = platform::ScreenWidget()->windowHandle())
+        QTest::mouseClick(window, Qt::RightButton, Qt::NoModifier, QPoint(x, y));
+}
+
 void DragScreen(int x, int y, int toX, int toY)
 {
     QWindow* window = platform::ScreenWidget()->windowHandle();

@@ -1,4 +1,5 @@
 #include "platform/testing/WindowTesting.h"
+#include "platform/tests/qt/ControlResources.h"
 #include "platform/tests/qt/TestWindow.h"
 
 #include <gtest/gtest.h>
@@ -403,9 +404,10 @@ TEST_F(EditControl, TheRightButtonOpensNothing)
         codes.clear();
         Make(style, TEXT("text"));
         SetFocus(edit);
-        TypeKey(0x5D); // the menu key
-        Send(WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(20, 10));
-        Send(WM_RBUTTONUP, 0, MAKELPARAM(20, 10));
+        RECT place{};
+        GetWindowRect(edit, &place);
+        RightClickScreen(place.left + 20, place.top + 10);
+        RightClickScreen(place.right - 8, place.top + 40); // where the one has its scroll bar
         Pump(20);
         TypeKey('A');
         EXPECT_EQ(Text().size(), 5u) << "the keyboard is still the field's";
@@ -504,4 +506,43 @@ TEST_F(EditControl, TheParentMayEndTheControlInAnyHandler)
         }
     }
     EXPECT_EQ(Send(EM_GETSEL), 0) << "a stale handle";
+}
+
+namespace
+{
+
+INT_PTR CALLBACK DialogProcedure(HWND, UINT message, WPARAM, LPARAM)
+{
+    return message == WM_INITDIALOG;
+}
+
+} // namespace
+
+TEST_F(EditControl, TemplatesMakeEditFieldsAndListsByNumberAndByName)
+{
+    const HWND dialog = CreateDialogIndirectParamW(ControlResources(), DialogResource(202), nullptr,
+                                                   DialogProcedure, 0);
+    ASSERT_NE(dialog, nullptr);
+    ShowWindow(dialog, SW_SHOW);
+    Pump(20);
+    WCHAR name[32];
+    for (const int id : {1083, 1002, 1003}) {
+        GetClassNameW(GetDlgItem(dialog, id), name, 32);
+        EXPECT_EQ(std::u16string(name), u"EDIT") << id;
+    }
+    GetClassNameW(GetDlgItem(dialog, 1081), name, 32);
+    EXPECT_EQ(std::u16string(name), u"SysListView32");
+    EXPECT_EQ(ControlText(dialog, 1002), u"name");
+    SetFocus(GetDlgItem(dialog, 1003));
+    for (const int key : {'1', 'A', '2'})
+        TypeKey(key);
+    EXPECT_EQ(ControlText(dialog, 1003), u"12");
+    TypeKey(VK_TAB);
+    EXPECT_EQ(GetDlgCtrlID(GetFocus()), 1081) << "Tab goes on to the first control";
+    SetDlgItemTextW(dialog, 1083, TEXT("説明\r\nline"));
+    EXPECT_EQ(SendDlgItemMessageW(dialog, 1083, EM_GETLINECOUNT, 0, 0), 2);
+    SetFocus(GetDlgItem(dialog, 1083));
+    TypeKey('A');
+    EXPECT_EQ(ControlText(dialog, 1083), u"説明\r\nline");
+    DestroyWindow(dialog);
 }
