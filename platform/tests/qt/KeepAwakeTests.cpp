@@ -196,14 +196,16 @@ TEST_F(KeepAwake, TheEndOfTheProcessReleasesIt)
     const pid_t child = fork();
     if (child == 0) {
         // A process of its own that ends as programs do.
+        char sign = 0;
+        (void)!read(go[0], &sign, 1); // the screen saver is there
         tavrix::platform::ScreenWidget();
         SystemIdleTimerReset();
-        char sign = 0;
         (void)!read(go[0], &sign, 1);
         std::exit(0);
     }
     tavrix::platform::ScreenWidget();
     ScreenSaver saver(bus.line);
+    (void)!write(go[1], "x", 1);
     EXPECT_TRUE(PumpUntil([&] { return !saver.told.empty(); }));
     Pump(200);
     EXPECT_EQ(saver.told, Told{"Inhibitss"});
