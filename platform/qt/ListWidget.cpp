@@ -33,7 +33,7 @@ QString TextOf(const ListCell* cell)
 } // namespace
 
 ListWidget::ListWidget(HWND handle, std::shared_ptr<ListState> shown, bool framed, QWidget* parent)
-    : QAbstractScrollArea(parent), window(handle), state(std::move(shown)),
+    : QAbstractScrollArea(parent), state(std::move(shown)),
       header(new ListHeader(handle, state, this))
 {
     setFont(DialogFont());

@@ -73,7 +73,6 @@ private:
     void PaintRow(QPainter& painter, int row);
     void PaintSubItems(QPainter& painter, int row, const QRect& cell);
 
-    HWND window;
     std::shared_ptr<ListState> state;
     ListHeader* header;
     ListLayout places;
