@@ -9,12 +9,29 @@ else()
   find_package(GTest REQUIRED)
 endif()
 
-# What a test that starts a program of the build puts in front of it: nothing, or the emulator, as
-# the first initializers of an array of texts.
-set(TAVRIX_TEST_EMULATOR "")
+# Where sources and build lie, and what a test that starts a program of the build puts in front of
+# it: nothing, or the emulator, as the first initializers of an array of texts. In a header of its
+# own, so that the tests that do not ask compile to the same bytes in every checkout, which is what
+# lets a compiler cache serve them.
+set(emulator "")
 foreach(word ${CMAKE_CROSSCOMPILING_EMULATOR})
-  string(APPEND TAVRIX_TEST_EMULATOR "\"${word}\",")
+  string(APPEND emulator "\"${word}\",")
 endforeach()
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/generated/TestPaths.h CONTENT "\
+// Made by the build: where things lie.
+#pragma once
+
+#define TAVRIX_SOURCE_DIR \"@CMAKE_SOURCE_DIR@\"
+#define TAVRIX_BINARY_DIR \"@CMAKE_BINARY_DIR@\"
+#define TAVRIX_TEST_EMULATOR @emulator@
+" @ONLY)
+
+# Tests are compiled for a quick build: not optimised, and with lines alone for the debugger. What
+# they test is built as its preset says. Under the emulator they would run too long that way.
+set(TAVRIX_TEST_OPTIONS $<$<NOT:$<CONFIG:Release>>:-g1>)
+if(NOT CMAKE_CROSSCOMPILING)
+  list(APPEND TAVRIX_TEST_OPTIONS -O0)
+endif()
 
 set(TAVRIX_STRICT_OPTIONS -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 
@@ -55,14 +72,12 @@ function(tavrix_tests name)
     set(ARG_TIMEOUT 120)
   endif()
   add_executable(${name} ${ARG_SOURCES})
-  target_compile_options(${name} PRIVATE -Wall -Wextra -Wshadow)
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Wshadow ${TAVRIX_TEST_OPTIONS})
   if(NOT ARG_RTTI)
     target_compile_options(${name} PRIVATE -fno-rtti)
   endif()
-  target_compile_definitions(${name} PRIVATE TAVRIX_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
-                             TAVRIX_BINARY_DIR="${CMAKE_BINARY_DIR}"
-                             "TAVRIX_TEST_EMULATOR=${TAVRIX_TEST_EMULATOR}" ${ARG_DEFINITIONS})
-  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 NO_PRETTY_TYPES

@@ -1,6 +1,7 @@
 #include "platform/qt/ImageLists.h"
 
 #include "platform/qt/Icons.h"
+#include "platform/qt/Toolkit.h"
 
 #include <QIcon>
 
@@ -100,6 +101,7 @@ int WINAPI ImageList_ReplaceIcon(HIMAGELIST list, int index, HICON icon)
         SetLastError(ERROR_INVALID_HANDLE);
         return -1;
     }
+    EnsureToolkit(); // the toolkit's pictures need it, and a list may be filled before any window
     const int count = static_cast<int>(found->pictures.size());
     const bool known = index == Append || (index >= 0 && index < count);
     QPixmap picture = known ? PictureOf(icon, found->size) : QPixmap();

@@ -16,6 +16,8 @@
 #include <utility>
 #include <vector>
 
+#include <TestPaths.h>
+
 namespace plugintest
 {
 

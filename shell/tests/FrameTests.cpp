@@ -12,6 +12,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 
 namespace

@@ -13,6 +13,8 @@
 #include <fstream>
 #include <memory>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 
 namespace

@@ -16,6 +16,8 @@
 #include <fstream>
 #include <functional>
 
+#include <TestPaths.h>
+
 namespace jobtest
 {
 

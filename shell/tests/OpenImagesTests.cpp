@@ -9,6 +9,8 @@
 
 #include <fstream>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 
 namespace

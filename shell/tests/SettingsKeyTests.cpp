@@ -11,6 +11,8 @@
 #include <fstream>
 #include <iterator>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 
 namespace

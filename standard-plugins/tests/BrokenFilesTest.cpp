@@ -12,6 +12,8 @@
 #include <iterator>
 #include <set>
 
+#include <TestPaths.h>
+
 using plugintest::ByteStream;
 using plugintest::Canvas;
 using plugintest::CurrentHost;

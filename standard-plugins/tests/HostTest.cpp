@@ -14,6 +14,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <TestPaths.h>
+
 using plugintest::MakeJpeg;
 using plugintest::MakePng;
 

@@ -7,6 +7,8 @@
 #include <array>
 #include <cstdio>
 
+#include <TestPaths.h>
+
 using plugintest::ByteStream;
 using plugintest::Canvas;
 using plugintest::IsMapped;

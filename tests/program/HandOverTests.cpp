@@ -17,6 +17,8 @@
 #include <sstream>
 #include <unistd.h>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
 

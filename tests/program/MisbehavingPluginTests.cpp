@@ -13,6 +13,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
 

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 
 namespace

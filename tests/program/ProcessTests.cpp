@@ -13,6 +13,8 @@
 #include <fstream>
 #include <regex>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
 

@@ -17,6 +17,8 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
+
+#include <TestPaths.h>
 #endif
 
 using namespace tavrix::testing;

@@ -17,6 +17,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <TestPaths.h>
+
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
 

@@ -9,6 +9,8 @@
 
 #include <filesystem>
 
+#include <TestPaths.h>
+
 namespace tavrix::testing
 {
 

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include <TestPaths.h>
+
 namespace checktest
 {
 

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <TestPaths.h>
+
 using namespace checktest;
 
 namespace

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <csignal>
 
+#include <TestPaths.h>
+
 using namespace checktest;
 
 namespace

@@ -13,6 +13,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <TestPaths.h>
+
 extern char** environ;
 
 void Tell(const std::string& line)

@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 #include <fstream>
 
+#include <TestPaths.h>
+
 namespace plugintest
 {
 
