@@ -29,6 +29,7 @@ LRESULT MainFrame::OnCreate(const CREATESTRUCTW* record)
 
     CreateCommandBar();
     ScanPlugins();
+    BuildPluginMenus();
     ReadColors();
     ReadToolWindows();
     FetchMenus();

@@ -238,7 +238,7 @@ TEST(Frame, EverySubmenuIsTakenByItsPosition)
     InstallQuick();
     RunProgram(u"", [](MainFrame& frame) {
         frame.FetchMenus();
-        // The first entry of each, a popup's being -1.
+        // The first entry of each, a popup's being -1 and Open As having the plugin.
         const struct {
             HMENU menu;
             UINT first;
@@ -246,7 +246,7 @@ TEST(Frame, EverySubmenuIsTakenByItsPosition)
             {frame.fileMenu, 40017},        {frame.editMenu, 40205},
             {frame.toolsMenu, 40125},       {frame.imageMenu, 0xFFFFFFFF},
             {frame.infoMenu, 205},          {frame.displayMenu, 0xFFFFFFFF},
-            {frame.openMenu, 40003},        {frame.openAsMenu, 40014},
+            {frame.openMenu, 40003},        {frame.openAsMenu, 41000},
             {frame.saveMenu, 40004},        {frame.saveAsMenu, 40014},
             {frame.streamMenu, 40014},      {frame.printMenu, 40014},
             {frame.copyMenu, 40036},        {frame.pasteMenu, 40037},

@@ -61,11 +61,20 @@ void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD)
 
 void InstallPlugin(const std::string& library, const std::string& kind)
 {
+    InstallPluginAs(library, kind, std::filesystem::path(library).filename());
+}
+
+void InstallPluginAs(const std::string& library, const std::string& kind, const std::string& file)
+{
     namespace fs = std::filesystem;
     const fs::path folder = fs::path(TestHome()) / "data" / "tavrix" / "PLUGINS" / kind;
     fs::create_directories(folder);
-    fs::copy_file(library, folder / fs::path(library).filename(),
-                  fs::copy_options::overwrite_existing);
+    fs::copy_file(library, folder / file, fs::copy_options::overwrite_existing);
+}
+
+void InstallLabelled(const std::string& kind, const std::string& label)
+{
+    InstallPluginAs(TAVRIX_BINARY_DIR "/tests/shell-fixtures/labelled.dll", kind, label + ".dll");
 }
 
 void InstallBundledPlugins()

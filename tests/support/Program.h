@@ -13,6 +13,10 @@ namespace tavrix::testing
 
 /// Puts a plugin library into the user's own plugin folder of a kind, where the program finds it.
 void InstallPlugin(const std::string& library, const std::string& kind = "INPUT");
+/// The same under another file name.
+void InstallPluginAs(const std::string& library, const std::string& kind, const std::string& file);
+/// A plugin of the fixture labelled.c, whose file name says what it answers: without the ".dll".
+void InstallLabelled(const std::string& kind, const std::string& label);
 /// The bundled INPUT plugins.
 void InstallBundledPlugins();
 
