@@ -23,6 +23,17 @@ int Height(const RECT& rectangle)
     return rectangle.bottom - rectangle.top;
 }
 
+constexpr DWORD CentredStyle = 0x800; // DS_CENTER, which templates alone name
+
+/// The template's, or the middle of the screen where the template asks for it.
+POINT CornerOf(const DialogPlan& plan, const SIZE& size)
+{
+    if ((plan.style & CentredStyle) == 0)
+        return plan.corner;
+    return {std::max<LONG>(0, (GetSystemMetrics(SM_CXSCREEN) - size.cx) / 2),
+            std::max<LONG>(0, (GetSystemMetrics(SM_CYSCREEN) - size.cy) / 2)};
+}
+
 bool KnowsAllClasses(const DialogPlan& plan)
 {
     return std::all_of(plan.controls.begin(), plan.controls.end(),
@@ -92,10 +103,12 @@ HWND BuildDialog(const DialogPlan& plan, HINSTANCE instance, HWND owner, DLGPROC
         return nullptr;
 
     const QMargins frame = DialogFrame(plan.style);
-    const HWND dialog = CreateWindowExW(
-        plan.extendedStyle, DialogClassName, plan.title.c_str(), plan.style & ~WS_VISIBLE,
-        plan.corner.x, plan.corner.y, plan.client.cx + frame.left() + frame.right(),
-        plan.client.cy + frame.top() + frame.bottom(), owner, nullptr, instance, nullptr);
+    const SIZE size = {plan.client.cx + frame.left() + frame.right(),
+                       plan.client.cy + frame.top() + frame.bottom()};
+    const POINT corner = CornerOf(plan, size);
+    const HWND dialog = CreateWindowExW(plan.extendedStyle, DialogClassName, plan.title.c_str(),
+                                        plan.style & ~WS_VISIBLE, corner.x, corner.y, size.cx,
+                                        size.cy, owner, nullptr, instance, nullptr);
     Window* window = FindWindowRecord(dialog);
     if (window == nullptr)
         return nullptr;

@@ -381,6 +381,31 @@ TEST_F(Dialogs, APositionIsCountedFromTheOwnersClientArea)
     DestroyWindow(off);
 }
 
+TEST_F(Dialogs, ADialogThatAsksForItLiesInTheMiddleOfTheScreenWhereverItsOwnerIs)
+{
+    owner = CreateWindowExW(0, TEXT("DialogTestOwner"), TEXT("owner"), WS_VISIBLE, 30, 40, 300, 200,
+                            nullptr, nullptr, nullptr, nullptr);
+    const HWND dialog =
+        CreateDialogIndirectParamW(ControlResources(), DialogResource(203), owner, Procedure, 0);
+    RECT place{};
+    GetWindowRect(dialog, &place);
+    EXPECT_GT(place.right - place.left, 100);
+    EXPECT_EQ(place.left, (640 - (place.right - place.left)) / 2);
+    EXPECT_EQ(place.top, (480 - (place.bottom - place.top)) / 2);
+    DestroyWindow(dialog);
+}
+
+TEST_F(Dialogs, OneThatIsWiderThanTheScreenBeginsAtItsEdge)
+{
+    const HWND dialog =
+        CreateDialogIndirectParamW(ControlResources(), DialogResource(204), nullptr, Procedure, 0);
+    RECT place{};
+    GetWindowRect(dialog, &place);
+    ASSERT_GT(place.right - place.left, 640);
+    EXPECT_EQ(place.left, 0);
+    DestroyWindow(dialog);
+}
+
 TEST_F(Dialogs, TheCaptionStandsAboveTheClientArea)
 {
     const HWND captioned =
