@@ -5,4 +5,19 @@
 
 #include "kit/include/tavrix/resource.h"
 
+#define DS_CENTER 0x800L
+
+#define ES_MULTILINE 0x4L
+#define ES_AUTOVSCROLL 0x40L
+#define ES_READONLY 0x800L
+
+#define TVS_HASBUTTONS 0x1L
+#define TVS_HASLINES 0x2L
+#define TVS_LINESATROOT 0x4L
+#define TVS_SHOWSELALWAYS 0x20L
+
+#define LVS_REPORT 0x1L
+#define LVS_SINGLESEL 0x4L
+#define LVS_NOSORTHEADER 0x8000L
+
 #endif

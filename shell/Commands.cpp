@@ -36,6 +36,11 @@ void Screen(MainFrame& frame, u32 id)
     frame.SetMonoScreen(id == CommandScreenMono ? 1 : 0);
 }
 
+void ShowPlugins(MainFrame& frame, u32)
+{
+    frame.ShowPlugins();
+}
+
 struct Command {
     u32 id;
     void (*run)(MainFrame& frame, u32 id);
@@ -43,6 +48,7 @@ struct Command {
 
 constexpr Command commands[] = {
     {CommandExit, Exit},
+    {CommandPluginsInfo, ShowPlugins},
     {CommandInitializeView, Initialize},
     {CommandZoom25, Zoom},
     {CommandZoom50, Zoom},

@@ -1,7 +1,8 @@
-// The plugins before the user: their entries in the menus.
+// The plugins before the user: their entries in the menus, and the dialog that tells about them.
 
 #include "resources/Ids.h"
 #include "shell/MainFrame.h"
+#include "view/PluginInformation.h"
 
 namespace
 {
@@ -50,4 +51,15 @@ void MainFrame::BuildPluginMenus()
         if (AppendNames(popup, *(this->*menu.names), menu.firstId, menu.flags) > 0)
             DeleteMenu(popup, menu.placeholder, MF_BYCOMMAND);
     }
+}
+
+void MainFrame::ShowPlugins()
+{
+    const PluginInformationHosts hosts = {{inputPlugins, outputPlugins, effectPlugins,
+                                           adjustPlugins, scalePlugins, subtractPlugins,
+                                           printPlugins}};
+    // The dialog loads a plugin at every selection. A picture that is handed over meanwhile would
+    // load another into the same host.
+    const ScopedHold hold(this);
+    (void)ShowPluginInformation(window, instance, hosts);
 }
