@@ -6,6 +6,7 @@
 #include "tests/support/TestPicture.h"
 
 #include <commctrl.h>
+#include <TestPaths.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -7,6 +7,7 @@
 #include "tests/support/Apart.h"
 #include "tests/support/Program.h"
 
+#include <TestPaths.h>
 #include <gtest/gtest.h>
 
 #include <deque>
@@ -17,8 +18,6 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>
-
-#include <TestPaths.h>
 #endif
 
 using namespace tavrix::testing;
