@@ -74,6 +74,10 @@ TEST(ManyLoads, TenThousandUsesOfAPluginTakeNoMoreThanOne)
     if (IsWatched)
         return;
     EXPECT_EQ(after.mappings, before.mappings);
+    // What an emulator keeps of the code that it translated at each load counts as the process's.
+    const std::vector<std::string> emulator = {TAVRIX_TEST_EMULATOR};
+    if (!emulator.empty())
+        return;
     // Less than 7 bytes a use; one forgotten block of the smallest size would be 32.
     EXPECT_LT(after.residentBytes, before.residentBytes + 65536)
         << "of " << before.residentBytes << " bytes";
