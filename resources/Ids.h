@@ -9,7 +9,21 @@
 #define MenuEnglish 110
 #define MenuJapanese 111
 #define IconApplication 115
+#define IconParentFolder 116
 #define IconPluginGroup 117
+#define IconFile 118
+#define IconFileProperty 119
+#define DialogBrushJapanese 118
+#define DialogBrushEnglish 119
+#define DialogColorsJapanese 120
+#define DialogColorsEnglish 121
+#define BinaryMarkers 124
+#define DialogToolbox 128
+#define BitmapToolboxTitle 130
+#define BinaryTools 135
+#define BitmapToolSettings 138
+#define DialogColorbox 143
+#define BitmapColorboxTitle 145
 #define DialogPluginInformation 164
 #define IconPlugin 165
 
@@ -24,6 +38,32 @@
 #define ControlPluginTree 1080
 #define ControlPluginList 1081
 #define ControlPluginDescription 1083
+
+/* Controls of the toolbox and the colorbox. */
+#define ControlToolTitle 1048
+#define ControlToolSettings 1049
+#define ControlBackgroundSwatch 1052
+#define ControlFaceSwatch 1053
+
+/* Controls of the brush settings. */
+#define ControlBrushRedo 3
+#define ControlBrushStrength 1053
+#define ControlBrushRadius 1054
+#define ControlBrushDiffusion 1055
+#define ControlBrushPreview 1079
+
+/* Controls of the colour chooser. */
+#define ControlColorRedo 3
+#define ControlColorSwatch 1037
+#define ControlColorRgb 1070
+#define ControlColorHsb 1071
+#define ControlColorCmyk 1072
+#define ControlRedNumber 1073
+#define ControlGreenNumber 1074
+#define ControlBlueNumber 1075
+#define ControlRedBar 1200
+#define ControlGreenBar 1201
+#define ControlBlueBar 1202
 
 /* The command bar's own id. */
 #define ControlCommandBar 1

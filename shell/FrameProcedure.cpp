@@ -32,13 +32,27 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
         return 0;
     case WM_COMMAND:
         return frame->OnCommand(HIWORD(wParam), LOWORD(wParam), reinterpret_cast<HWND>(lParam));
+    case WM_LBUTTONDOWN:
+        frame->OnLButtonDown(static_cast<u32>(wParam), lParam);
+        return 0;
+    case WM_LBUTTONUP:
+        frame->OnLButtonUp(static_cast<u32>(wParam), lParam);
+        return 0;
+    case WM_MOUSEMOVE:
+        frame->OnMouseMove(static_cast<u32>(wParam), lParam);
+        return 0;
+    case WM_SIZE:
+        frame->OnSize(static_cast<u32>(wParam), LOWORD(lParam), HIWORD(lParam));
+        return 0;
     case WM_CLOSE:
         frame->OnClose();
         return 0;
-    case WM_SIZE: // the size is taken from the screen once, at creation
-        return 0;
+    case WM_TIMER:
+        return frame->OnTimer(static_cast<u32>(wParam));
     case WM_CTLCOLORSTATIC:
-        return 0;
+        return frame->OnCtlColorStatic();
+    case WM_NOTIFY:
+        return frame->OnNotify();
     case WM_COPYDATA:
         return frame->OnCopyData(reinterpret_cast<HWND>(wParam),
                                  reinterpret_cast<const COPYDATASTRUCT*>(lParam));
@@ -47,6 +61,27 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wParam, L
     default:
         return DefWindowProcW(window, message, wParam, lParam);
     }
+}
+
+void MainFrame::OnSize(u32, i32, i32) {}
+
+LRESULT MainFrame::OnTimer(u32 id)
+{
+    if (id == ClipboardTimer)
+        PollClipboard();
+    return 0;
+}
+
+LRESULT MainFrame::OnCtlColorStatic()
+{
+    return 0;
+}
+
+LRESULT MainFrame::OnNotify()
+{
+    BringWindowToTop(window);
+    SetForegroundWindow(window);
+    return 0;
 }
 
 LRESULT MainFrame::OnGetInstance()

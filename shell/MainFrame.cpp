@@ -28,6 +28,8 @@ MainFrame::MainFrame()
     openedPath = MakePathBuffer();
     savedPath = MakePathBuffer();
     image = new (std::nothrow) Raster(&allocator);
+    sprites = new (std::nothrow) Raster(&allocator);
+    brush = new (std::nothrow) Brush(&allocator);
 
     inputPlugins = new (std::nothrow) InputPlugin(&allocator);
     outputPlugins = new (std::nothrow) OutputPlugin(&allocator);
@@ -59,6 +61,8 @@ MainFrame::~MainFrame()
     free(openedPath);
     free(savedPath);
     delete image;
+    delete sprites;
+    delete brush;
 
     delete inputPlugins;
     delete outputPlugins;
@@ -79,16 +83,18 @@ MainFrame::~MainFrame()
     delete subtractNames;
     delete printNames;
 
+    // The clip, the work copy and their allocators go with the process.
     mainFrame = nullptr;
 }
 
 bool MainFrame::IsWhole() const
 {
     const void* const parts[] = {
-        openedPath,      savedPath,        image,         inputPlugins, outputPlugins,
-        printPlugins,    effectPlugins,    adjustPlugins, scalePlugins, subtractPlugins,
-        inputExtensions, outputExtensions, inputNames,    outputNames,  effectNames,
-        adjustNames,     scaleNames,       subtractNames, printNames,   settings,
+        openedPath,   savedPath,       image,           sprites,          brush,
+        inputPlugins, outputPlugins,   printPlugins,    effectPlugins,    adjustPlugins,
+        scalePlugins, subtractPlugins, inputExtensions, outputExtensions, inputNames,
+        outputNames,  effectNames,     adjustNames,     scaleNames,       subtractNames,
+        printNames,   settings,
     };
     for (const void* part : parts)
         if (part == nullptr)

@@ -13,6 +13,7 @@
 
 #include "foundation/Allocator.h"
 #include "image/Raster.h"
+#include "pixel/Brush.h"
 #include "pixel/ScreenSurface.h"
 #include "plugin/AdjustPlugin.h"
 #include "plugin/EffectPlugin.h"
@@ -24,6 +25,7 @@
 #include "plugin/SubtractPlugin.h"
 #include "settings/SettingsFile.h"
 #include "shell/HandOver.h"
+#include "view/ColorChooser.h"
 
 #include <windows.h>
 
@@ -48,7 +50,19 @@ public:
     virtual LRESULT OnCreate(const CREATESTRUCTW* record);
     virtual void OnPaint();
     virtual LRESULT OnCommand(u32 notifyCode, u32 id, HWND control);
+    /// The pen (view/Tools.cpp): MK_ flags, and the point in the window, x in the low word and y in
+    /// the high one, both signed.
+    virtual void OnLButtonDown(u32 keys, LPARAM packedPoint);
+    virtual void OnLButtonUp(u32 keys, LPARAM packedPoint);
+    virtual void OnMouseMove(u32 keys, LPARAM packedPoint);
+    /// Nothing: the window's size is taken from the screen once, at creation.
+    virtual void OnSize(u32 kind, i32 width, i32 height);
     virtual void OnClose();
+    /// Timer 2 polls the clipboard (shell/ClipboardPoll.cpp); there is no other.
+    virtual LRESULT OnTimer(u32 id);
+    virtual LRESULT OnCtlColorStatic();
+    /// Brings the main window to the front. Always 0.
+    virtual LRESULT OnNotify();
     /// The hand-over of a second start (shell/HandOver.cpp): writes LastCommandLine and opens the
     /// record's text, both at once or when the flow under way has ended. Always 1. Never reads
     /// beyond the record's count; without data it opens nothing.
@@ -65,6 +79,34 @@ public:
     void UpdateDitherCheck();
     void UpdateScreenChecks();
     void UpdateWindowChecks();
+
+    /// The clipboard's offer has changed, or not: grays or enables what depends on it
+    /// (shell/ClipboardPoll.cpp).
+    void PollClipboard();
+    /// Empties the clipboard, if it offers a picture.
+    void ClearClipboard();
+    /// Gives the memory clip up.
+    void ClearMemory();
+    /// Starts the sibling viewer on the current file (shell/LaunchViewer.cpp).
+    void LaunchViewer();
+
+    // The entries of plugins, by their position in the menu.
+    void Effect(u32 position); // shell/ProcessImages.cpp
+    void Adjust(u32 position);
+
+    // Undo and the work copy (shell/Undo.cpp, CopySelection.cpp).
+    /// Puts the snapshot back and gives it up. Does nothing to the picture unless the menu entry is
+    /// enabled and the snapshot is whole; grays the entry either way.
+    void Undo();
+    /// Takes `raster` as what Undo brings back, at (x, y), or for -1, -1 in place of the whole
+    /// picture; only where undoing is enabled. A snapshot that fails is no reason to stop.
+    void TakeUndo(Raster* raster, i32 x, i32 y);
+    /// Makes `workImage` a 24-bit copy of the selection, after the question about memory where it
+    /// is short. NothingDone without a selection, when the answer is not Yes, or when there is no
+    /// memory, which it tells. The caller drops the copy.
+    i32 CopySelection();
+    /// Drops the work copy and its allocator, if there are any.
+    void DropWorkImage();
 
     // Plugins before the user (shell/PluginMenus.cpp).
     /// Puts the plugins' names into their menus, in place of the entries that stand for none. Once,
@@ -85,6 +127,16 @@ public:
     /// The plugin of the first format whose patterns hold the path's extension. NothingDone when
     /// there is no extension or no such format.
     [[nodiscard]] i32 FindInputPlugin(const WCHAR* path, i32* plugin) const;
+
+    // Tools and tool windows (view/Tools.cpp, ToolWindows.cpp).
+    /// Takes the tool of a command and tells the toolbox.
+    void ChooseTool(u32 command);
+    /// Has the toolbox show the tool in force.
+    void TellToolbox();
+    /// Makes toolbox and colorbox, shown or hidden as their flags say.
+    void CreateToolWindows();
+    /// Shows or hides the toolbox or the colorbox, by its command.
+    void ToggleToolWindow(u32 command);
 
     // View (view/ViewTransform.cpp, Zoom.cpp, Scroll.cpp, ScreenMode.cpp, RedrawView.cpp). The
     // conversions change the point in place; Done, or NothingDone for null.
@@ -108,6 +160,10 @@ public:
     void ScrollByKeys(u32 command);
     /// Orders the selection's corners and cuts them to the picture (view/Selection.cpp).
     void NormalizeSelection();
+    /// The whole picture is the selection.
+    void SelectAll();
+    /// The selection no longer counts; its corners stay.
+    void Deselect();
     /// Dithering on or off.
     void ToggleDither();
     /// Makes the surface at the depth that the screen mode asks for.
@@ -134,11 +190,26 @@ public:
     i32 viewHeight;  // the screen's less command bar, task bar and 1
     f64 scrollX = 0; // picture coordinate at the view's top left
     f64 scrollY = 0;
+    enum : u32 {
+        ToolScroll = 1,
+        ToolSelect = 18,
+        ToolBrush = 32,
+        ToolColorEraser = 48,
+        ToolAlphaEraser = 49,
+        ToolPipette = 64
+    };
+    u32 tool = ToolScroll;
+    HWND toolbox = nullptr;
     u32 showToolbox = 1;
-    u32 toolPhase = 0;
+    Raster* sprites; // 21 by 48 at 32 bits: the two markers of the scroll tool
+    enum : u32 { PhaseNone = 0, PhasePressed = 16, PhaseDragging = 17 };
+    u32 toolPhase = PhaseNone; // pressed and dragging show a marker
+    Brush* brush;
     u32 backgroundColor = 0xFFFFFFFF;
     u32 faceColor = 0;
+    HWND colorbox = nullptr;
     u32 showColorbox = 1;
+    ColorChooser colorDialog;
     InputPlugin* inputPlugins;
     OutputPlugin* outputPlugins;
     PrintPlugin* printPlugins;
@@ -152,8 +223,16 @@ public:
     i32 inputPlugin = -1;
     Raster* image;        // the document
     u32 imagePresent = 0; // 1 once a picture was loaded or made, and from then on
-    Raster* clipImage = nullptr;
+    // Each of the two copies has an allocator of its own, so that dropping it gives back all its
+    // memory at a stroke: first the raster, then the allocator.
+    HeapAllocator* clipAllocator = nullptr;
+    HeapAllocator* workAllocator = nullptr;
+    Raster* clipImage = nullptr; // the memory clip
+    Raster* workImage = nullptr; // the selection while a plugin works on it
     u32 undoEnabled = 0;
+    Raster undoImage; // the one snapshot
+    i32 undoX = -1;   // where it goes back; both -1: in place of the whole picture
+    i32 undoY = -1;
     FormatList* inputExtensions;
     FormatList* outputExtensions;
     PropertyList* inputNames; // plugin name -> plugin index, in menu order
@@ -165,11 +244,15 @@ public:
     PropertyList* printNames;
     u32 selecting = 0; // 1 during the drag
     u32 selectionActive = 0;
+    u32 selectionFrame = 1;                // a selection at rest is tinted
+    u32 selectionFrameColor = 0x0090FF70u; // a light blue, half seen through
     f64 selectionLeft = 0; // corners in picture coordinates, inclusive once normalised; they stay
     f64 selectionTop = 0;  // when the selection is dropped
     f64 selectionRight = 0;
     f64 selectionBottom = 0;
     u32 clipboardHasImage = 0;
+    Point toolPoint = {0, 0};         // the pen's last place in the window
+    Point toolPreviousPoint = {0, 0}; // and the one before
     u32 zoomCommand;
     f64 zoom = 1.0;
     u32 dither = 0;
@@ -203,7 +286,8 @@ public:
     HMENU screenMenu = nullptr;
     HWND commandBar = nullptr;
     HICON smallIcon = nullptr;
-    HMENU popupMenu = nullptr;          // never set; destroyed at close if it ever were
+    HMENU popupMenu = nullptr; // never set; destroyed at close if it ever were
+    enum : u32 { ClipboardTimer = 2, ClipboardPollMilliseconds = 1000 };
     std::atomic<u32> abortRequested{0}; // set by the dialog, read by the worker
     SettingsFile* settings;
     HandOvers handOvers; // names that wait for the end of the flow under way
@@ -221,6 +305,8 @@ private:
     void ScanPlugins();
     void ReadColors();
     void ReadToolWindows();
+    void ReadBrush();
+    void LoadSprites();
     void ReadZoom();
     void ReadDither();
     void ReadScreenMode();

@@ -21,9 +21,7 @@ inline constexpr WORD DC_HASDEFID = 0x534B;
 
 inline constexpr DWORD SS_LEFTNOWORDWRAP = 0x0C;
 inline constexpr DWORD SS_NOPREFIX = 0x80;
-inline constexpr DWORD SS_NOTIFY = 0x100;
 inline constexpr DWORD SS_CENTERIMAGE = 0x200;
-inline constexpr WORD STN_CLICKED = 0;
 inline constexpr WORD STN_DBLCLK = 1;
 
 inline constexpr UINT WM_STYLECHANGED = 0x007D;

@@ -53,7 +53,7 @@ protected:
     {
         event->accept();
         if (event->button() == Qt::LeftButton)
-            NotifyParent(handle, STN_CLICKED);
+            NotifyParent(handle, WORD{STN_CLICKED});
     }
 
     void mouseDoubleClickEvent(QMouseEvent* event) override

@@ -49,6 +49,34 @@ CE_API int WINAPI ImageList_ReplaceIcon(HIMAGELIST list, int index, HICON icon);
 
 CE_API BOOL WINAPI InitCommonControlsEx(const INITCOMMONCONTROLSEX* record);
 
+// The trackbar: a thumb between a lowest and a highest position, 0 and 100 at first. It tells its
+// parent of the person's moves alone, by WM_HSCROLL (WM_VSCROLL where it is upright) with one of the
+// TB_ codes in the low word, the position in the high word of the two THUMB codes, and its handle.
+#define TRACKBAR_CLASSW TEXT("msctls_trackbar32")
+#define TBS_AUTOTICKS 1u
+#define TBS_VERT 2u
+#define TBS_NOTICKS 0x10u
+#define TBM_GETPOS 0x0400
+#define TBM_GETRANGEMIN 0x0401
+#define TBM_GETRANGEMAX 0x0402
+#define TBM_SETPOS 0x0405
+#define TBM_SETRANGE 0x0406
+#define TBM_SETRANGEMIN 0x0407
+#define TBM_SETRANGEMAX 0x0408
+#define TBM_SETPAGESIZE 0x0415
+#define TBM_GETPAGESIZE 0x0416
+#define TBM_SETLINESIZE 0x0417
+#define TBM_GETLINESIZE 0x0418
+#define TB_LINEUP 0
+#define TB_LINEDOWN 1
+#define TB_PAGEUP 2
+#define TB_PAGEDOWN 3
+#define TB_THUMBPOSITION 4
+#define TB_THUMBTRACK 5
+#define TB_TOP 6
+#define TB_BOTTOM 7
+#define TB_ENDTRACK 8
+
 // The tree.
 #define WC_TREEVIEWW TEXT("SysTreeView32")
 

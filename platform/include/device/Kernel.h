@@ -138,6 +138,43 @@ CE_API HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL initialOw
 CE_API BOOL WINAPI ReleaseMutex(HANDLE mutex);
 CE_API void WINAPI Sleep(DWORD milliseconds);
 
+// Processes. A program is a file by its device path; with CREATE_SUSPENDED it begins only at
+// ResumeThread on the record's thread.
+typedef struct _STARTUPINFOW
+{
+    DWORD cb;
+    LPWSTR lpReserved;
+    LPWSTR lpDesktop;
+    LPWSTR lpTitle;
+    DWORD dwX;
+    DWORD dwY;
+    DWORD dwXSize;
+    DWORD dwYSize;
+    DWORD dwXCountChars;
+    DWORD dwYCountChars;
+    DWORD dwFillAttribute;
+    DWORD dwFlags;
+    WORD wShowWindow;
+    WORD cbReserved2;
+    LPBYTE lpReserved2;
+    HANDLE hStdInput;
+    HANDLE hStdOutput;
+    HANDLE hStdError;
+} STARTUPINFOW, *LPSTARTUPINFOW;
+typedef struct _PROCESS_INFORMATION
+{
+    HANDLE hProcess;
+    HANDLE hThread;
+    DWORD dwProcessId;
+    DWORD dwThreadId;
+} PROCESS_INFORMATION, *LPPROCESS_INFORMATION;
+CE_API BOOL WINAPI CreateProcessW(LPCWSTR program, LPWSTR commandLine,
+                                  LPSECURITY_ATTRIBUTES processSecurity,
+                                  LPSECURITY_ATTRIBUTES threadSecurity, BOOL inheritHandles,
+                                  DWORD flags, LPVOID environment, LPCWSTR folder,
+                                  LPSTARTUPINFOW startup, LPPROCESS_INFORMATION process);
+CE_API DWORD WINAPI ResumeThread(HANDLE thread);
+
 // Heaps and memory. A heap may be used from any thread and is dropped in one stroke.
 #define HEAP_NO_SERIALIZE 1u
 #define HEAP_ZERO_MEMORY 8u

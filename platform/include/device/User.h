@@ -170,7 +170,10 @@ typedef const DLGTEMPLATE* LPCDLGTEMPLATEW;
 #define SS_CENTER 1u
 #define SS_RIGHT 2u
 #define SS_ICON 3u
+#define SS_BITMAP 0xEu
 #define SS_TYPEMASK 0x1Fu
+#define SS_NOTIFY 0x100u
+#define STN_CLICKED 0
 #define BS_PUSHBUTTON 0u
 #define BS_DEFPUSHBUTTON 1u
 #define BS_CHECKBOX 2u
@@ -361,6 +364,14 @@ CE_API LRESULT WINAPI SendDlgItemMessageW(HWND dialog, int id, UINT message, WPA
                                           LPARAM lParam);
 CE_API int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT flags);
 CE_API BOOL WINAPI MessageBeep(UINT kind);
+
+// Clipboard: formats by number, offered to and taken from the rest of the desktop.
+#define CF_BITMAP 2u
+#define CF_DIB 8u
+CE_API BOOL WINAPI OpenClipboard(HWND owner);
+CE_API BOOL WINAPI CloseClipboard(void);
+CE_API BOOL WINAPI EmptyClipboard(void);
+CE_API BOOL WINAPI IsClipboardFormatAvailable(UINT format);
 
 // Icons, cursors, accelerators.
 CE_API HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name);

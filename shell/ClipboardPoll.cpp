@@ -1,0 +1,36 @@
+// What the rest of the desktop offers on the clipboard, asked once a second, and giving up what
+// either clip holds.
+
+#include "resources/Ids.h"
+#include "shell/MainFrame.h"
+
+void MainFrame::PollClipboard()
+{
+    const u32 offered =
+        IsClipboardFormatAvailable(CF_DIB) || IsClipboardFormatAvailable(CF_BITMAP) ? 1 : 0;
+    if (offered == clipboardHasImage)
+        return;
+    clipboardHasImage = offered;
+    // Without a picture both entries are grayed whatever is offered: the first load asks anew.
+    const UINT state = imagePresent != 0 && offered != 0 ? MF_ENABLED : MF_GRAYED;
+    FetchMenus();
+    EnableMenuItem(pasteMenu, CommandPasteFromClipboard, MF_BYCOMMAND | state);
+    EnableMenuItem(clearMenu, CommandClearClipboard, MF_BYCOMMAND | state);
+}
+
+void MainFrame::ClearClipboard()
+{
+    if (clipboardHasImage == 0 || !OpenClipboard(window))
+        return;
+    EmptyClipboard();
+    CloseClipboard();
+}
+
+void MainFrame::ClearMemory()
+{
+    delete clipImage;
+    clipImage = nullptr;
+    delete clipAllocator;
+    clipAllocator = nullptr;
+    UpdateClipMenus();
+}
