@@ -43,6 +43,12 @@ void DoubleClickScreen(int x, int y);
 void RightClickScreen(int x, int y);
 /// Presses the left button at one point and lets it go at another.
 void DragScreen(int x, int y, int toX, int toY);
+/// The steps of a drag apart: the left button goes down, the pointer moves (with the button as it
+/// is by then), the button comes up. Points may lie beside the device screen; (0, 0) cannot be
+/// told.
+void PressScreen(int x, int y, int modifiers = 0);
+void MoveScreen(int x, int y, int modifiers = 0);
+void ReleaseScreen(int x, int y, int modifiers = 0);
 /// Gives the control with the focus a text as an input method does: composed first, then done.
 void CommitText(const std::u16string& text);
 /// Clicks the middle of a control, through the toolkit.

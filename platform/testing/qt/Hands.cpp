@@ -102,6 +102,12 @@ Qt::KeyboardModifiers HeldOf(int modifiers)
     return held;
 }
 
+void MovePointer(QTest::MouseAction action, Qt::MouseButton button, QPoint at, int modifiers)
+{
+    if (QWindow* window = platform::ScreenWidget()->windowHandle())
+        QTest::mouseEvent(action, window, button, HeldOf(modifiers), at);
+}
+
 // A host window that has just come up becomes the active one a moment later, as on a real display,
 // and has no keyboard before.
 void AwaitActivation()
@@ -143,13 +149,25 @@ void RightClickScreen(int x, int y)
 
 void DragScreen(int x, int y, int toX, int toY)
 {
-    QWindow* window = platform::ScreenWidget()->windowHandle();
-    if (window == nullptr)
-        return;
-    QTest::mousePress(window, Qt::LeftButton, Qt::NoModifier, QPoint(x, y));
-    QTest::mouseMove(window, QPoint((x + toX) / 2, (y + toY) / 2));
-    QTest::mouseMove(window, QPoint(toX, toY));
-    QTest::mouseRelease(window, Qt::LeftButton, Qt::NoModifier, QPoint(toX, toY));
+    PressScreen(x, y);
+    MoveScreen((x + toX) / 2, (y + toY) / 2);
+    MoveScreen(toX, toY);
+    ReleaseScreen(toX, toY);
+}
+
+void PressScreen(int x, int y, int modifiers)
+{
+    MovePointer(QTest::MousePress, Qt::LeftButton, QPoint(x, y), modifiers);
+}
+
+void MoveScreen(int x, int y, int modifiers)
+{
+    MovePointer(QTest::MouseMove, Qt::NoButton, QPoint(x, y), modifiers);
+}
+
+void ReleaseScreen(int x, int y, int modifiers)
+{
+    MovePointer(QTest::MouseRelease, Qt::LeftButton, QPoint(x, y), modifiers);
 }
 
 void CommitText(const std::u16string& text)
