@@ -299,7 +299,11 @@ private:
         Point targetTopLeft;
         Point targetBottomRight;
     };
+    // Redrawing (view/RedrawView.cpp).
     ViewRectangles GetViewRectangles() const;
+    PixelRect GetSelectionMarks(bool region) const;
+    void DrawSelection(const PixelRect& marks);
+    void DrawMarker();
     void ShowSurface(i32 left, i32 top, i32 width, i32 height);
     void CreateCommandBar();
     void ScanPlugins();

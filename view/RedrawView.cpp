@@ -1,4 +1,5 @@
-// Composing and showing the view: black, the visible part of the picture, the surface, the window.
+// Composing and showing the view, the whole of it or a part: black, the visible part of the
+// picture, the marks of the selection, the scroll tool's marker, the surface, the window.
 
 #include "foundation/Numbers.h"
 #include "shell/MainFrame.h"
@@ -11,6 +12,17 @@ namespace
 {
 
 constexpr u32 OutsideColor = 0x000000FF; // opaque black
+
+// The markers' rectangles in the sprites. Meant: their right and bottom edges count as inside, so
+// that a marker is asked one column wider and one row higher than it is. There is no such column;
+// the row is the next marker's first, and shows below the first marker.
+constexpr PixelRect PressedMarker = {0, 0, 21, 24};
+constexpr PixelRect DraggingMarker = {0, 24, 21, 48};
+
+i32 FloorToSigned(f64 value)
+{
+    return TruncateToSigned(floor(value));
+}
 
 } // namespace
 
@@ -26,6 +38,51 @@ MainFrame::ViewRectangles MainFrame::GetViewRectangles() const
     return view;
 }
 
+// The selection's marks in the view, in window coordinates. Meant: the two ways of redrawing round
+// the lower right corner differently, and at a fractional zoom the marks can differ by a pixel.
+// `region` tells which way.
+PixelRect MainFrame::GetSelectionMarks(bool region) const
+{
+    Point topLeft = {selectionLeft, selectionTop};
+    ImageToView(&topLeft);
+    ViewToWindow(&topLeft);
+    const i32 left = FloorToSigned(topLeft.x);
+    const i32 top = FloorToSigned(topLeft.y);
+    Point bottomRight = {ceil(selectionRight), ceil(selectionBottom)};
+    ImageToView(&bottomRight);
+    if (region) {
+        bottomRight = {ceil(bottomRight.x), ceil(bottomRight.y)};
+        ViewToWindow(&bottomRight);
+        return {left, top, TruncateToSigned(bottomRight.x), TruncateToSigned(bottomRight.y)};
+    }
+    ViewToWindow(&bottomRight);
+    return {left, top, FloorToSigned(bottomRight.x), FloorToSigned(bottomRight.y)};
+}
+
+// While the pen draws the selection it has its frame alone; at rest it is tinted.
+void MainFrame::DrawSelection(const PixelRect& marks)
+{
+    if (selecting == 0 && selectionActive == 0)
+        return;
+    (void)viewRaster.InvertFrame(marks);
+    if (selecting == 0 && selectionFrame != 0)
+        (void)viewRaster.FillRect(selectionFrameColor, marks);
+}
+
+void MainFrame::DrawMarker()
+{
+    if (toolPhase != PhasePressed && toolPhase != PhaseDragging)
+        return;
+    const PixelRect& marker = toolPhase == PhasePressed ? PressedMarker : DraggingMarker;
+    const i32 width = marker.right - marker.left + 1;
+    const i32 height = marker.bottom - marker.top + 1;
+    // Without the markers' picture there is nothing to draw, which is no fault.
+    (void)sprites->CompositeTo(marker.left, marker.top, width, height, &viewRaster,
+                               TruncateToSigned(toolPoint.x) - (width >> 1),
+                               TruncateToSigned(toolPoint.y) - (height >> 1));
+}
+
+// Presents all of the view, and copies a part of it to the window.
 void MainFrame::ShowSurface(i32 left, i32 top, i32 width, i32 height)
 {
     surface.Present(&viewRaster, dither != 0 ? 1 : 0);
@@ -46,6 +103,8 @@ void MainFrame::RedrawView()
                            view.targetTopLeft.y, view.targetBottomRight.x,
                            view.targetBottomRight.y);
     }
+    DrawSelection(GetSelectionMarks(false));
+    DrawMarker();
     ShowSurface(0, 0, screenWidth, screenHeight);
 }
 
@@ -75,6 +134,11 @@ i32 MainFrame::RedrawRegion(f64 left, f64 top, f64 right, f64 bottom)
                              view.targetTopLeft.x, view.targetTopLeft.y, view.targetBottomRight.x,
                              view.targetBottomRight.y, l, t, r, b);
     }
+    // Meant: the marks are drawn in full, and where they lie outside the part they have not been
+    // cleared: there the frame inverts back and the tint grows stronger until the whole view is
+    // drawn again.
+    DrawSelection(GetSelectionMarks(true));
+    DrawMarker();
     ShowSurface(l, t, r - l + 1, b - t + 1);
     return Done;
 }

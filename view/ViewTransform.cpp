@@ -17,8 +17,8 @@ i32 ConvertWhole(MainFrame::Point* point, Convert convert)
     const POINT whole = {TruncateToSigned(point->x), TruncateToSigned(point->y)};
     POINT moved = whole;
     convert(&moved);
-    point->x += moved.x - whole.x;
-    point->y += moved.y - whole.y;
+    point->x += static_cast<f64>(moved.x) - whole.x;
+    point->y += static_cast<f64>(moved.y) - whole.y;
     return Done;
 }
 
@@ -55,6 +55,12 @@ i32 MainFrame::ImageToView(Point* point) const
 {
     if (point == nullptr)
         return NothingDone;
+    // A zoom of 0 comes from fitting a picture of no size. All of the view then shows one point,
+    // and a division would give no number.
+    if (zoom == 0) {
+        *point = {0, 0};
+        return Done;
+    }
     point->x = (point->x - scrollX) / zoom;
     point->y = (point->y - scrollY) / zoom;
     return Done;
