@@ -18,6 +18,7 @@ void RegisterStockClasses()
     RegisterStockClass(TEXT("STATIC"), StaticProcedure, MakeStaticWidget);
     RegisterStockClass(TEXT("BUTTON"), ButtonProcedure, MakeButtonWidget);
     RegisterStockClass(TEXT("msctls_progress32"), ProgressProcedure, MakeProgressWidget);
+    RegisterStockClass(TRACKBAR_CLASSW, TrackbarProcedure, MakeTrackbarWidget);
     RegisterStockClass(WC_TREEVIEWW, TreeProcedure, MakeTreeWidget);
     RegisterStockClass(TEXT("EDIT"), EditProcedure, MakeEditWidget);
     RegisterStockClass(WC_LISTVIEWW, ListProcedure, MakeListWidget);

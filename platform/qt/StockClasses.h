@@ -22,6 +22,8 @@ LRESULT CALLBACK ButtonProcedure(HWND window, UINT message, WPARAM wParam, LPARA
 QWidget* MakeButtonWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK ProgressProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 QWidget* MakeProgressWidget(Window& window, QWidget* parent);
+LRESULT CALLBACK TrackbarProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+QWidget* MakeTrackbarWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK TreeProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 QWidget* MakeTreeWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
