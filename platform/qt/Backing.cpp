@@ -213,6 +213,7 @@ HWND NextWindowToPaint(HWND among)
             (among != nullptr && !IsSameOrBelow(window.handle, among)))
             continue;
         last = window.handle;
+        PaintingOf(window).handedOut = true;
         return last;
     }
     return nullptr;

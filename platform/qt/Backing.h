@@ -11,6 +11,7 @@
 #include <QImage>
 #include <QRegion>
 
+#include <optional>
 #include <vector>
 
 namespace tavrix::platform
@@ -22,6 +23,10 @@ struct Painting {
     QRegion erasing;               // what WM_ERASEBKGND is about while BeginPaint sends it
     QSize size;                    // of the picture
     std::vector<uint32_t> picture; // 0xFFRRGGBB; on stock windows 0 is "not drawn"
+    bool handedOut = false;        // a WM_PAINT of the update region is on its way
+    unsigned begun = 0;            // calls of BeginPaint
+    bool groundKnown = false;      // controls: `ground` is what the parent answered
+    std::optional<COLORREF> ground;
 };
 
 /// Puts the platform's functions behind the drawing calls of windows.

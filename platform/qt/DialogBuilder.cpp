@@ -42,20 +42,29 @@ bool KnowsAllClasses(const DialogPlan& plan)
                        });
 }
 
+/// A static control that shows a bitmap looks for it itself, by its title.
+bool NamesBitmap(const DialogControlPlan& control)
+{
+    return control.pictureOrdinal != 0 && (control.style & SS_TYPEMASK) == SS_BITMAP &&
+           FindWindowClass(control.className.c_str()) == FindWindowClass(TEXT("STATIC"));
+}
+
 HICON IconOfControl(const DialogControlPlan& control, HINSTANCE instance)
 {
-    if (control.icon != nullptr || control.iconOrdinal == 0)
+    if (control.icon != nullptr || control.pictureOrdinal == 0 || NamesBitmap(control))
         return control.icon;
-    return LoadIconW(instance, MAKEINTRESOURCEW(control.iconOrdinal));
+    return LoadIconW(instance, MAKEINTRESOURCEW(control.pictureOrdinal));
 }
 
 bool MakeControl(HWND dialog, const DialogControlPlan& control, HINSTANCE instance,
                  DialogState& state)
 {
+    const WCHAR* title =
+        NamesBitmap(control) ? MAKEINTRESOURCEW(control.pictureOrdinal) : control.text.c_str();
     const HWND window = CreateWindowExW(
-        control.extendedStyle, control.className.c_str(), control.text.c_str(),
-        control.style | WS_CHILD, control.place.left, control.place.top, Width(control.place),
-        Height(control.place), dialog, reinterpret_cast<HMENU>(control.id), instance,
+        control.extendedStyle, control.className.c_str(), title, control.style | WS_CHILD,
+        control.place.left, control.place.top, Width(control.place), Height(control.place), dialog,
+        reinterpret_cast<HMENU>(control.id), instance,
         control.creationData.empty() ? nullptr : const_cast<BYTE*>(control.creationData.data()));
     if (window == nullptr)
         return false;

@@ -35,7 +35,7 @@ struct DialogControlPlan {
     RECT place{}; // in the dialog's client area
     UINT_PTR id = 0;
     std::u16string text;
-    WORD iconOrdinal = 0; // an icon in place of the text
+    WORD pictureOrdinal = 0; // an icon or a bitmap in place of the text
     HICON icon = nullptr;
     std::vector<BYTE> creationData;
 };

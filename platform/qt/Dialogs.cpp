@@ -2,6 +2,7 @@
 // with the messages that its dialog procedure leaves.
 #include "platform/core/TestHooks.h"
 #include "platform/qt/Backing.h"
+#include "platform/qt/ControlGround.h"
 #include "platform/qt/ControlMessages.h"
 #include "platform/qt/DialogFont.h"
 #include "platform/qt/DialogState.h"
@@ -12,6 +13,8 @@
 #include "platform/qt/Window.h"
 
 #include <QApplication>
+
+#include <utility>
 
 namespace tavrix::platform
 {
@@ -95,7 +98,7 @@ DialogPlan PlanOf(const DialogTemplate& source, HWND owner)
         control.place.bottom = control.place.top + VerticalUnits(item.height);
         control.id = source.extended ? item.id : item.id & 0xFFFF;
         control.text = item.text.text;
-        control.iconOrdinal = item.text.ordinal.value_or(0);
+        control.pictureOrdinal = item.text.ordinal.value_or(0);
         control.creationData = item.creationData;
         plan.controls.push_back(std::move(control));
     }
@@ -113,6 +116,21 @@ std::optional<DialogPlan> ReadPlan(LPCDLGTEMPLATEW dialogTemplate, HWND owner)
     return PlanOf(*parsed, owner);
 }
 
+/// The ground below the controls is done anew, and with it theirs.
+void ForgetGrounds(const Window& dialog, const QRegion& region)
+{
+    const auto state = DialogStateOf(&dialog);
+    if (!state)
+        return;
+    for (const HWND handle : state->controls) {
+        Window* control = FindWindowRecord(handle);
+        if (control == nullptr || !region.intersects(control->widget->geometry()))
+            continue;
+        ForgetGround(*control);
+        control->widget->update();
+    }
+}
+
 /// The background: what the dialog procedure answers to WM_CTLCOLORDLG, else the device's own. A
 /// hollow brush leaves everything as it is.
 LRESULT EraseDialog(Window& window, WPARAM wParam)
@@ -120,6 +138,7 @@ LRESULT EraseDialog(Window& window, WPARAM wParam)
     const HWND handle = window.handle;
     const auto dc = reinterpret_cast<HDC>(wParam);
     const QRegion region = PaintingOf(window).erasing;
+    ForgetGrounds(window, region);
     const auto brush = reinterpret_cast<HBRUSH>(
         SendMessageW(handle, WM_CTLCOLORDLG, wParam, reinterpret_cast<LPARAM>(handle)));
     if (brush == nullptr || dc == nullptr)
@@ -129,6 +148,21 @@ LRESULT EraseDialog(Window& window, WPARAM wParam)
         FillRect(dc, &area, brush);
     }
     return 1;
+}
+
+/// The procedure's WM_PAINT. A procedure that draws by a context of its own and says "done" without
+/// a word about the update region would get the next WM_PAINT at once, for ever, and nobody else
+/// anything: what was to be painted counts as painted then.
+INT_PTR PaintByProcedure(HWND handle, DLGPROC procedure, WPARAM wParam, LPARAM lParam)
+{
+    Painting& painting = PaintingOf(*FindWindowRecord(handle));
+    const bool handedOut = std::exchange(painting.handedOut, false);
+    const unsigned begun = painting.begun;
+    const INT_PTR handled = procedure(handle, WM_PAINT, wParam, lParam);
+    Window* window = FindWindowRecord(handle);
+    if (window != nullptr && handled != 0 && handedOut && PaintingOf(*window).begun == begun)
+        ValidateRect(handle, nullptr);
+    return handled;
 }
 
 /// The size is told while the dialog is still hidden, when only this call gives the client area its
@@ -207,7 +241,9 @@ LRESULT CALLBACK DialogClassProcedure(HWND handle, UINT message, WPARAM wParam, 
         lParam = LayOutClient(*window);
     if (const auto procedure = reinterpret_cast<DLGPROC>(window->dialogWords[1])) {
         window->dialogWords[0] = 0;
-        const INT_PTR handled = procedure(handle, message, wParam, lParam);
+        const INT_PTR handled = message == WM_PAINT
+                                    ? PaintByProcedure(handle, procedure, wParam, lParam)
+                                    : procedure(handle, message, wParam, lParam);
         window = FindWindowRecord(handle); // the procedure may have destroyed it
         if (handled != 0 && AnswersDirectly(message))
             return handled;

@@ -1,6 +1,7 @@
 // The update region of a window and the calls around WM_PAINT.
 #include "platform/core/MessageQueue.h"
 #include "platform/qt/Backing.h"
+#include "platform/qt/ControlGround.h"
 #include "platform/qt/WindowRecords.h"
 
 #include <QWidget>
@@ -72,6 +73,7 @@ BOOL WINAPI InvalidateRect(HWND handle, const RECT* rectangle, BOOL erase)
     if (!window->windowClass->paints) {
         // The control draws itself again, and what was drawn on it goes.
         ClearDrawing(*window, area);
+        ForgetGround(*window);
         ClientWidget(*window)->update(area);
         return TRUE;
     }
@@ -120,11 +122,13 @@ BOOL WINAPI GetUpdateRect(HWND handle, LPRECT rectangle, BOOL erase)
 
 BOOL WINAPI UpdateWindow(HWND handle)
 {
-    const Window* window = FindWindowRecord(handle);
+    Window* window = FindWindowRecord(handle);
     if (window == nullptr)
         return FALSE;
-    if (IsWindowVisible(handle) && GetUpdateRect(handle, nullptr, FALSE))
+    if (IsWindowVisible(handle) && GetUpdateRect(handle, nullptr, FALSE)) {
+        PaintingOf(*window).handedOut = true;
         CallWindow(handle, WM_PAINT, 0, 0);
+    }
     return TRUE;
 }
 
@@ -142,6 +146,7 @@ HDC WINAPI BeginPaint(HWND handle, LPPAINTSTRUCT paint)
     const bool erase = painting.erase && !region.isEmpty();
     painting.update = QRegion();
     painting.erase = false;
+    ++painting.begun;
     paint->hdc = dc;
     paint->rcPaint = BoundsOf(region);
     paint->fErase = erase && Erase(*window, region, dc);

@@ -1,4 +1,7 @@
-// The class STATIC: a text of several lines, broken at words, or an icon.
+// The class STATIC: a text of several lines, broken at words, an icon or a bitmap, on the ground
+// that the parent gives it.
+#include "platform/qt/BitmapResource.h"
+#include "platform/qt/ControlGround.h"
 #include "platform/qt/ControlMessages.h"
 #include "platform/qt/ControlSupport.h"
 #include "platform/qt/DialogFont.h"
@@ -6,6 +9,7 @@
 #include "platform/qt/StockClasses.h"
 #include "platform/qt/Window.h"
 
+#include <QImage>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWidget>
@@ -17,11 +21,17 @@ namespace
 
 struct StaticState {
     HICON icon = nullptr;
+    QImage bitmap;
 };
 
 StaticState& StateOf(Window& window)
 {
     return *std::static_pointer_cast<StaticState>(window.extra);
+}
+
+QColor ColorOf(COLORREF color)
+{
+    return QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF);
 }
 
 class StaticWidget : public QWidget
@@ -39,14 +49,25 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override
     {
+        // The program may answer by anything, so it is asked before the painter begins.
+        const std::optional<COLORREF> ground = GroundOf(handle);
         Window* window = FindWindowRecord(handle);
         if (window == nullptr)
             return;
         QPainter painter(this);
-        if ((style & SS_TYPEMASK) == SS_ICON)
+        if (ground)
+            painter.fillRect(rect(), ColorOf(*ground));
+        switch (style & SS_TYPEMASK) {
+        case SS_ICON:
             PaintIcon(painter, StateOf(*window).icon);
-        else
+            break;
+        case SS_BITMAP:
+            painter.drawImage(0, 0, StateOf(*window).bitmap);
+            break;
+        default:
             PaintText(painter, DisplayText(window->text));
+            break;
+        }
     }
 
     void mousePressEvent(QMouseEvent* event) override
@@ -113,6 +134,27 @@ LRESULT SetIcon(Window& window, HICON icon)
     return reinterpret_cast<LRESULT>(before);
 }
 
+/// The bitmap that the control's title names, by number or by name. Without one it shows nothing.
+void LoadBitmap(Window& window, const CREATESTRUCTW& creation)
+{
+    if ((window.style & SS_TYPEMASK) != SS_BITMAP || creation.lpszName == nullptr)
+        return;
+    const HRSRC resource = FindResourceW(creation.hInstance, creation.lpszName, RT_BITMAP);
+    if (resource == nullptr)
+        return;
+    const auto picture =
+        ParseBitmapResource(LockResource(LoadResource(creation.hInstance, resource)),
+                            SizeofResource(creation.hInstance, resource));
+    if (!picture)
+        return;
+    StateOf(window).bitmap =
+        QImage(reinterpret_cast<const uchar*>(picture->pixels.data()), picture->width,
+               picture->height, picture->width * 4, QImage::Format_RGB32)
+            .copy();
+    SetWindowPos(window.handle, nullptr, 0, 0, picture->width, picture->height,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 } // namespace
 
 QWidget* MakeStaticWidget(Window& window, QWidget* parent)
@@ -132,11 +174,16 @@ LRESULT CALLBACK StaticProcedure(HWND handle, UINT message, WPARAM wParam, LPARA
     LRESULT result = 0;
     bool changed = false;
     if (HandleCommonMessage(*window, message, wParam, lParam, &result, &changed)) {
-        if (changed || message == WM_ENABLE)
+        if (changed || message == WM_ENABLE) {
+            ForgetGround(*window);
             window->widget->update();
+        }
         return result;
     }
     switch (message) {
+    case WM_CREATE:
+        LoadBitmap(*window, *reinterpret_cast<const CREATESTRUCTW*>(lParam));
+        return 0;
     case WM_GETDLGCODE:
         return DLGC_STATIC;
     case STM_SETICON:
