@@ -180,6 +180,8 @@ bool TakeInput(Queue& queue, const Filter& filter, bool take, MSG* message)
     for (auto entry = queue.input.begin(); entry != queue.input.end(); ++entry) {
         if (!filter.Takes(entry->message))
             continue;
+        if (queue.host.freshen != nullptr)
+            queue.host.freshen(&entry->message);
         *message = entry->message;
         if (take) {
             queue.current = std::move(*entry);

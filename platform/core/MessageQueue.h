@@ -32,6 +32,9 @@ struct HostLoop {
     /// Whether a key or pointer message may still go to the window, asked when its turn comes: one
     /// that was queued before a dialog came up must not get past the dialog.
     bool (*takesInput)(HWND window) = nullptr;
+    /// Puts a key or pointer message right for what has changed since it was queued, called when
+    /// its turn comes.
+    void (*freshen)(MSG* message) = nullptr;
     /// The outermost loop runs with no call of the program on the stack.
     void (*outermost)() = nullptr;
     /// The outermost loop has nothing to do and is about to wait.

@@ -40,6 +40,7 @@ private:
 
 std::atomic<QAbstractEventDispatcher*> dispatcher{nullptr};
 Alarm* alarmClock = nullptr;
+constexpr UINT LastPointerMessage = 0x0206; // the right button's double click
 
 void Wait(int milliseconds)
 {
@@ -87,6 +88,16 @@ bool MayTakeInput(HWND window)
     return record != nullptr && TakesInput(*record);
 }
 
+// The window may have moved since the pointer was there, by the messages before this one: a drag by
+// the pointer would else count each of its steps several times.
+void PlacePointer(MSG* message)
+{
+    POINT point = message->pt;
+    if (message->message >= WM_MOUSEMOVE && message->message <= LastPointerMessage &&
+        ScreenToClient(message->hwnd, &point))
+        message->lParam = MAKELPARAM(point.x, point.y);
+}
+
 void RaiseForAnother(HWND window, bool activate, const std::string& token)
 {
     BringWindowToTop(window);
@@ -112,6 +123,7 @@ void InstallHostLoop()
     loop.wake = Wake;
     loop.nextPaint = NextWindowToPaint;
     loop.takesInput = MayTakeInput;
+    loop.freshen = PlacePointer;
     loop.outermost = Outermost;
     loop.idle = Idle;
     SetHostLoop(loop);

@@ -94,6 +94,29 @@ TEST_F(InputTest, ADragGoesOnOutsideItsWindowAndCaptureLeadsEverythingToOne)
     EXPECT_EQ(tool.Count(WM_MOUSEMOVE), 1u);
 }
 
+TEST_F(InputTest, APointerMessageIsToldInTheWindowAsItLiesWhenItsTurnComes)
+{
+    const TestWindow window;
+    std::vector<LPARAM> places;
+    const TestWindow tool(
+        [&places](HWND handle, UINT message, WPARAM wParam,
+                  LPARAM lParam) -> std::optional<LRESULT> {
+            if ((message == WM_MOUSEMOVE && wParam == MK_LBUTTON) || message == WM_LBUTTONUP) {
+                places.push_back(lParam);
+                SetWindowPos(handle, nullptr, 130, 70, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+            }
+            return std::nullopt;
+        },
+        WS_POPUP | WS_VISIBLE, 100, 50, 80, 60, window.handle);
+    hand::Pump(30);
+    Press(110, 60);
+    // Both are queued while the window still lies at its first place.
+    Move(145, 90);
+    Release(145, 90);
+    hand::Pump(30);
+    EXPECT_EQ(places, (std::vector<LPARAM>{MAKELPARAM(45, 40), MAKELPARAM(15, 20)}));
+}
+
 TEST_F(InputTest, KeysGoToTheFocusWindowWithTheirCharacters)
 {
     const TestWindow window;
