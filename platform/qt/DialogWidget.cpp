@@ -24,9 +24,11 @@ bool HasCaption(DWORD style)
 {
     return (style & WS_CAPTION) == WS_CAPTION;
 }
+// A popup without any of these is its client area alone.
 bool HasBorder(DWORD style)
 {
-    return (style & WS_CHILD) == 0;
+    constexpr DWORD framed = WS_CAPTION | DS_MODALFRAME; // WS_CAPTION is border and dialog frame
+    return (style & WS_CHILD) == 0 && ((style & WS_POPUP) == 0 || (style & framed) != 0);
 }
 
 int CaptionHeight()

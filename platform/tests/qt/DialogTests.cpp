@@ -77,6 +77,25 @@ protected:
 
 } // namespace
 
+TEST_F(Dialogs, APopupWithoutAFrameIsItsClientArea)
+{
+    onMessage = nullptr;
+    const HWND dialog =
+        CreateDialogIndirectParamW(ControlResources(), DialogResource(205), nullptr, Procedure, 0);
+    ASSERT_NE(dialog, nullptr);
+    RECT outside{};
+    RECT inside{};
+    POINT corner{0, 0};
+    GetWindowRect(dialog, &outside);
+    GetClientRect(dialog, &inside);
+    ClientToScreen(dialog, &corner);
+    EXPECT_EQ(inside.right, outside.right - outside.left);
+    EXPECT_EQ(inside.bottom, outside.bottom - outside.top);
+    EXPECT_EQ(corner.x, outside.left);
+    EXPECT_EQ(corner.y, outside.top);
+    DestroyWindow(dialog);
+}
+
 TEST_F(Dialogs, EndInsideInitDialogGivesItsResultAndShowsNothing)
 {
     bool shown = false;
