@@ -2,6 +2,7 @@
 
 #include "foundation/Language.h"
 #include "resources/Ids.h"
+#include "view/DialogResource.h"
 #include "view/ListViewControl.h"
 
 #include <commctrl.h>
@@ -214,13 +215,9 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 i32 ShowPluginInformation(HWND owner, HINSTANCE instance, const PluginInformationHosts& hosts)
 {
-    HRSRC resource = FindResourceW(instance, MAKEINTRESOURCEW(DialogPluginInformation), RT_DIALOG);
-    if (resource == nullptr)
-        return Failed;
-    const auto* dialogTemplate =
-        static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(instance, resource)));
     Information information(hosts);
-    const INT_PTR result = DialogBoxIndirectParamW(instance, dialogTemplate, owner, Procedure,
-                                                   reinterpret_cast<LPARAM>(&information));
+    const INT_PTR result =
+        DialogBoxIndirectParamW(instance, FindDialogResource(instance, DialogPluginInformation),
+                                owner, Procedure, reinterpret_cast<LPARAM>(&information));
     return result == 0 ? NothingDone : Failed;
 }
