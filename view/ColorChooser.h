@@ -3,7 +3,8 @@
 // User-interface thread.
 #pragma once
 
-#include "foundation/Types.h"
+#include "foundation/Result.h"
+#include "pixel/DibBuffer.h"
 
 #include <windows.h>
 
@@ -24,14 +25,32 @@ struct ColorChoice {
 class ColorChooser
 {
 public:
-    /// 1 with the chosen colour in the record, 0 when it was given up; nothing is changed then.
-    i32 Show(ColorChoice* choice);
+    /// Done with the chosen colour in the record; NothingDone when it was given up or is open
+    /// already, with nothing changed; BadArgument for null; Failed when there was no dialog.
+    i32 Show(ColorChoice* asked);
 
 private:
     static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
 
-    ColorChoice* choice = nullptr; // while the dialog is open
-    COLORREF initialColor = 0;     // for "Redo"
+    void Start(HWND window);
+    void OnCommand(u32 id);
+    void SetColor(COLORREF color);
+    /// The colour that the trackbars stand at.
+    COLORREF ChosenColor() const;
+    /// Swatch and numbers after the trackbars.
+    void FollowBars();
+    void ShowSwatch() const;
+    void Close(INT_PTR result);
+    void GiveUp();
+
+    // While the dialog is open.
+    ColorChoice* choice = nullptr;
+    HWND dialog = nullptr;
+    COLORREF initialColor = 0; // for "Redo"
+    DibBuffer picture;         // the swatch's
+    i32 swatchWidth = 0;
+    i32 swatchHeight = 0;
+    DrawingContext swatch;
 };
 
 /// A colour word 0xRRGGBBAA without its alpha, and back; the alpha byte comes back as 0, since the
