@@ -6,6 +6,6 @@
 
 #include <windows.h>
 
-/// 1 when the person took the settings, which the brush then has; 0 when they were given up; -1
-/// without a dialog.
-INT_PTR ShowBrushSettings(HWND owner, HINSTANCE instance, Brush* brush);
+/// Done when the person took the settings, which the brush then has; NothingDone when they were
+/// given up; BadArgument for a null brush; Failed when there was no dialog.
+i32 ShowBrushSettings(HWND owner, HINSTANCE instance, Brush* brush);
