@@ -56,6 +56,9 @@ MainFrame::MainFrame()
 
 MainFrame::~MainFrame()
 {
+    // They point into this record and must not outlive it.
+    DestroyWindow(colorbox);
+    DestroyWindow(toolbox);
     // The settings reach the disk here: the store saves itself as it closes.
     delete settings;
     free(openedPath);
