@@ -5,10 +5,17 @@
 
 void MainFrame::OnClose()
 {
+    KillTimer(window, ClipboardTimer);
     settings->SetUInt(ProgramSection, TEXT("ShowToolbox"), showToolbox);
     settings->SetUInt(ProgramSection, TEXT("ShowColorbox"), showColorbox);
     settings->SetUInt(ProgramSection, TEXT("FaceColor"), faceColor);
     settings->SetUInt(ProgramSection, TEXT("BackgroundColor"), backgroundColor);
+    BrushInfo stamp = {};
+    stamp.size = sizeof stamp;
+    (void)brush->GetInfo(&stamp);
+    settings->SetUInt(ProgramSection, TEXT("BrushRadius"), stamp.radius);
+    settings->SetUInt(ProgramSection, TEXT("BrushStrength"), stamp.strength);
+    settings->SetUInt(ProgramSection, TEXT("BrushDiffusion"), stamp.diffusion);
     settings->SetUInt(ProgramSection, TEXT("WindowAdjusted"),
                       zoomCommand == CommandZoomWindow ? 1 : 0);
     settings->SetUInt(ProgramSection, TEXT("DitherMode"), dither);

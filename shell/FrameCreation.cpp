@@ -4,9 +4,18 @@
 #include "foundation/Language.h"
 #include "plugin/PluginScan.h"
 #include "resources/Ids.h"
+#include "shell/Boxes.h"
 #include "shell/MainFrame.h"
 
 #include <handheld.h>
+
+namespace
+{
+
+constexpr u32 DefaultRadius = 5;
+constexpr u32 LargestRadius = 100; // that the settings may ask for
+
+} // namespace
 
 LRESULT MainFrame::OnCreate(const CREATESTRUCTW* record)
 {
@@ -32,8 +41,12 @@ LRESULT MainFrame::OnCreate(const CREATESTRUCTW* record)
     BuildPluginMenus();
     ReadColors();
     ReadToolWindows();
+    CreateToolWindows();
     FetchMenus();
     UpdateWindowChecks();
+    ReadBrush();
+    LoadSprites();
+    TellToolbox();
     UpdateClipMenus();
     ReadZoom();
     ReadDither();
@@ -44,6 +57,7 @@ LRESULT MainFrame::OnCreate(const CREATESTRUCTW* record)
     TakeTaskBar();
     OpenCommandLine();
     ReadUndo();
+    SetTimer(window, ClipboardTimer, ClipboardPollMilliseconds, nullptr);
     return 0;
 }
 
@@ -67,10 +81,8 @@ void MainFrame::ScanPlugins()
         {subtractPlugins, nullptr, subtractNames},
     };
     if (ScanPluginKinds(kinds, sizeof kinds / sizeof kinds[0], &allocator) < 0)
-        MessageBoxW(window,
-                    InLanguage(TEXT("Failed to allocate memory to initialize plugins."),
-                               TEXT("プラグインの初期化に必要なメモリが確保できませんでした。")),
-                    InLanguage(TEXT("ERROR"), TEXT("エラー")), MB_ICONHAND);
+        ShowError(window, TEXT("Failed to allocate memory to initialize plugins."),
+                  TEXT("プラグインの初期化に必要なメモリが確保できませんでした。"));
 }
 
 void MainFrame::ReadColors()
@@ -83,6 +95,34 @@ void MainFrame::ReadToolWindows()
 {
     (void)settings->GetUInt(ProgramSection, TEXT("ShowToolbox"), &showToolbox);
     (void)settings->GetUInt(ProgramSection, TEXT("ShowColorbox"), &showColorbox);
+}
+
+void MainFrame::ReadBrush()
+{
+    u32 radius = DefaultRadius;
+    u32 strength = 256;
+    u32 diffusion = 1;
+    (void)settings->GetUInt(ProgramSection, TEXT("BrushRadius"), &radius);
+    (void)settings->GetUInt(ProgramSection, TEXT("BrushStrength"), &strength);
+    (void)settings->GetUInt(ProgramSection, TEXT("BrushDiffusion"), &diffusion);
+    if (radius > LargestRadius)
+        radius = DefaultRadius;
+    (void)brush->Create(radius, strength, diffusion);
+}
+
+// Without them the scroll tool works all the same, so that no failure is told.
+void MainFrame::LoadSprites()
+{
+    constexpr u32 width = 21;
+    constexpr u32 height = 48; // the two markers one below the other
+    if (sprites->Create(width, height, 32, nullptr, nullptr) < Done)
+        return;
+    HRSRC found = FindResourceW(instance, MAKEINTRESOURCEW(BinaryMarkers), TEXT("binary"));
+    if (found == nullptr || SizeofResource(instance, found) < width * height * 4)
+        return;
+    const void* pixels = LockResource(LoadResource(instance, found));
+    if (pixels != nullptr)
+        (void)sprites->LoadRaw(pixels);
 }
 
 void MainFrame::ReadZoom()

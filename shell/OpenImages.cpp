@@ -6,6 +6,7 @@
 #include "foundation/Language.h"
 #include "foundation/TextSearch.h"
 #include "resources/Ids.h"
+#include "shell/Boxes.h"
 #include "shell/Job.h"
 #include "shell/MainFrame.h"
 #include "shell/PluginCallbacks.h"
@@ -23,33 +24,13 @@ bool FileOpens(const WCHAR* path)
     return true;
 }
 
-const WCHAR* ErrorCaption()
-{
-    return InLanguage(TEXT("ERROR"), TEXT("エラー"));
-}
-const WCHAR* WarningCaption()
-{
-    return InLanguage(TEXT("WARNING"), TEXT("警告"));
-}
-
-void WarnAboutConfigure(HWND owner)
-{
-    MessageBoxW(
-        owner,
-        InLanguage(TEXT("Failed to initialize plugin settings, but enforce next process..."),
-                   TEXT("プラグイン設定の初期化に失敗しました。強行します。")),
-        WarningCaption(), IsJapanese() ? MB_ICONEXCLAMATION : MB_ICONHAND);
-}
-
 } // namespace
 
 i32 MainFrame::LoadFromStream(Stream* stream, i32 plugin, i32 configure)
 {
     if (inputPlugins->LoadByIndex(static_cast<u32>(plugin), 0) < 0) {
-        MessageBoxW(window,
-                    InLanguage(TEXT("Failed to load selected INPUT plugin."),
-                               TEXT("指定の読み込みプラグインがロードできませんでした。")),
-                    ErrorCaption(), MB_ICONHAND);
+        ShowError(window, TEXT("Failed to load selected INPUT plugin."),
+                  TEXT("指定の読み込みプラグインがロードできませんでした。"));
         return NothingDone;
     }
     const ScopedHold hold(this);
@@ -115,7 +96,7 @@ void MainFrame::OpenFile(const WCHAR* path)
         MessageBoxW(window,
                     InLanguage(TEXT("No INPUT plugin is installed"),
                                TEXT("読み込みプラグインがインストールされていません。")),
-                    WarningCaption(), MB_ICONEXCLAMATION);
+                    InLanguage(TEXT("WARNING"), TEXT("警告")), MB_ICONEXCLAMATION);
         return;
     }
     if (!FileOpens(path))

@@ -1,0 +1,19 @@
+#include "shell/Boxes.h"
+
+#include "foundation/Language.h"
+
+void ShowError(HWND owner, const WCHAR* english, const WCHAR* japanese)
+{
+    MessageBoxW(owner, InLanguage(english, japanese), InLanguage(TEXT("ERROR"), TEXT("エラー")),
+                MB_ICONHAND);
+}
+
+// Meant: the icon differs by language.
+void WarnAboutConfigure(HWND owner)
+{
+    MessageBoxW(
+        owner,
+        InLanguage(TEXT("Failed to initialize plugin settings, but enforce next process..."),
+                   TEXT("プラグイン設定の初期化に失敗しました。強行します。")),
+        InLanguage(TEXT("WARNING"), TEXT("警告")), IsJapanese() ? MB_ICONEXCLAMATION : MB_ICONHAND);
+}

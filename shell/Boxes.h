@@ -1,0 +1,12 @@
+// Message boxes that several flows show. User-interface thread.
+#pragma once
+
+#include "foundation/Types.h"
+
+#include <windows.h>
+
+/// An error in the system's language, with the stop icon.
+void ShowError(HWND owner, const WCHAR* english, const WCHAR* japanese);
+
+/// A plugin's settings have failed, and the flow goes on.
+void WarnAboutConfigure(HWND owner);
