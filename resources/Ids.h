@@ -95,6 +95,7 @@
 #define CommandFirstEffect 41200
 #define CommandFirstAdjust 41300
 #define CommandFirstScale 41400
+#define CommandPrintFirst 41500 /* the first plugin; no entry carries it */
 #define CommandFirstPrint 41501
 #define PluginMenuLimit 100
 

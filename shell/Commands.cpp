@@ -1,5 +1,6 @@
-// The commands: a table of identifiers and what each does. An identifier that is not in it does
-// nothing, whatever the menus or keys send.
+// The commands: the ranges of the plugins' entries, then a table of identifiers and what each does.
+// An identifier that is in neither does nothing, whatever the menus or keys send. The keys send
+// theirs whatever state the menu's entry has, so that each operation bears an absent picture.
 
 #include "resources/Ids.h"
 #include "shell/MainFrame.h"
@@ -40,6 +41,57 @@ void ShowPlugins(MainFrame& frame, u32)
 {
     frame.ShowPlugins();
 }
+void SelectAll(MainFrame& frame, u32)
+{
+    frame.SelectAll();
+}
+void Deselect(MainFrame& frame, u32)
+{
+    frame.Deselect();
+}
+void Tool(MainFrame& frame, u32 id)
+{
+    frame.ChooseTool(id);
+}
+void ToolWindow(MainFrame& frame, u32 id)
+{
+    frame.ToggleToolWindow(id);
+}
+void ClearMemory(MainFrame& frame, u32)
+{
+    frame.ClearMemory();
+}
+void ClearClipboard(MainFrame& frame, u32)
+{
+    frame.ClearClipboard();
+}
+void Undo(MainFrame& frame, u32)
+{
+    frame.Undo();
+}
+void PrintFirst(MainFrame& frame, u32)
+{
+    frame.Print(0);
+}
+// Meant: reducing colours has an entry, which a plugin of its kind enables, and does nothing.
+void Subtract(MainFrame&, u32) {}
+
+struct Range {
+    u32 first;
+    u32 last; // inclusive
+    u32 base; // what the position counts from
+    void (MainFrame::*run)(u32 position);
+};
+
+// Meant: the ends of the first two lie in the next one, and both then run. No menu has as many
+// entries.
+constexpr Range ranges[] = {
+    {CommandFirstOpenAs, 41100, CommandFirstOpenAs, &MainFrame::OpenAs},
+    {CommandFirstSaveAs, 41200, CommandFirstSaveAs, &MainFrame::SaveAs},
+    {CommandFirstPrint, 41599, CommandFirstPrint, &MainFrame::Print},
+    {CommandFirstEffect, 41299, CommandFirstEffect, &MainFrame::Effect},
+    {CommandFirstAdjust, 41399, CommandFirstAdjust, &MainFrame::Adjust},
+};
 
 struct Command {
     u32 id;
@@ -65,17 +117,33 @@ constexpr Command commands[] = {
     {CommandScrollRight, ScrollKey},
     {CommandScrollUp, ScrollKey},
     {CommandScrollDown, ScrollKey},
+    {CommandUndo, Undo},
+    {CommandSelectAll, SelectAll},
+    {CommandDeselect, Deselect},
+    {CommandClearMemory, ClearMemory},
+    {CommandClearClipboard, ClearClipboard},
+    {CommandScroll, Tool},
+    {CommandSelectRectangle, Tool},
+    {CommandBrush, Tool},
+    {CommandColorEraser, Tool},
+    {CommandAlphaEraser, Tool},
+    {CommandPipette, Tool},
+    {CommandToolboxWindow, ToolWindow},
+    {CommandColorboxWindow, ToolWindow},
+    {CommandSubtract, Subtract},
+    {CommandPrintFirst, PrintFirst},
 };
 
 } // namespace
 
 LRESULT MainFrame::OnCommand(u32, u32 id, HWND)
 {
+    const ScopedFlow flow(this);
+    for (const Range& range : ranges)
+        if (id >= range.first && id <= range.last)
+            (this->*range.run)(id - range.base);
     for (const Command& command : commands)
-        if (command.id == id) {
-            const ScopedFlow flow(this);
+        if (command.id == id)
             command.run(*this, id);
-            break;
-        }
     return 0;
 }

@@ -91,8 +91,11 @@ public:
     void LaunchViewer();
 
     // The entries of plugins, by their position in the menu.
-    void Effect(u32 position); // shell/ProcessImages.cpp
-    void Adjust(u32 position);
+    virtual void OpenAs(u32 position); // shell/PluginFlows.cpp
+    virtual void SaveAs(u32 position);
+    virtual void Print(u32 position);
+    virtual void Effect(u32 position); // shell/ProcessImages.cpp
+    virtual void Adjust(u32 position);
 
     // Undo and the work copy (shell/Undo.cpp, CopySelection.cpp).
     /// Puts the snapshot back and gives it up. Does nothing to the picture unless the menu entry is
@@ -105,6 +108,15 @@ public:
     /// is short. NothingDone without a selection, when the answer is not Yes, or when there is no
     /// memory, which it tells. The caller drops the copy.
     i32 CopySelection();
+    /// The pixels of the picture inside the selection's corners, whether it counts or not. Width
+    /// and height are 0 for corners out of order.
+    struct SelectedPart {
+        i32 left;
+        i32 top;
+        i32 width;
+        i32 height;
+    };
+    SelectedPart GetSelectedPart() const;
     /// Drops the work copy and its allocator, if there are any.
     void DropWorkImage();
 
@@ -305,6 +317,7 @@ private:
     void DrawSelection(const PixelRect& marks);
     void DrawMarker();
     void ShowSurface(i32 left, i32 top, i32 width, i32 height);
+    void PutUndoBack();
     void CreateCommandBar();
     void ScanPlugins();
     void ReadColors();

@@ -235,20 +235,35 @@ TEST(PluginMenus, EntriesStandInTheOrderOfTheFilesAndNotOfTheNames)
     });
 }
 
+// The fixture can do nothing but tell its name: an effect and an adjustment by it warn about its
+// settings and fail.
 TEST(PluginMenus, ChoosingAnEntryHarmsNothing)
 {
+    Scope scope;
+    SetLanguage(1033);
     for (const Menu& menu : menus)
         InstallLabelled(menu.kind, "1.One");
     RunAlone([](MainFrame& frame) {
-        int dialogs = 0;
-        OnModal([&](HWND dialog, bool) {
-            ++dialogs;
-            EndDialog(dialog, IDCANCEL);
+        std::vector<std::u16string> told;
+        OnModal([&](HWND dialog, bool box) {
+            told.push_back(box ? BoxText(dialog) : ControlText(dialog, ControlHeadline));
+            if (box)
+                EndDialog(dialog, IDOK);
         });
-        for (const Menu& menu : menus)
+        const std::u16string warning =
+            u"Failed to initialize plugin settings, but enforce next process...";
+        for (const Menu& menu : menus) {
+            SCOPED_TRACE(menu.kind);
+            told.clear();
             for (UINT i = 0; i < 100; ++i)
                 EXPECT_EQ(SendMessageW(frame.window, WM_COMMAND, menu.first + i, 0), 0);
-        EXPECT_EQ(dialogs, 0);
+            std::vector<std::u16string> expected;
+            if (menu.first == 41200)
+                expected = {warning, u"Effecting an image..."};
+            if (menu.first == 41300)
+                expected = {warning, u"Adjusting an image..."};
+            EXPECT_EQ(told, expected);
+        }
         EXPECT_EQ(frame.imagePresent, 0u);
         EXPECT_EQ(frame.openedPath[0], 0);
         EXPECT_TRUE(IsWindowEnabled(frame.window));
