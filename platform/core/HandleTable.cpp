@@ -21,6 +21,7 @@ namespace
 constexpr uintptr_t SlotBits = 16;
 constexpr uintptr_t MaximumSlots = uintptr_t{1} << SlotBits;
 constexpr uintptr_t Generations = uintptr_t{1} << 13;
+constexpr DWORD NotResumed = 0xFFFFFFFF;
 constexpr size_t RestingSlots = 1024; // freed slots that wait before one is used again
 
 struct Slot {
@@ -65,6 +66,12 @@ DWORD KernelObject::Wait(DWORD)
 {
     SetLastError(ERROR_INVALID_HANDLE);
     return WAIT_FAILED;
+}
+
+DWORD KernelObject::Resume()
+{
+    SetLastError(ERROR_INVALID_HANDLE);
+    return NotResumed;
 }
 
 HANDLE AddHandle(std::shared_ptr<KernelObject> object)

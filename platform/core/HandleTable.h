@@ -18,6 +18,9 @@ public:
     /// Waits until the object is signalled: WAIT_OBJECT_0, WAIT_TIMEOUT or WAIT_FAILED (the
     /// default: the object cannot be waited for).
     virtual DWORD Wait(DWORD milliseconds);
+    /// Lets a suspended thread begin: how often it was suspended before, 0 for one that runs
+    /// already, 0xFFFFFFFF (the default) for what is no thread.
+    virtual DWORD Resume();
 };
 
 /// A new handle for `object`; null when there is no memory.

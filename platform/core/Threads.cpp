@@ -66,6 +66,8 @@ public:
         return WAIT_OBJECT_0;
     }
 
+    DWORD Resume() override { return 0; } // none is ever suspended
+
     DWORD ExitCode()
     {
         const std::lock_guard<std::mutex> held(lock);
@@ -114,7 +116,7 @@ bool IsThreadFaulty()
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE start,
                            LPVOID parameter, DWORD flags, LPDWORD threadId)
 {
-    // A suspended start would need ResumeThread, which this platform does not have.
+    // Only processes are ever started suspended.
     if (start == nullptr || (flags & CREATE_SUSPENDED) != 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;

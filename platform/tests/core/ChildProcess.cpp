@@ -96,6 +96,22 @@ void TellLanguage()
     Tell(GetSystemDefaultLangID());
 }
 
+// Starts a program that goes on and one that stays suspended, tells their numbers and waits.
+void StartPrograms()
+{
+    WCHAR seconds[] = TEXT("60");
+    PROCESS_INFORMATION running{};
+    PROCESS_INFORMATION suspended{};
+    for (PROCESS_INFORMATION* started : {&running, &suspended}) {
+        const DWORD flags = started == &suspended ? CREATE_SUSPENDED : 0;
+        if (!CreateProcessW(TEXT("\\Computer\\bin\\sleep"), seconds, nullptr, nullptr, FALSE, flags,
+                            nullptr, nullptr, nullptr, started))
+            _exit(5);
+        Tell(started->dwProcessId);
+    }
+    WaitToGoOn();
+}
+
 std::string Self()
 {
     char path[4096];
@@ -123,7 +139,8 @@ const struct Start {
                               {"window-unserved", ShowWindowThatNobodyServes},
                               {"window-retitled", ShowWindowThatChanges},
                               {"window-until-quit", ShowWindowUntilQuit},
-                              {"sender", SendToWindow}};
+                              {"sender", SendToWindow},
+                              {"starter", StartPrograms}};
         const char* wanted = std::getenv(RoleName);
         if (wanted == nullptr)
             return;
