@@ -3,10 +3,8 @@
 #include "platform/core/MessageQueue.h"
 #include "platform/core/WindowRegistry.h"
 #include "platform/qt/Backing.h"
-#include "platform/qt/Icons.h"
+#include "platform/qt/HostWindow.h"
 #include "platform/qt/WindowRecords.h"
-
-#include <QWidget>
 
 #include <algorithm>
 
@@ -20,6 +18,9 @@ LRESULT SetText(Window& window, LPARAM lParam)
     const auto* text = reinterpret_cast<const WCHAR*>(lParam);
     window.text = text != nullptr ? text : u"";
     RetitleWindow(window.handle, window.text);
+    // The main window's title and icons are what the desktop shows for the program.
+    if (&window == MainWindow())
+        TheHostWindow().SetTitle(window.text);
     return TRUE;
 }
 
@@ -40,9 +41,8 @@ LRESULT SetIcon(Window& window, WPARAM which, LPARAM icon)
         return 0;
     const HICON before = window.icons[which];
     window.icons[which] = reinterpret_cast<HICON>(icon);
-    // The main window's icon is what the desktop shows for the program.
-    if (&window == MainWindow() && window.icons[which] != nullptr)
-        ScreenWidget()->setWindowIcon(IconOf(window.icons[which]));
+    if (&window == MainWindow())
+        TheHostWindow().SetIcons(window.icons[ICON_SMALL], window.icons[ICON_BIG]);
     return reinterpret_cast<LRESULT>(before);
 }
 

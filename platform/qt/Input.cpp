@@ -4,14 +4,19 @@
 #include "platform/core/MessageQueue.h"
 #include "platform/core/WindowTable.h"
 #include "platform/qt/Backing.h"
+#include "platform/qt/HostWindow.h"
 #include "platform/qt/KeyCodes.h"
+#include "platform/qt/Pen.h"
 #include "platform/qt/Toolkit.h"
+#include "platform/qt/Wheel.h"
 #include "platform/qt/WindowRecords.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QWheelEvent>
 #include <QWidget>
+#include <QWindow>
 
 namespace tavrix::platform
 {
@@ -81,13 +86,17 @@ bool IsPointer(QEvent::Type type)
            type == QEvent::MouseButtonDblClick || type == QEvent::MouseMove;
 }
 
+bool IsDrag(QEvent::Type type)
+{
+    return type == QEvent::DragEnter || type == QEvent::DragMove || type == QEvent::Drop;
+}
+
 bool IsInput(QEvent::Type type)
 {
-    return IsPointer(type) || type == QEvent::Wheel || type == QEvent::KeyPress ||
+    return IsPointer(type) || IsDrag(type) || type == QEvent::Wheel || type == QEvent::KeyPress ||
            type == QEvent::KeyRelease || type == QEvent::ShortcutOverride ||
            type == QEvent::Shortcut || type == QEvent::ContextMenu || type == QEvent::TouchBegin ||
-           type == QEvent::TouchUpdate || type == QEvent::TouchEnd || type == QEvent::DragEnter ||
-           type == QEvent::DragMove || type == QEvent::Drop;
+           type == QEvent::TouchUpdate || type == QEvent::TouchEnd;
 }
 
 // What the keyboard and the buttons do, whatever window it is for.
@@ -112,6 +121,8 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override
     {
         if (object->isWindowType()) {
+            if (TakeFullScreenKey(*event) || TakePen(*static_cast<QWindow*>(object), *event))
+                return true;
             NoteLive(*event);
             return false;
         }
@@ -126,8 +137,9 @@ public:
         const Window* window = WindowOfWidget(widget);
         if (window == nullptr || TakesInput(*window))
             return false;
-        // Accepted, or it would go on to the widget's parents.
-        event->accept();
+        // Accepted, or it would go on to the widget's parents. Of a drag that would say that it may
+        // be dropped here.
+        event->setAccepted(!IsDrag(event->type()));
         return true;
     }
 
@@ -167,6 +179,12 @@ public:
         }
         if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
             QueueKey(*target, static_cast<const QKeyEvent&>(*event));
+            event->accept();
+            return true;
+        }
+        if (event->type() == QEvent::Wheel) {
+            QueueWheel(*target, *static_cast<QWidget*>(object),
+                       static_cast<const QWheelEvent&>(*event));
             event->accept();
             return true;
         }
@@ -292,7 +310,7 @@ HWND WINAPI SetFocus(HWND handle)
 {
     const HWND before = GetFocus();
     if (handle == nullptr) {
-        if (QWidget* focus = ToolkitIsUp() ? ScreenWidget()->focusWidget() : nullptr)
+        if (QWidget* focus = ToolkitIsUp() ? ScreenWidget()->window()->focusWidget() : nullptr)
             focus->clearFocus();
         return before;
     }
@@ -311,7 +329,7 @@ HWND WINAPI GetFocus()
     // While the host window itself is not active, the toolkit keeps who will have the focus.
     const QWidget* focus = QApplication::focusWidget();
     if (focus == nullptr)
-        focus = ScreenWidget()->focusWidget();
+        focus = ScreenWidget()->window()->focusWidget();
     const Window* window = WindowOfWidget(focus);
     return window != nullptr ? window->handle : nullptr;
 }

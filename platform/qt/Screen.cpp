@@ -1,14 +1,14 @@
 #include "platform/qt/Screen.h"
 
-#include "platform/qt/Input.h"
+#include "platform/qt/Drops.h"
+#include "platform/qt/HostWindow.h"
 #include "platform/qt/StartupLog.h"
 #include "platform/qt/Toolkit.h"
 #include "platform/qt/Window.h"
 
-#include <QCloseEvent>
 #include <QGuiApplication>
-#include <QKeyEvent>
 #include <QPainter>
+#include <QPaintEvent>
 #include <QScreen>
 #include <QWidget>
 
@@ -49,16 +49,10 @@ std::optional<QSize> ParseSize(std::string_view text)
     return QSize(sides[0], sides[1]);
 }
 
-bool IsFullScreen()
-{
-    const char* value = std::getenv("TAVRIX_FULLSCREEN");
-    return value != nullptr && std::strcmp(value, "1") == 0;
-}
-
 QSize FindSize()
 {
     const QScreen* desktop = QGuiApplication::primaryScreen();
-    if (IsFullScreen() && desktop != nullptr)
+    if (StartsFullScreen() && desktop != nullptr)
         return desktop->geometry().size();
     if (const char* value = std::getenv("TAVRIX_SCREEN"))
         if (const auto size = ParseSize(value))
@@ -71,15 +65,10 @@ QSize FindSize()
 class DeviceScreen : public QWidget
 {
 public:
-    DeviceScreen()
+    explicit DeviceScreen(QWidget* host) : QWidget(host)
     {
-        setWindowTitle(QStringLiteral("Tavrix"));
         setAttribute(Qt::WA_OpaquePaintEvent);
-        // Window managers refuse the whole screen to windows of fixed size.
-        if (IsFullScreen())
-            resize(ScreenSize());
-        else
-            setFixedSize(ScreenSize());
+        setFixedSize(ScreenSize());
     }
 
 protected:
@@ -87,26 +76,6 @@ protected:
     {
         QPainter(this).fillRect(event->rect(), Qt::black);
         NoteScreenPainted();
-    }
-
-    // The host window stays: closing it asks the program to end, which then ends by itself.
-    void closeEvent(QCloseEvent* event) override
-    {
-        event->ignore();
-        const Window* window = MainWindow();
-        if (window != nullptr && TakesInput(*window))
-            PostMessageW(window->handle, WM_CLOSE, 0, 0);
-    }
-
-    // Keys that no widget wanted are the main window's.
-    void keyPressEvent(QKeyEvent* event) override { PassOn(*event); }
-    void keyReleaseEvent(QKeyEvent* event) override { PassOn(*event); }
-
-private:
-    static void PassOn(QKeyEvent& event)
-    {
-        if (Window* window = MainWindow())
-            QueueKey(*window, event);
     }
 };
 
@@ -119,37 +88,43 @@ QSize ScreenSize()
     return size;
 }
 
+bool StartsFullScreen()
+{
+    const char* value = std::getenv("TAVRIX_FULLSCREEN");
+    return value != nullptr && std::strcmp(value, "1") == 0;
+}
+
 QWidget* ScreenWidget()
 {
     EnsureToolkit();
-    static QWidget* screen = new DeviceScreen;
+    static QWidget* screen = [] {
+        auto* host = new HostWindow;
+        auto* device = new DeviceScreen(host);
+        host->Hold(device);
+        TakeDrops(device);
+        return device;
+    }();
     return screen;
 }
 
 void ShowScreen()
 {
-    QWidget* screen = ScreenWidget();
-    if (screen->isVisible())
-        return;
-    if (IsFullScreen())
-        screen->showFullScreen();
-    else
-        screen->show();
+    if (!ScreenWidget()->isVisible())
+        TheHostWindow().ShowFirst();
 }
 
 void RaiseScreen()
 {
-    QWidget* screen = ScreenWidget();
-    if (screen->isMinimized())
-        screen->setWindowState(screen->windowState() & ~Qt::WindowMinimized);
-    screen->raise();
+    HostWindow& host = TheHostWindow();
+    if (host.isMinimized())
+        host.setWindowState(host.windowState() & ~Qt::WindowMinimized);
+    host.raise();
 }
 
 void ActivateScreen()
 {
     RaiseScreen();
-    QWidget* screen = ScreenWidget();
-    screen->activateWindow();
+    TheHostWindow().activateWindow();
 }
 
 } // namespace tavrix::platform

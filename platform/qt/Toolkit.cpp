@@ -36,11 +36,12 @@ void UnsetScaling()
 QtMessageHandler hostMessages = nullptr;
 
 // A machine without a session has no run-time folder, and not every desktop lets a window raise
-// itself; the toolkit's notes about it help nobody.
+// itself or keep its size; the toolkit's notes about it help nobody.
 void FilterMessages(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")) &&
-        !text.startsWith(QLatin1String("This plugin does not support raise()")))
+        !text.startsWith(QLatin1String("This plugin does not support raise()")) &&
+        !text.startsWith(QLatin1String("This plugin does not support propagateSizeHints()")))
         hostMessages(type, context, text);
 }
 
@@ -61,6 +62,8 @@ void EnsureToolkit()
     // The other event dispatcher costs ten times as much a message.
     qputenv("QT_NO_GLIB", "1");
     QCoreApplication::setApplicationName(QStringLiteral("Tavrix"));
+    // By this a Wayland desktop knows which program a window is of; X11 goes by the names above.
+    QGuiApplication::setDesktopFileName(QStringLiteral("tavrix"));
     QGuiApplication::setDesktopSettingsAware(false);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(QStringLiteral("Fusion"));

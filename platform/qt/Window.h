@@ -81,7 +81,7 @@ Window* MainWindow();
 void BuryWidget(QWidget* widget);
 
 /// Starts the toolkit if it is not up yet (first use of any window) and answers the widget that is
-/// the device screen: the one host window, as large as GetSystemMetrics tells.
+/// the device screen, as large as GetSystemMetrics tells. It lies on the one host window.
 CE_API QWidget* ScreenWidget();
 /// Shows the device screen if it is still hidden: at the first visible window or dialog.
 void ShowScreen();

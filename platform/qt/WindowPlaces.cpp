@@ -16,7 +16,7 @@ namespace
 QPoint ToScreen(const QWidget& widget, QPoint point)
 {
     QWidget* screen = ScreenWidget();
-    if (widget.window() == screen)
+    if (widget.window() == screen->window())
         return widget.mapTo(screen, point);
     return screen->mapFromGlobal(widget.mapToGlobal(point));
 }

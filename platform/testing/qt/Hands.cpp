@@ -87,6 +87,18 @@ QWidget* PopupAt(QPoint onDesktop)
     return nullptr;
 }
 
+// The host window, and where a point of the device screen lies on it.
+QWindow* Host()
+{
+    return platform::ScreenWidget()->window()->windowHandle();
+}
+
+QPoint OnHost(int x, int y)
+{
+    const QWidget* screen = platform::ScreenWidget();
+    return screen->mapTo(screen->window(), QPoint(x, y));
+}
+
 void ClickWidget(QWidget& top, QPoint at, Qt::KeyboardModifiers held = Qt::NoModifier)
 {
     if (QWindow* window = top.windowHandle())
@@ -104,8 +116,8 @@ Qt::KeyboardModifiers HeldOf(int modifiers)
 
 void MovePointer(QTest::MouseAction action, Qt::MouseButton button, QPoint at, int modifiers)
 {
-    if (QWindow* window = platform::ScreenWidget()->windowHandle())
-        QTest::mouseEvent(action, window, button, HeldOf(modifiers), at);
+    if (QWindow* window = Host())
+        QTest::mouseEvent(action, window, button, HeldOf(modifiers), OnHost(at.x(), at.y()));
 }
 
 // A host window that has just come up becomes the active one a moment later, as on a real display,
@@ -124,7 +136,7 @@ void SendKey(QTest::KeyAction action, int virtualKey, Qt::KeyboardModifiers held
     if (top == nullptr)
         top = QApplication::activeWindow();
     if (top == nullptr)
-        top = platform::ScreenWidget();
+        top = platform::ScreenWidget()->window();
     if (QWindow* window = top->windowHandle())
         QTest::sendKeyEvent(action, window, KeyOf(virtualKey), TextOf(virtualKey, held), held);
 }
@@ -138,13 +150,13 @@ void ClickScreen(int x, int y, int modifiers)
     if (QWidget* popup = PopupAt(onDesktop))
         ClickWidget(*popup, popup->mapFromGlobal(onDesktop), HeldOf(modifiers));
     else
-        ClickWidget(*screen, QPoint(x, y), HeldOf(modifiers));
+        ClickWidget(*screen->window(), OnHost(x, y), HeldOf(modifiers));
 }
 
 void RightClickScreen(int x, int y)
 {
-    if (QWindow* window = platform::ScreenWidget()->windowHandle())
-        QTest::mouseClick(window, Qt::RightButton, Qt::NoModifier, QPoint(x, y));
+    if (QWindow* window = Host())
+        QTest::mouseClick(window, Qt::RightButton, Qt::NoModifier, OnHost(x, y));
 }
 
 void DragScreen(int x, int y, int toX, int toY)
@@ -185,8 +197,8 @@ void CommitText(const std::u16string& text)
 
 void DoubleClickScreen(int x, int y)
 {
-    if (QWindow* window = platform::ScreenWidget()->windowHandle())
-        QTest::mouseDClick(window, Qt::LeftButton, Qt::NoModifier, QPoint(x, y));
+    if (QWindow* window = Host())
+        QTest::mouseDClick(window, Qt::LeftButton, Qt::NoModifier, OnHost(x, y));
 }
 
 void ClickControl(HWND dialog, int id)

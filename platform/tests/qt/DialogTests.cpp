@@ -527,7 +527,7 @@ TEST_F(Dialogs, DraggingTheCaptionMovesTheDialog)
     OnModal([&](HWND dialog, bool) {
         Pump(20);
         GetWindowRect(dialog, &before);
-        QWindow* screen = tavrix::platform::ScreenWidget()->windowHandle();
+        QWindow* screen = tavrix::platform::ScreenWidget()->window()->windowHandle();
         const QPoint grip(before.left + 40, before.top + 10);
         QTest::mousePress(screen, Qt::LeftButton, Qt::NoModifier, grip);
         QTest::mouseMove(screen, grip + QPoint(10, 5));

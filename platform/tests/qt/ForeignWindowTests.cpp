@@ -25,7 +25,7 @@ enum : ULONG_PTR { Retitle, Destroy, Minimise, IsMinimised };
 
 LRESULT Obey(HWND window, const COPYDATASTRUCT& order)
 {
-    QWidget* screen = tavrix::platform::ScreenWidget();
+    QWidget* screen = tavrix::platform::ScreenWidget()->window();
     switch (order.dwData) {
     case Retitle:
         return SetWindowTextW(window, TEXT("名前"));

@@ -77,11 +77,11 @@ TEST(Screen, ItIsOneHostWindowOfFixedSizeWithTheProgramsName)
 {
     const TestWindow window;
     hand::Pump(30);
-    const QWidget* screen = platform::ScreenWidget();
-    EXPECT_TRUE(screen->isWindow());
+    const QWidget* screen = platform::ScreenWidget()->window();
     EXPECT_TRUE(screen->isVisible());
     EXPECT_EQ(screen->windowTitle(), QStringLiteral("Tavrix"));
     EXPECT_EQ(screen->size(), QSize(640, 480));
+    EXPECT_EQ(platform::ScreenWidget()->geometry(), QRect(0, 0, 640, 480));
     EXPECT_EQ(screen->minimumSize(), screen->maximumSize());
     EXPECT_EQ(screen->devicePixelRatio(), 1.0);
 }
@@ -92,11 +92,11 @@ TEST(Screen, ClosingItAsksTheMainWindowUnlessThatIsDisabled)
     const TestWindow window(CountCloses(closes));
     const TestWindow tool({}, WS_POPUP | WS_VISIBLE, 0, 0, 9, 9, window.handle);
     hand::Pump(30);
-    EXPECT_FALSE(platform::ScreenWidget()->close()) << "the screen itself stays";
+    EXPECT_FALSE(platform::ScreenWidget()->window()->close()) << "the screen itself stays";
     hand::Pump(30);
     EXPECT_EQ(closes, 1);
     EnableWindow(window.handle, FALSE);
-    platform::ScreenWidget()->close();
+    platform::ScreenWidget()->window()->close();
     hand::Pump(30);
     EnableWindow(window.handle, TRUE);
     hand::Pump(30);
