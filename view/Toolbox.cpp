@@ -7,6 +7,7 @@
 #include "view/DialogResource.h"
 #include "view/WindowDrag.h"
 
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -94,14 +95,18 @@ void Start(HWND dialog, std::unique_ptr<Toolbox>& made)
     LoadStrip(toolbox);
 }
 
-// Any cell may be asked for: one outside the strip copies nothing, as with -1, -1, which the copy
+i32 CellCorner(i32 cell)
+{
+    return static_cast<i32>(std::clamp<i64>(i64{CellSize} * cell, INT32_MIN, INT32_MAX));
+}
+
+// Any cell may be asked for: one outside the strip copies nothing, and -1, -1 one that the copy
 // moves below the window.
-void ShowTool(Toolbox& toolbox, WPARAM column, LPARAM row)
+void ShowTool(Toolbox& toolbox, i32 column, i32 row)
 {
     toolbox.raster.FillAll(FaceColor);
-    (void)toolbox.strip.CopyTo(static_cast<i32>(CellSize * static_cast<u32>(column)),
-                               static_cast<i32>(CellSize * static_cast<u32>(row)), CellSize,
-                               CellSize, &toolbox.raster, 0, TitleHeight, SRCCOPY);
+    (void)toolbox.strip.CopyTo(CellCorner(column), CellCorner(row), CellSize, CellSize,
+                               &toolbox.raster, 0, TitleHeight, SRCCOPY);
     PostMessageW(toolbox.window, WM_PAINT, 0, 0);
 }
 
@@ -147,7 +152,7 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         return FALSE;
     switch (message) {
     case ShowToolMessage:
-        ShowTool(*toolbox, wParam, lParam);
+        ShowTool(*toolbox, static_cast<i32>(wParam), static_cast<i32>(lParam));
         return TRUE;
     case WM_PAINT:
         Paint(*toolbox);
