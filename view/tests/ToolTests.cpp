@@ -73,7 +73,7 @@ TEST(Tools, EachCommandTakesItsToolAndShowsItsCell)
         // Scrolling alone leaves the phase.
         EXPECT_EQ(frame.toolPhase, choice.tool == 1 ? 17U : 0U) << choice.command;
         EXPECT_TRUE(tellings.empty()) << "it is posted, not sent";
-        Pump(1);
+        EXPECT_TRUE(AwaitTelling());
         EXPECT_EQ(tellings, std::vector<Telling>({{choice.column, 0}})) << choice.command;
     }
 }
@@ -86,7 +86,7 @@ TEST(Tools, AnyOtherToolShowsNoCell)
         frame.tool = tool;
         tellings.clear();
         frame.TellToolbox();
-        Pump(1);
+        EXPECT_TRUE(AwaitTelling());
         EXPECT_EQ(tellings, std::vector<Telling>({{static_cast<WPARAM>(-1), -1}})) << tool;
     }
 }
@@ -99,7 +99,7 @@ TEST(Tools, ACommandOfNoToolChangesNothing)
     frame.toolPhase = 17;
     for (u32 command : {40120U, 40124U, 40122U, 40123U, 40130U, 40160U, 40095U, 40030U, 0U})
         frame.ChooseTool(command);
-    Pump(1);
+    Pump(50);
     EXPECT_EQ(frame.tool, 32U);
     EXPECT_EQ(frame.toolPhase, 17U);
     EXPECT_TRUE(tellings.empty());
