@@ -147,6 +147,7 @@ void Destroy(Window& window)
     if (GetCapture() == handle)
         ReleaseCapture();
     window.style &= ~WS_VISIBLE;
+    PassFocusOn(window);
     window.widget->hide();
     CallWindow(handle, WM_DESTROY, 0, 0);
     for (const HWND dependent : Dependents(window))

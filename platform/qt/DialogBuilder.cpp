@@ -151,8 +151,9 @@ void FocusFirstControl(HWND dialog)
         return;
     if (const HWND first = NextTabControl(*state, nullptr, false); first != nullptr)
         SetFocus(first);
-    else
+    else if (state->modal || GetFocus() == nullptr)
         ClientWidget(*window)->setFocus(); // so that Esc still finds the dialog
+    // A tool window without anything for the keyboard leaves it where it is.
 }
 
 void ShowDialog(HWND dialog)

@@ -62,7 +62,8 @@ void ShowDialog(HWND dialog);
 INT_PTR RunDialog(const DialogPlan& plan, HINSTANCE instance, HWND owner, DLGPROC procedure,
                   LPARAM parameter, const std::shared_ptr<DialogState>& state, bool box);
 
-/// Puts the focus on the first control that takes it, else on the dialog itself.
+/// Puts the focus on the first control that takes it, else on the dialog itself if that is modal or
+/// nobody else has it.
 void FocusFirstControl(HWND dialog);
 /// The next (or previous) control behind `from` in the order of Tab; null when there is none.
 HWND NextTabControl(const DialogState& state, HWND from, bool back);

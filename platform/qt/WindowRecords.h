@@ -25,6 +25,10 @@ Window& TopLevelOf(Window& window);
 /// Whether `window` is owned by `owner`, over any number of steps.
 bool IsOwnedBy(const Window& window, const Window& owner);
 
+/// A window of its own is about to go out of sight: if the keyboard is in it, the owner (or the main
+/// window) gets it, provided that it can be seen and takes input.
+void PassFocusOn(const Window& leaving);
+
 /// Sends WM_MOVE and WM_SIZE as the window's place now asks for.
 void TellPlace(Window& window, bool moved, bool sized);
 

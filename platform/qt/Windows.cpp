@@ -24,6 +24,20 @@ void Activate(Window& window)
         window.widget->setFocus();
 }
 
+} // namespace
+
+void PassFocusOn(const Window& leaving)
+{
+    if (leaving.isChild || !IsSameOrBelow(GetFocus(), leaving.handle))
+        return;
+    const Window* next = leaving.parent != nullptr ? leaving.parent : MainWindow();
+    if (next != nullptr && next != &leaving && IsWindowVisible(next->handle) && TakesInput(*next))
+        SetFocus(next->handle);
+}
+
+namespace
+{
+
 int CopyOut(const std::u16string& text, LPWSTR buffer, int capacity)
 {
     if (buffer == nullptr || capacity <= 0)
@@ -79,7 +93,9 @@ BOOL WINAPI ShowWindow(HWND handle, int command)
         return before;
     if (!show) {
         window->style &= ~WS_VISIBLE;
-        window->widget->hide();
+        PassFocusOn(*window);
+        if (IsWindow(handle))
+            window->widget->hide();
         return before;
     }
     window->style |= WS_VISIBLE;
