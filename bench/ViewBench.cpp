@@ -1,0 +1,186 @@
+// What a person waits for while the pen moves: one stamp of the brush, from the pointer's message
+// to the pixels in the window, and one redraw of the whole view. A real main window of 800x480 in
+// the headless platform; the picture is loaded by nobody, only painted.
+//
+// "of_copy" is the ratio to a plain copy of the same surface in the same run; "of_frame" to one
+// frame of a 60 Hz display, 16.7 ms.
+
+#include "platform/host/Resources.h"
+#include "resources/Embedded.h"
+#include "resources/Ids.h"
+#include "shell/Application.h"
+#include "shell/MainFrame.h"
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+constexpr double FrameSeconds = 1.0 / 60;
+constexpr u32 PictureWidth = 4000;
+constexpr u32 PictureHeight = 3000;
+
+double Now()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+/// The program's record with its main window and a picture of noise; one for all benchmarks.
+MainFrame& Frame()
+{
+    static MainFrame* const frame = [] {
+        const EmbeddedResources resources = GetEmbeddedResources();
+        TavrixRegisterResources(nullptr, resources.begin, resources.end);
+        auto* made = new MainFrame;
+        made->showToolbox = 0;
+        made->showColorbox = 0;
+        static Application application;
+        application.frame = made;
+        application.instance = GetModuleHandleW(nullptr);
+        if (application.Init() != Done ||
+            made->image->Create(PictureWidth, PictureHeight, 24, nullptr, nullptr) != Done)
+            std::abort();
+        u32 noise = 1;
+        for (u32 y = 0; y < PictureHeight; ++y) {
+            u8* row = nullptr;
+            if (made->image->LockLines(static_cast<i32>(y), &row, nullptr) != Done)
+                std::abort();
+            for (u32 x = 0; x < PictureWidth * 3; ++x) {
+                noise = noise * 1664525 + 1013904223;
+                row[x] = static_cast<u8>(noise >> 24);
+            }
+            made->image->ReleaseLines(static_cast<i32>(y), 1, 0);
+        }
+        made->imagePresent = 1;
+        return made;
+    }();
+    return *frame;
+}
+
+/// Times `work` by turns with a copy of a surface of the screen's size.
+template <typename Work>
+void BesideACopy(benchmark::State& state, const MainFrame& frame, Work work)
+{
+    const size_t bytes =
+        size_t{3} * static_cast<u32>(frame.screenWidth) * static_cast<u32>(frame.screenHeight);
+    std::vector<u8> from(bytes, 1);
+    std::vector<u8> to(bytes, 2);
+    double ours = 0;
+    double copies = 0;
+    for (auto _ : state) {
+        const double begin = Now();
+        work();
+        const double middle = Now();
+        std::memcpy(to.data(), from.data(), bytes);
+        benchmark::DoNotOptimize(to.data());
+        benchmark::ClobberMemory();
+        copies += Now() - middle;
+        ours += middle - begin;
+        state.SetIterationTime(middle - begin);
+    }
+    state.counters["of_copy"] = ours / copies;
+    state.counters["copy_us"] =
+        benchmark::Counter(copies * 1e6, benchmark::Counter::kAvgIterations);
+    state.counters["of_frame"] =
+        benchmark::Counter(ours / FrameSeconds, benchmark::Counter::kAvgIterations);
+}
+
+struct ScreenMode {
+    u32 dither;
+    u32 mono;
+};
+constexpr ScreenMode Colour = {0, 0};
+constexpr ScreenMode Dithered = {1, 0};
+constexpr ScreenMode FourGreys = {0, 1};
+
+MainFrame& FrameIn(const ScreenMode& mode, u32 zoomCommand)
+{
+    MainFrame& frame = Frame();
+    frame.dither = mode.dither;
+    frame.SetMonoScreen(mode.mono);
+    if (zoomCommand == CommandZoomWindow)
+        frame.FitToWindow(1);
+    else
+        frame.SetZoom(zoomCommand);
+    return frame;
+}
+
+/// A drag of the brush, an event at a time; the last one is looked at.
+void Stamp(benchmark::State& state, ScreenMode mode)
+{
+    MainFrame& frame = FrameIn(mode, CommandZoom100);
+    if (frame.brush->Create(static_cast<u32>(state.range(0)), 256, 1) != Done)
+        return state.SkipWithError("no brush");
+    frame.ChooseTool(CommandBrush);
+    frame.faceColor = 0x20C04000;
+    SendMessageW(frame.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(400, 240));
+    int step = 0;
+    int x = 0;
+    int y = 0;
+    BesideACopy(state, frame, [&] {
+        ++step;
+        x = 150 + step * 37 % 500;
+        y = 150 + step * 23 % 200;
+        SendMessageW(frame.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, y));
+    });
+    SendMessageW(frame.window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+    HDC dc = GetDC(frame.window);
+    const COLORREF shown = GetPixel(dc, x, y);
+    ReleaseDC(frame.window, dc);
+    // The middle of a stamp covers by 255 of 256.
+    const auto isNear = [](u32 channel, u32 ink) { return channel <= ink && channel + 1 >= ink; };
+    if (mode.dither == 0 && mode.mono == 0 &&
+        !(isNear(GetRValue(shown), 0x20) && isNear(GetGValue(shown), 0xC0) &&
+          isNear(GetBValue(shown), 0x40)))
+        state.SkipWithError("the stamp is not in the window");
+}
+BENCHMARK_CAPTURE(Stamp, colour, Colour)->Arg(5)->Arg(100)->UseManualTime();
+BENCHMARK_CAPTURE(Stamp, dithered, Dithered)->Arg(5)->Arg(100)->UseManualTime();
+BENCHMARK_CAPTURE(Stamp, four_greys, FourGreys)->Arg(5)->Arg(100)->UseManualTime();
+
+void RedrawView(benchmark::State& state, ScreenMode mode, u32 zoomCommand)
+{
+    MainFrame& frame = FrameIn(mode, zoomCommand);
+    BesideACopy(state, frame, [&] { frame.RedrawView(); });
+}
+BENCHMARK_CAPTURE(RedrawView, colour_100, Colour, CommandZoom100)->UseManualTime();
+BENCHMARK_CAPTURE(RedrawView, dithered_100, Dithered, CommandZoom100)->UseManualTime();
+BENCHMARK_CAPTURE(RedrawView, four_greys_100, FourGreys, CommandZoom100)->UseManualTime();
+BENCHMARK_CAPTURE(RedrawView, colour_adjusted, Colour, CommandZoomWindow)->UseManualTime();
+BENCHMARK_CAPTURE(RedrawView, dithered_adjusted, Dithered, CommandZoomWindow)->UseManualTime();
+BENCHMARK_CAPTURE(RedrawView, four_greys_adjusted, FourGreys, CommandZoomWindow)->UseManualTime();
+
+/// Away from the person's own settings and pages, without a display.
+void SetSurroundings()
+{
+    const std::filesystem::path home = TAVRIX_BINARY_DIR "/bench/view-home";
+    std::filesystem::create_directories(home);
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("HOME", home.c_str(), 1);
+    setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (home / "config").c_str(), 1);
+    setenv("TAVRIX_SCREEN", "800x480", 1);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    SetSurroundings();
+    benchmark::SetDefaultTimeUnit(benchmark::kMicrosecond);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    // The window and what it stands on go with the process, as in the program.
+    std::_Exit(0);
+}
