@@ -116,6 +116,7 @@ std::string MakeFile(const std::string& name)
 
 TEST(HandOver, TheFirstShowsTheSecondsPictureAndTheSecondEndsWithZero)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     const std::string one = WriteTestPng(100, 80, "one.png");
     const std::string two = WriteTestPng(60, 50, "two.png");
@@ -133,6 +134,7 @@ TEST(HandOver, TheFirstShowsTheSecondsPictureAndTheSecondEndsWithZero)
 
 TEST(HandOver, NamesWithSpacesQuotesAndJapaneseSignsArrive)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgram(u"", [](MainFrame& frame) {
         int width = 20;
@@ -166,6 +168,7 @@ TEST(HandOver, APathOfTheGreatestLengthArrivesAndALongerOneIsRefusedByTheSecondA
 
 TEST(HandOver, WithoutAnArgumentTheFirstKeepsItsPictureAndNotesThePointer)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(100, 80), [](MainFrame& frame) {
         const std::u16string before = frame.openedPath;
@@ -183,6 +186,7 @@ TEST(HandOver, WithoutAnArgumentTheFirstKeepsItsPictureAndNotesThePointer)
 
 TEST(HandOver, AFileThatIsNotThereChangesNothing)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(100, 80), [](MainFrame& frame) {
         EXPECT_EQ(StartSecond({TestHome() + "/none.png"}).exitCode, 0);
@@ -235,6 +239,7 @@ TEST(HandOver, TwoSecondsAtOnceAreBothOpened)
 
 TEST(HandOver, ASecondThatIsKilledWhileItWaitsChangesNothingForTheNext)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     const std::string one = WriteTestPng(100, 80, "one.png");
     const std::string two = WriteTestPng(60, 50, "two.png");

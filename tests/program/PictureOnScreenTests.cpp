@@ -51,6 +51,7 @@ void ExpectScrolled(MainFrame& frame, int right, int down)
 
 TEST(PictureOnScreen, ASmallPictureLiesCentredAtFullSize)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(100, 80), [](MainFrame& frame) {
         const int bar = static_cast<int>(frame.clientOriginY);
@@ -62,6 +63,7 @@ TEST(PictureOnScreen, ASmallPictureLiesCentredAtFullSize)
 
 TEST(PictureOnScreen, APictureLargerThanTheViewStartsAtItsOwnEdge)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(900, 700), [](MainFrame& frame) {
         EXPECT_EQ(WrongPixels(frame, 900, 700, 0, static_cast<int>(frame.clientOriginY)), 0);
@@ -70,6 +72,7 @@ TEST(PictureOnScreen, APictureLargerThanTheViewStartsAtItsOwnEdge)
 
 TEST(PictureOnScreen, EachDirectionIsPlacedForItself)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(900, 81), [](MainFrame& frame) {
         const int bar = static_cast<int>(frame.clientOriginY);
@@ -80,6 +83,7 @@ TEST(PictureOnScreen, EachDirectionIsPlacedForItself)
 
 TEST(PictureOnScreen, AtHalfSizeEverySecondPixelShows)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(1600, 1200), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandZoom50, 0);
@@ -93,6 +97,7 @@ TEST(PictureOnScreen, AtHalfSizeEverySecondPixelShows)
 
 TEST(PictureOnScreen, AtDoubleSizeEveryPixelShowsAsASquare)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(800, 600), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandZoom200, 0);
@@ -106,6 +111,7 @@ TEST(PictureOnScreen, AtDoubleSizeEveryPixelShowsAsASquare)
 
 TEST(PictureOnScreen, TheArrowKeysMoveThePicture)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(900, 700),
                  {[](MainFrame&) {
@@ -120,6 +126,7 @@ TEST(PictureOnScreen, ATruncatedFileTellsItAndLeavesAWorkingWindow)
 {
     Scope scope;
     SetLanguage(1033);
+    HideToolWindows();
     InstallBundledPlugins();
     const std::string whole = WriteTestPng(300, 200);
     const std::string cut = TruncateFile(whole, 1, 2);
@@ -140,6 +147,7 @@ TEST(PictureOnScreen, APictureThatTellsAnAbsurdSizeIsRefused)
 {
     Scope scope;
     SetLanguage(1033);
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(TAVRIX_SOURCE_DIR "/tests/inputs/png/header-65536-wide.png",
                  [&](MainFrame& frame) {

@@ -41,6 +41,7 @@ void ExpectDithered(MainFrame& frame)
 
 TEST(ScreenMode, DitheringLeavesFiveBitsAChannelByThePlaceOnTheScreen)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(900, 700), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandDitherOn, 0);
@@ -54,6 +55,7 @@ TEST(ScreenMode, DitheringLeavesFiveBitsAChannelByThePlaceOnTheScreen)
 
 TEST(ScreenMode, MonoShowsFourGreysOfTheSameBrightnessAndColorBringsTheColoursBack)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(900, 700), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandScreenMono, 0);

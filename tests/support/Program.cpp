@@ -4,10 +4,12 @@
 #include "platform/testing/core/TestHome.h"
 #include "resources/Embedded.h"
 #include "resources/Ids.h"
+#include "settings/tests/SettingsText.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include <TestPaths.h>
 
@@ -97,6 +99,18 @@ void RegisterProgramResources()
 {
     const EmbeddedResources resources = GetEmbeddedResources();
     TavrixRegisterResources(nullptr, resources.begin, resources.end);
+}
+
+void WriteSettings(const std::u16string& lines)
+{
+    const std::string folder = TestHome() + "/config/tavrix/Configuration Files";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder + "/Tavrix.ini", std::ios::binary) << FileOf(lines);
+}
+
+void HideToolWindows()
+{
+    WriteSettings(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\n");
 }
 
 int RunProgram(const std::u16string& commandLine, const std::vector<Step>& steps)
