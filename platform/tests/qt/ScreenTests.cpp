@@ -125,6 +125,8 @@ TEST(Screen, AMainWindowBroughtToTheTopHidesNoToolWindow)
     const TestWindow window;
     const TestWindow tool({}, WS_POPUP | WS_VISIBLE, 10, 10, 30, 30, window.handle);
     hand::Pump(30);
+    // On a busy machine the first WM_PAINT may still be to come, and would wipe what is drawn.
+    hand::PumpUntil([&] { return !GetUpdateRect(tool.handle, nullptr, FALSE); });
     const HDC dc = GetDC(tool.handle);
     const RECT all{0, 0, 30, 30};
     FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
