@@ -106,6 +106,8 @@ void TrackbarWidget::paintEvent(QPaintEvent*)
     option.rect = Thumb();
     option.state |= QStyle::State_Raised;
     option.state.setFlag(QStyle::State_MouseOver, false);
+    // The style marks the focus only if a key brought it.
+    option.state.setFlag(QStyle::State_KeyboardFocusChange, hasFocus());
     style()->drawPrimitive(QStyle::PE_PanelButtonCommand, &option, &painter, this);
 }
 

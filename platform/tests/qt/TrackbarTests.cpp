@@ -417,8 +417,10 @@ TEST_F(Choosing, TabReachesATrackbarAndPassesADisabledOne)
 {
     TypeKey(VK_TAB);
     EXPECT_EQ(GetFocus(), GetDlgItem(dialog, 1));
+    const Picture without = WindowPixels(bar);
     TypeKey(VK_TAB);
     EXPECT_EQ(GetFocus(), bar);
+    EXPECT_NE(WindowPixels(bar).pixels, without.pixels) << "it shows that it has the keyboard";
     TypeKey(VK_RIGHT);
     EXPECT_EQ(Position(), 101) << "arrows are the trackbar's, not the dialog's";
 }
