@@ -2,8 +2,15 @@
 #include "platform/tests/qt/ControlResources.h"
 #include "platform/tests/qt/TestWindow.h"
 
+#include "platform/qt/Window.h"
+
 #include <commctrl.h>
 #include <gtest/gtest.h>
+
+#include <QImage>
+#include <QPixmap>
+#include <QScreen>
+#include <QWidget>
 
 #include <algorithm>
 #include <utility>
@@ -246,12 +253,26 @@ TEST_F(Trackbar, TheThumbStandsWhereThePositionIs)
     }
 }
 
+TEST_F(Trackbar, TheScreenItselfFollowsThePositionWithoutBeingAsked)
+{
+    Make(0, 0, 100, 0);
+    const auto shown = [] {
+        QWidget* screen = tavrix::platform::ScreenWidget();
+        return screen->screen()->grabWindow(screen->winId()).toImage();
+    };
+    PumpUntil([&] { return shown().pixel(Left + 7, Top + 12) != shown().pixel(1, 1); });
+    const QImage before = shown();
+    Send(TBM_SETPOS, TRUE, 100);
+    EXPECT_TRUE(PumpUntil([&] { return shown() != before; }, 3000));
+}
+
 TEST_F(Trackbar, ADisabledOneTakesNothingLooksSoAndLetsGoOfTheThumb)
 {
     Make();
     const Picture enabled = WindowPixels(bar);
     PressScreen(Left + Length / 2, Top + 8);
     EnableWindow(bar, FALSE);
+    EXPECT_EQ(told, (Told{{TB_THUMBPOSITION, 50}, {TB_ENDTRACK, 0}}));
     Pump(20);
     MoveScreen(Left + Length, Top + 8);
     ReleaseScreen(Left + Length, Top + 8);
