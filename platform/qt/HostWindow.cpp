@@ -4,9 +4,9 @@
 #include "platform/qt/Input.h"
 #include "platform/qt/Screen.h"
 #include "platform/qt/Window.h"
+#include "platform/qt/WindowManager.h"
 
 #include <QCloseEvent>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
@@ -70,9 +70,8 @@ void HostWindow::ShowFullScreen()
     setMinimumSize(0, 0);
     setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
     showFullScreen();
-    // An X server without a window manager leaves it to the window itself. With one this comes
-    // behind the request above and asks for what it does anyway.
-    if (QGuiApplication::platformName() == QLatin1String("xcb"))
+    // Not asked of a window manager, to which it would mean that the window wants to be one again.
+    if (IsUnmanagedDisplay())
         windowHandle()->setGeometry(windowHandle()->screen()->geometry());
 }
 
