@@ -14,6 +14,9 @@ namespace tavrix::platform
 bool IsUnmanagedDisplay()
 {
 #if QT_CONFIG(xcb)
+    // The headless platform, too, answers with this interface where it knows of an X server.
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        return false;
     const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
     if (x11 == nullptr)
         return false;

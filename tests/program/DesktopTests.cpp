@@ -2,6 +2,7 @@
 // that is dropped opens, F11 shows the whole screen.
 
 #include "platform/qt/Window.h"
+#include "resources/Ids.h"
 #include "tests/support/Program.h"
 #include "tests/support/TestPicture.h"
 
@@ -47,6 +48,13 @@ void Drop(const std::string& file)
     EXPECT_TRUE(drop.isAccepted());
 }
 
+/// They would cover the picture.
+void HideToolWindows(MainFrame& frame)
+{
+    SendMessageW(frame.window, WM_COMMAND, CommandToolboxWindow, 0);
+    SendMessageW(frame.window, WM_COMMAND, CommandColorboxWindow, 0);
+}
+
 /// Expects the test picture with its pixel (fromX, fromY) at the view's top left.
 void ExpectPictureFrom(const MainFrame& frame, int fromX, int fromY)
 {
@@ -66,7 +74,8 @@ TEST(Desktop, TheWheelScrollsThePictureByTenPixelsANotchAndWithShiftSideways)
 {
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(900, 700),
-                 {[](MainFrame& frame) {
+                 {HideToolWindows,
+                  [](MainFrame& frame) {
                       ExpectPictureFrom(frame, 0, 0);
                       Turn(-240);
                   },
