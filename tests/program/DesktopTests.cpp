@@ -97,12 +97,20 @@ TEST(Desktop, ADroppedFileOpensAndF11ShowsTheSameScreenOnTheWholeDesktop)
     const std::string other = WriteTestPng(300, 200, "二 枚目.png");
     Picture before;
     RunProgramOn(WriteTestPng(900, 700),
-                 {[&](MainFrame&) { Drop(other); },
+                 {[&](MainFrame& frame) {
+                      Drop(other);
+                      // Opening it shows a dialog, which shuts the main window for its while.
+                      EXPECT_TRUE(PumpUntil([&] {
+                          return std::u16string(frame.openedPath).ends_with(u"枚目.png") &&
+                                 IsWindowEnabled(frame.window);
+                      }));
+                  },
                   [&](MainFrame& frame) {
                       EXPECT_EQ(std::u16string(frame.openedPath)
                                     .substr(std::u16string(frame.openedPath).find_last_of(u'\\')),
                                 u"\\二 枚目.png");
                       RasterInfo info = {};
+                      info.size = sizeof info;
                       EXPECT_EQ(frame.image->GetInfo(&info), Done);
                       EXPECT_EQ(info.width, 300u);
                       before = ScreenPixels();
