@@ -256,14 +256,18 @@ TEST_F(Trackbar, TheThumbStandsWhereThePositionIs)
 TEST_F(Trackbar, TheScreenItselfFollowsThePositionWithoutBeingAsked)
 {
     Make(0, 0, 100, 0);
-    const auto shown = [] {
+    const auto shown = [](int x) {
         QWidget* screen = tavrix::platform::ScreenWidget();
-        return screen->screen()->grabWindow(screen->winId()).toImage();
+        const QImage picture = screen->screen()->grabWindow(screen->winId()).toImage();
+        return picture.pixel(Left + x, Top + 5);
     };
-    PumpUntil([&] { return shown().pixel(Left + 7, Top + 12) != shown().pixel(1, 1); });
-    const QImage before = shown();
+    constexpr int First = 7;
+    constexpr int Last = Length - 7;
+    ASSERT_TRUE(PumpUntil([&] { return shown(First) != shown(Length / 2); }, 3000));
+    const auto ground = shown(Length / 2);
+    EXPECT_EQ(shown(Last), ground);
     Send(TBM_SETPOS, TRUE, 100);
-    EXPECT_TRUE(PumpUntil([&] { return shown() != before; }, 3000));
+    EXPECT_TRUE(PumpUntil([&] { return shown(Last) != ground && shown(First) == ground; }, 3000));
 }
 
 TEST_F(Trackbar, ADisabledOneTakesNothingLooksSoAndLetsGoOfTheThumb)
