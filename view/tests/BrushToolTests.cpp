@@ -209,6 +209,7 @@ TEST_F(BrushTool, WithShiftItPicksTheColourAtPressDragAndLiftAndPaintsNothing)
 TEST_F(BrushTool, WithoutAMaskOrWithoutABrushThePenPaintsNothing)
 {
     frame.brush->Destroy();
+    frame.viewRaster.FillAll(0x55AA11FF); // a part drawn anew would show
     const std::vector<u32> view = PixelsOf(frame.viewRaster);
     Brush* const brush = frame.brush;
     for (Brush* without : {brush, static_cast<Brush*>(nullptr)}) {

@@ -409,6 +409,20 @@ TEST(Marker, WithoutTheMarkersPictureThereIsNone)
     frame.Lift(320, 240);
 }
 
+TEST(Redraw, APartReachesTheWindowToItsLastRowAndColumnAndNothingBesideItDoes)
+{
+    PenFrame frame;
+    frame.Show(900, 700);
+    std::vector<u32> shown = PixelsOf(frame.viewRaster);
+    frame.image->FillAll(0x3366CCFF);
+    EXPECT_EQ(frame.RedrawRegion(100.5, 120.5, 180.5, 160.5), 1);
+    for (int y = 120; y <= 161; ++y)
+        for (int x = 100; x <= 181; ++x)
+            At(shown, x, y) = 0x3366CC;
+    ExpectOnWindow(frame, shown);
+    ExpectSame(PixelsOf(frame.viewRaster), shown, ScreenWidth);
+}
+
 TEST(Redraw, TheSelectionsMarksFollowTheScreenMode)
 {
     PenFrame frame;

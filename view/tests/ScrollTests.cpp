@@ -50,6 +50,8 @@ TEST(ScrollKeys, ASecondKeyThatIsHeldAddsItsOwnMovement)
         {40168, VK_RIGHT, -5, -5},
         // A key of the same direction, and the command's own, add nothing.
         {40165, VK_RIGHT, 5, 0},
+        {40166, VK_LEFT, -5, 0},
+        {40168, VK_UP, 0, -5},
         {40165, VK_LEFT, 5, 0},
         {40167, VK_DOWN, 0, 5},
         {40167, VK_UP, 0, 5},
