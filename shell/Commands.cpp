@@ -65,6 +65,10 @@ void ClearClipboard(MainFrame& frame, u32)
 {
     frame.ClearClipboard();
 }
+void LaunchViewer(MainFrame& frame, u32)
+{
+    frame.LaunchViewer();
+}
 void Undo(MainFrame& frame, u32)
 {
     frame.Undo();
@@ -128,6 +132,7 @@ constexpr Command commands[] = {
     {CommandColorEraser, Tool},
     {CommandAlphaEraser, Tool},
     {CommandPipette, Tool},
+    {CommandLaunchViewer, LaunchViewer},
     {CommandToolboxWindow, ToolWindow},
     {CommandColorboxWindow, ToolWindow},
     {CommandSubtract, Subtract},
