@@ -138,6 +138,44 @@ TEST(Frame, WithNoTaskBarTheViewStillLosesOneLine)
     });
 }
 
+TEST(Frame, TheMarkersAreTheResourcesBytes)
+{
+    std::ifstream file(TAVRIX_BINARY_DIR "/resources/markers.bin", std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    ASSERT_EQ(bytes.size(), size_t{21 * 48 * 4});
+    InstallQuick();
+    RunProgram(u"", [&](MainFrame& frame) {
+        RasterInfo info = {};
+        info.size = sizeof info;
+        ASSERT_EQ(frame.sprites->GetInfo(&info), 1);
+        EXPECT_EQ(info.width, 21U);
+        ASSERT_EQ(info.height, 48U);
+        EXPECT_EQ(info.depth, 32U);
+        for (int y = 0; y < 48; ++y) {
+            u8* line = nullptr;
+            ASSERT_EQ(frame.sprites->LockLines(y, &line, nullptr), 1);
+            const std::string row(reinterpret_cast<const char*>(line), 84);
+            EXPECT_EQ(row, bytes.substr(static_cast<size_t>(y) * 84, 84)) << y;
+        }
+    });
+}
+
+// A display that has no room for colours shows four greys from the start on, whatever is set.
+TEST(Frame, WhereTheColourSurfaceCannotBeMadeTheMonochromeOneStands)
+{
+    Scope scope;
+    InstallQuick();
+    SetAllocationFault([](SIZE_T size) { return size > 500000; });
+    RunProgram(u"", [](MainFrame& frame) {
+        EXPECT_EQ(frame.monoScreen, 0U);
+        EXPECT_EQ(frame.surface.Depth(), 2U);
+        frame.RedrawView();
+        SetAllocationFault(nullptr);
+        frame.OnCommand(0, CommandScreenColor, nullptr);
+        EXPECT_EQ(frame.surface.Depth(), 24U);
+    });
+}
+
 TEST(Frame, ASizeMessageChangesNothing)
 {
     InstallQuick();

@@ -47,6 +47,14 @@ void RunWithPlugin(const Step& step)
     RunProgram(u"", step);
 }
 
+BrushInfo BrushOf(MainFrame& frame)
+{
+    BrushInfo info = {};
+    info.size = sizeof info;
+    EXPECT_EQ(Done, frame.brush->GetInfo(&info));
+    return info;
+}
+
 bool Saved(const std::u16string& text)
 {
     return Read(NewFile()).find(Utf16Bytes(text)) != std::string::npos;
@@ -152,8 +160,9 @@ TEST(SettingsKeys, AFirstRunWritesTheDefaultsInTheirOrder)
     const std::string bytes = Read(NewFile());
     EXPECT_EQ(0u, bytes.find(FileOf(u"[Tavrix]\r\nLastCommandLine=\r\nShowToolbox=1\r\n"
                                     u"ShowColorbox=1\r\nFaceColor=0\r\n"
-                                    u"BackgroundColor=4294967295\r\n")));
-    EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=0\r\nDitherMode=0\r\nScreenMode=0\r\n"));
+                                    u"BackgroundColor=4294967295\r\nBrushRadius=5\r\n"
+                                    u"BrushStrength=256\r\nBrushDiffusion=1\r\n"
+                                    u"WindowAdjusted=0\r\nDitherMode=0\r\nScreenMode=0\r\n")));
     EXPECT_FALSE(Saved(u"[Global]"));
 }
 
@@ -167,6 +176,89 @@ TEST(SettingsKeys, WhatIsShownIsWrittenAtTheEnd)
     });
     EXPECT_TRUE(Saved(u"\r\nShowToolbox=0\r\nShowColorbox=0\r\nFaceColor=1\r\n"
                       u"BackgroundColor=2\r\n"));
+}
+
+TEST(SettingsKeys, TheBrushIsMadeByItsThreeKeysAndWrittenBackAsItThenIs)
+{
+    Write(NewFile(), u"[Tavrix]\r\nBrushRadius=33\r\nBrushStrength=77\r\nBrushDiffusion=9\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        const BrushInfo read = BrushOf(frame);
+        EXPECT_EQ(33u, read.radius);
+        EXPECT_EQ(77u, read.strength);
+        EXPECT_EQ(9u, read.diffusion);
+        // It paints at once.
+        ASSERT_EQ(Done, frame.image->Create(10, 10, 24, nullptr, nullptr));
+        EXPECT_EQ(Done, frame.brush->Stroke(frame.image, 0xFFFFFFFF, 5, 5, nullptr));
+        u32 color = 0;
+        EXPECT_EQ(Done, frame.image->GetPixel(5, 5, &color));
+        EXPECT_EQ(0xFEFEFEu, color >> 8) << "255 * 256 parts of 65,536 over black";
+        EXPECT_EQ(Done, frame.brush->Create(12, 34, 56));
+    });
+    EXPECT_TRUE(Saved(u"\r\nBrushRadius=12\r\nBrushStrength=34\r\nBrushDiffusion=56\r\n"));
+}
+
+TEST(SettingsKeys, ARadiusOfAHundredIsTheLargest)
+{
+    Write(NewFile(), u"[Tavrix]\r\nBrushRadius=100\r\n");
+    RunWithPlugin([](MainFrame& frame) { EXPECT_EQ(100u, BrushOf(frame).radius); });
+    EXPECT_TRUE(Saved(u"\r\nBrushRadius=100\r\n"));
+}
+
+TEST(SettingsKeys, ALargerRadiusBecomesTheDefault)
+{
+    Write(NewFile(), u"[Tavrix]\r\nBrushRadius=101\r\nBrushStrength=3\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(5u, BrushOf(frame).radius);
+        EXPECT_EQ(3u, BrushOf(frame).strength);
+    });
+    EXPECT_TRUE(Saved(u"\r\nBrushRadius=5\r\n"));
+}
+
+TEST(SettingsKeys, ARadiusOfNothingIsTakenAndPaintsNothing)
+{
+    Write(NewFile(), u"[Tavrix]\r\nBrushRadius=0\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(0u, BrushOf(frame).radius);
+        ASSERT_EQ(Done, frame.image->Create(10, 10, 24, nullptr, nullptr));
+        EXPECT_EQ(Done, frame.brush->Stroke(frame.image, 0xFFFFFFFF, 5, 5, nullptr));
+    });
+    EXPECT_TRUE(Saved(u"\r\nBrushRadius=0\r\n"));
+}
+
+TEST(SettingsKeys, ABrushThatIsNoNumberHasItsDefaults)
+{
+    Write(NewFile(), u"[Tavrix]\r\nBrushRadius=big\r\nBrushStrength=\r\nBrushDiffusion=-1\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_EQ(5u, BrushOf(frame).radius);
+        EXPECT_EQ(256u, BrushOf(frame).strength);
+        EXPECT_EQ(1u, BrushOf(frame).diffusion);
+    });
+}
+
+TEST(SettingsKeys, TheToolWindowsStandAsTheirKeysSay)
+{
+    Write(NewFile(), u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=1\r\n");
+    RunWithPlugin([](MainFrame& frame) {
+        EXPECT_FALSE(IsWindowVisible(frame.toolbox));
+        EXPECT_TRUE(IsWindowVisible(frame.colorbox));
+        const auto checked = [&](UINT item) {
+            return (GetMenuState(frame.windowMenu, item, MF_BYCOMMAND) & MF_CHECKED) != 0;
+        };
+        EXPECT_FALSE(checked(40118));
+        EXPECT_TRUE(checked(40153));
+        SendMessageW(frame.window, WM_COMMAND, 40118, 0);
+        SendMessageW(frame.window, WM_COMMAND, 40153, 0);
+    });
+    EXPECT_TRUE(Saved(u"\r\nShowToolbox=1\r\nShowColorbox=0\r\n"));
+}
+
+TEST(SettingsKeys, WhatIsSwitchedAtTheScreenIsWritten)
+{
+    RunWithPlugin([](MainFrame& frame) {
+        for (const u32 command : {40164u, 40204u, 40020u})
+            SendMessageW(frame.window, WM_COMMAND, command, 0);
+    });
+    EXPECT_TRUE(Saved(u"\r\nWindowAdjusted=1\r\nDitherMode=1\r\nScreenMode=1\r\n"));
 }
 
 TEST(SettingsKeys, TheCommandLineIsRewrittenAtEveryStartBeforeItsEmptyTextCanEndASave)

@@ -116,8 +116,8 @@ std::string MakeFile(const std::string& name)
 
 TEST(HandOver, TheFirstShowsTheSecondsPictureAndTheSecondEndsWithZero)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     const std::string one = WriteTestPng(100, 80, "one.png");
     const std::string two = WriteTestPng(60, 50, "two.png");
     RunProgramOn(one, [&](MainFrame& frame) {
@@ -134,8 +134,8 @@ TEST(HandOver, TheFirstShowsTheSecondsPictureAndTheSecondEndsWithZero)
 
 TEST(HandOver, NamesWithSpacesQuotesAndJapaneseSignsArrive)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgram(u"", [](MainFrame& frame) {
         int width = 20;
         for (const char* name : {"with some spaces .png", "画像 その 1.png", "\"quoted\" name.png",
@@ -168,8 +168,8 @@ TEST(HandOver, APathOfTheGreatestLengthArrivesAndALongerOneIsRefusedByTheSecondA
 
 TEST(HandOver, WithoutAnArgumentTheFirstKeepsItsPictureAndNotesThePointer)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(100, 80), [](MainFrame& frame) {
         const std::u16string before = frame.openedPath;
         const ProcessResult second = StartSecond({});
@@ -186,8 +186,8 @@ TEST(HandOver, WithoutAnArgumentTheFirstKeepsItsPictureAndNotesThePointer)
 
 TEST(HandOver, AFileThatIsNotThereChangesNothing)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(100, 80), [](MainFrame& frame) {
         EXPECT_EQ(StartSecond({TestHome() + "/none.png"}).exitCode, 0);
         EXPECT_TRUE(Shows(frame, 100, 80));
@@ -239,8 +239,8 @@ TEST(HandOver, TwoSecondsAtOnceAreBothOpened)
 
 TEST(HandOver, ASecondThatIsKilledWhileItWaitsChangesNothingForTheNext)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     const std::string one = WriteTestPng(100, 80, "one.png");
     const std::string two = WriteTestPng(60, 50, "two.png");
     RunProgram(u"", [&](MainFrame& frame) {

@@ -51,8 +51,8 @@ void ExpectScrolled(MainFrame& frame, int right, int down)
 
 TEST(PictureOnScreen, ASmallPictureLiesCentredAtFullSize)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(100, 80), [](MainFrame& frame) {
         const int bar = static_cast<int>(frame.clientOriginY);
         const int viewHeight = 480 - bar - 1;
@@ -63,8 +63,8 @@ TEST(PictureOnScreen, ASmallPictureLiesCentredAtFullSize)
 
 TEST(PictureOnScreen, APictureLargerThanTheViewStartsAtItsOwnEdge)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(900, 700), [](MainFrame& frame) {
         EXPECT_EQ(WrongPixels(frame, 900, 700, 0, static_cast<int>(frame.clientOriginY)), 0);
     });
@@ -72,8 +72,8 @@ TEST(PictureOnScreen, APictureLargerThanTheViewStartsAtItsOwnEdge)
 
 TEST(PictureOnScreen, EachDirectionIsPlacedForItself)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(900, 81), [](MainFrame& frame) {
         const int bar = static_cast<int>(frame.clientOriginY);
         const int viewHeight = 480 - bar - 1;
@@ -83,8 +83,8 @@ TEST(PictureOnScreen, EachDirectionIsPlacedForItself)
 
 TEST(PictureOnScreen, AtHalfSizeEverySecondPixelShows)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(1600, 1200), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandZoom50, 0);
         const Picture screen = ScreenPixels();
@@ -97,8 +97,8 @@ TEST(PictureOnScreen, AtHalfSizeEverySecondPixelShows)
 
 TEST(PictureOnScreen, AtDoubleSizeEveryPixelShowsAsASquare)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(800, 600), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandZoom200, 0);
         const Picture screen = ScreenPixels();
@@ -111,8 +111,8 @@ TEST(PictureOnScreen, AtDoubleSizeEveryPixelShowsAsASquare)
 
 TEST(PictureOnScreen, TheArrowKeysMoveThePicture)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(900, 700),
                  {[](MainFrame&) {
                       TypeKey(VK_RIGHT);
@@ -126,8 +126,8 @@ TEST(PictureOnScreen, ATruncatedFileTellsItAndLeavesAWorkingWindow)
 {
     Scope scope;
     SetLanguage(1033);
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     const std::string whole = WriteTestPng(300, 200);
     const std::string cut = TruncateFile(whole, 1, 2);
     RunProgramOn(cut, [&](MainFrame& frame) {
@@ -147,8 +147,8 @@ TEST(PictureOnScreen, APictureThatTellsAnAbsurdSizeIsRefused)
 {
     Scope scope;
     SetLanguage(1033);
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(TAVRIX_SOURCE_DIR "/tests/inputs/png/header-65536-wide.png",
                  [&](MainFrame& frame) {
                      EXPECT_EQ(StatusTexts().size(), 1U);

@@ -41,8 +41,8 @@ void ExpectDithered(MainFrame& frame)
 
 TEST(ScreenMode, DitheringLeavesFiveBitsAChannelByThePlaceOnTheScreen)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(900, 700), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandDitherOn, 0);
         EXPECT_EQ(frame.dither, 1u);
@@ -55,8 +55,8 @@ TEST(ScreenMode, DitheringLeavesFiveBitsAChannelByThePlaceOnTheScreen)
 
 TEST(ScreenMode, MonoShowsFourGreysOfTheSameBrightnessAndColorBringsTheColoursBack)
 {
-    HideToolWindows();
     InstallBundledPlugins();
+    HideToolWindows();
     RunProgramOn(WriteTestPng(900, 700), [](MainFrame& frame) {
         SendMessageW(frame.window, WM_COMMAND, CommandScreenMono, 0);
         EXPECT_EQ(frame.surface.Depth(), 2u);

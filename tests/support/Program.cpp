@@ -86,6 +86,14 @@ void InstallBundledPlugins()
         InstallPlugin(entry.path());
 }
 
+void HideToolWindows()
+{
+    const std::string folder = TestHome() + "/config/tavrix/Configuration Files";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder + "/Tavrix.ini", std::ios::binary)
+        << FileOf(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\n");
+}
+
 std::u16string DevicePath(const std::string& hostPath)
 {
     std::u16string path = u"\\Computer" + Wide(std::filesystem::absolute(hostPath).string());
@@ -99,18 +107,6 @@ void RegisterProgramResources()
 {
     const EmbeddedResources resources = GetEmbeddedResources();
     TavrixRegisterResources(nullptr, resources.begin, resources.end);
-}
-
-void WriteSettings(const std::u16string& lines)
-{
-    const std::string folder = TestHome() + "/config/tavrix/Configuration Files";
-    std::filesystem::create_directories(folder);
-    std::ofstream(folder + "/Tavrix.ini", std::ios::binary) << FileOf(lines);
-}
-
-void HideToolWindows()
-{
-    WriteSettings(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\n");
 }
 
 int RunProgram(const std::u16string& commandLine, const std::vector<Step>& steps)

@@ -20,9 +20,8 @@ void InstallLabelled(const std::string& kind, const std::string& label);
 /// The bundled INPUT plugins.
 void InstallBundledPlugins();
 
-/// Puts a settings file of these lines where the next start finds it.
-void WriteSettings(const std::u16string& lines);
-/// Settings that hide toolbox and colorbox, for what looks at the picture on the whole screen.
+/// Writes the settings anew: the program starts without the toolbox and the colorbox, which would
+/// lie over the picture.
 void HideToolWindows();
 
 /// The device path of a host file.
