@@ -50,7 +50,7 @@ bool HasLeaks()
 
 std::u16string OldSettings()
 {
-    std::u16string text = u"\uFEFF[Tavrix]\r\nFaceColor=16909060\r\nBrushRadius=33\r\n";
+    std::u16string text = u"\uFEFF[Tavrix]\r\nFaceColor=16909060\r\nDefaultSCALE=33\r\n";
     text += u"[Foreign]\r\n";
     for (int i = 0; i < 40; ++i)
         text += u"key" + Wide(std::to_string(i)) + u"=value " + Wide(std::to_string(i)) + u"\r\n";
@@ -155,7 +155,7 @@ protected:
         EXPECT_EQ(bytes.size() % 2, 0U);
         EXPECT_EQ(text.substr(0, 1), u"\uFEFF");
         EXPECT_TRUE(text.ends_with(u"\r\n"));
-        for (const char16_t* kept : {u"[Tavrix]\r\n", u"BrushRadius=33\r\n", u"[Foreign]\r\n",
+        for (const char16_t* kept : {u"[Tavrix]\r\n", u"DefaultSCALE=33\r\n", u"[Foreign]\r\n",
                                      u"key0=value 0\r\n", u"key39=value 39\r\n"})
             EXPECT_NE(text.find(kept), text.npos) << Utf8(kept) << " is gone; left is\n"
                                                   << Utf8(text.c_str());
