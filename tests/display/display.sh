@@ -17,7 +17,8 @@ export HOME=$work XDG_DATA_HOME=$work/data XDG_CONFIG_HOME=$work/config TMPDIR=$
 export XDG_RUNTIME_DIR=$work LC_ALL=C.UTF-8
 unset WAYLAND_DISPLAY TAVRIX_SHOT QT_QPA_PLATFORM
 
-Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp >"$work/display" 2>"$work/server.log" &
+# Without -r a key that is slow to come up on a busy machine repeats.
+Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp -r >"$work/display" 2>"$work/server.log" &
 started=($! "${started[@]}")
 for _ in $(seq 100); do
     [ -s "$work/display" ] && break
