@@ -48,13 +48,6 @@ void Drop(const std::string& file)
     EXPECT_TRUE(drop.isAccepted());
 }
 
-/// They would cover the picture.
-void HideToolWindows(MainFrame& frame)
-{
-    SendMessageW(frame.window, WM_COMMAND, CommandToolboxWindow, 0);
-    SendMessageW(frame.window, WM_COMMAND, CommandColorboxWindow, 0);
-}
-
 /// Expects the test picture with its pixel (fromX, fromY) at the view's top left.
 void ExpectPictureFrom(const MainFrame& frame, int fromX, int fromY)
 {
@@ -72,10 +65,10 @@ void ExpectPictureFrom(const MainFrame& frame, int fromX, int fromY)
 
 TEST(Desktop, TheWheelScrollsThePictureByTenPixelsANotchAndWithShiftSideways)
 {
+    HideToolWindows();
     InstallBundledPlugins();
     RunProgramOn(WriteTestPng(900, 700),
-                 {HideToolWindows,
-                  [](MainFrame& frame) {
+                 {[](MainFrame& frame) {
                       ExpectPictureFrom(frame, 0, 0);
                       Turn(-240);
                   },
