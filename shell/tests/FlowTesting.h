@@ -19,13 +19,6 @@ using namespace jobtest;
 inline constexpr int PictureWidth = 60;
 inline constexpr int PictureHeight = 50;
 
-inline void WriteSettings(const std::u16string& text)
-{
-    const std::string folder = TestHome() + "/config/tavrix/Configuration Files";
-    std::filesystem::create_directories(folder);
-    std::ofstream(folder + "/Tavrix.ini", std::ios::binary) << FileOf(text);
-}
-
 inline void SwitchUndoOn()
 {
     WriteSettings(u"[Tavrix]\r\nEnableUndo=1\r\n");

@@ -28,16 +28,6 @@ std::u16string FileText(const std::string& path)
     return {reinterpret_cast<const char16_t*>(raw.data()), raw.size() / 2};
 }
 
-void WriteSettings(const std::u16string& text)
-{
-    const std::string folder = TestHome() + "/config/tavrix/Configuration Files";
-    std::filesystem::create_directories(folder);
-    std::ofstream file(folder + "/Tavrix.ini", std::ios::binary);
-    const std::u16string whole = u"\uFEFF" + text;
-    file.write(reinterpret_cast<const char*>(whole.data()),
-               static_cast<std::streamsize>(whole.size() * 2));
-}
-
 std::u16string SavedSettings()
 {
     return FileText(TestHome() + "/config/tavrix/Configuration Files/Tavrix.ini");

@@ -86,12 +86,16 @@ void InstallBundledPlugins()
         InstallPlugin(entry.path());
 }
 
-void HideToolWindows()
+void WriteSettings(const std::u16string& lines)
 {
     const std::string folder = TestHome() + "/config/tavrix/Configuration Files";
     std::filesystem::create_directories(folder);
-    std::ofstream(folder + "/Tavrix.ini", std::ios::binary)
-        << FileOf(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\n");
+    std::ofstream(folder + "/Tavrix.ini", std::ios::binary) << FileOf(lines);
+}
+
+void HideToolWindows()
+{
+    WriteSettings(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\n");
 }
 
 std::u16string DevicePath(const std::string& hostPath)

@@ -20,6 +20,8 @@ void InstallLabelled(const std::string& kind, const std::string& label);
 /// The bundled INPUT plugins.
 void InstallBundledPlugins();
 
+/// Puts a settings file of these lines where the next start finds it.
+void WriteSettings(const std::u16string& lines);
 /// Writes the settings anew: the program starts without the toolbox and the colorbox, which would
 /// lie over the picture.
 void HideToolWindows();
