@@ -172,6 +172,17 @@ TEST_F(ToolboxTest, TheWindowFollowsThePointerAndTheLift)
     ExpectCorner(toolbox, corner.x - 130, corner.y + 70);
 }
 
+TEST_F(ToolboxTest, TheLiftTakesTheWindowAlongWithoutAMoveBefore)
+{
+    Show();
+    const POINT corner = CornerOf(toolbox);
+    SendMessageW(toolbox, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 4));
+    SendMessageW(toolbox, WM_LBUTTONUP, 0, MAKELPARAM(-7, 34));
+    ExpectCorner(toolbox, corner.x - 17, corner.y + 30);
+    SendMessageW(toolbox, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(60, 60));
+    ExpectCorner(toolbox, corner.x - 17, corner.y + 30);
+}
+
 TEST_F(ToolboxTest, AFastDragWhoseStepsWaitInTheQueueEndsAtThePointer)
 {
     Show();
