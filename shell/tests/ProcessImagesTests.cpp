@@ -340,6 +340,7 @@ TEST_P(ProcessImages, WhatThePluginAndTheSnapshotLockedIsUnlockedAtTheEnd)
     RunOnPicture([&](MainFrame& frame) {
         const Answering answering;
         ASSERT_EQ(frame.image->Create(8, 6, 24, TEXT("\\Temp\\"), nullptr), Done);
+        frame.imagePresent = 0; // the view would release the lines that it shows
         ASSERT_TRUE(CanPage(*frame.image));
         for (int y = 0; y < 6; ++y) {
             u8* line = nullptr;
