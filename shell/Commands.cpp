@@ -88,7 +88,7 @@ struct Range {
 };
 
 // Meant: the ends of the first two lie in the next one, and both then run. No menu has as many
-// entries.
+// entries, so that all that comes of it is a beep before the first save and the first effect.
 constexpr Range ranges[] = {
     {CommandFirstOpenAs, 41100, CommandFirstOpenAs, &MainFrame::OpenAs},
     {CommandFirstSaveAs, 41200, CommandFirstSaveAs, &MainFrame::SaveAs},
