@@ -76,8 +76,11 @@ void Outermost()
 
 void Idle()
 {
-    if (!StartIsOver())
+    // The program is idle some 200 times a second; the start is over once.
+    static bool over = false;
+    if (over || !StartIsOver())
         return;
+    over = true;
     LogStartOver();
     TakeShot();
 }
