@@ -3,7 +3,9 @@
 #include "platform/qt/DialogFont.h"
 #include "platform/qt/Window.h"
 
-#include <QEvent>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QShortcutEvent>
 
 namespace tavrix::platform
 {
@@ -158,6 +160,24 @@ void MenuBar::Fill()
         ShowItems(*this, *model, target);
 }
 
+// Where several titles have one letter the toolkit opens one after the other, from one time to the
+// next. The letter means the first.
+bool MenuBar::OpenFirst(const QKeySequence& letter)
+{
+    for (QAction* action : actions()) {
+        QMenu* popup = action->menu();
+        if (popup == nullptr || !action->isEnabled() ||
+            QKeySequence::mnemonic(action->text()) != letter)
+            continue;
+        setActiveAction(action);
+        // By key a popup opens on its first entry.
+        QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+        QCoreApplication::sendEvent(popup, &down);
+        return true;
+    }
+    return false;
+}
+
 bool MenuBar::event(QEvent* event)
 {
     switch (event->type()) {
@@ -170,6 +190,11 @@ bool MenuBar::event(QEvent* event)
         break;
     default:
         break;
+    }
+    if (event->type() == QEvent::Shortcut) {
+        const auto& shortcut = static_cast<const QShortcutEvent&>(*event);
+        if (shortcut.isAmbiguous() && OpenFirst(shortcut.key()))
+            return true;
     }
     return QMenuBar::event(event);
 }

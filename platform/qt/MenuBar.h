@@ -51,6 +51,7 @@ protected:
 
 private:
     void Fill();
+    bool OpenFirst(const QKeySequence& letter);
 
     std::shared_ptr<Menu> model;
     MenuTarget target;

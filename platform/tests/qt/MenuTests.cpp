@@ -189,6 +189,22 @@ TEST_F(CommandBars, AnOpenedPopupAsksItsOwnerFirstAndKeysPickAnEntry)
     EXPECT_EQ(seen.commands, (std::vector<WPARAM>{40017}));
 }
 
+TEST_F(CommandBars, ALetterOfTwoTitlesOpensTheFirstEachTimeOnItsFirstEntry)
+{
+    const HMENU second = LoadMenuW(ControlResources(), MAKEINTRESOURCEW(112));
+    ASSERT_TRUE(AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(second), TEXT("In&fo")));
+    Pump(30);
+    for (size_t time = 1; time <= 3; ++time) {
+        seen.popups.clear();
+        TypeKey('F', 0x20);
+        EXPECT_TRUE(PumpUntil([] { return !seen.popups.empty(); }, 2000));
+        EXPECT_EQ(seen.popups, (std::vector<HMENU>{GetSubMenu(menu, 0)}));
+        TypeKey(VK_RETURN);
+        EXPECT_TRUE(PumpUntil([time] { return seen.commands.size() == time; }, 2000));
+        EXPECT_EQ(seen.commands.back(), 40017u);
+    }
+}
+
 TEST_F(CommandBars, AGrayEntryCannotBePickedUntilItIsEnabled)
 {
     const auto pickUndo = [this] {
