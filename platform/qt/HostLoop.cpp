@@ -4,6 +4,7 @@
 #include "platform/core/WindowReceiver.h"
 #include "platform/qt/Backing.h"
 #include "platform/qt/Graveyard.h"
+#include "platform/qt/QuietWait.h"
 #include "platform/qt/Screen.h"
 #include "platform/qt/Shot.h"
 #include "platform/qt/Signals.h"
@@ -44,6 +45,10 @@ constexpr UINT LastPointerMessage = 0x0206; // the right button's double click
 
 void Wait(int milliseconds)
 {
+    if (MayWaitQuietly(milliseconds)) {
+        WaitQuietly(milliseconds);
+        return;
+    }
     QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents;
     if (milliseconds != 0)
         flags |= QEventLoop::WaitForMoreEvents;
@@ -64,6 +69,7 @@ void Pump()
 void Wake()
 {
     dispatcher.load()->wakeUp();
+    WakeQuietWait();
 }
 
 void Outermost()

@@ -7,6 +7,7 @@
 #include "platform/qt/HostWindow.h"
 #include "platform/qt/KeyCodes.h"
 #include "platform/qt/Pen.h"
+#include "platform/qt/QuietWait.h"
 #include "platform/qt/Toolkit.h"
 #include "platform/qt/Wheel.h"
 #include "platform/qt/WindowRecords.h"
@@ -120,6 +121,8 @@ public:
 
     bool eventFilter(QObject* object, QEvent* event) override
     {
+        if (event->type() != QEvent::Timer)
+            NoteToolkitEvent();
         if (object->isWindowType()) {
             if (TakeFullScreenKey(*event) || TakePen(*static_cast<QWindow*>(object), *event))
                 return true;
