@@ -353,7 +353,12 @@ TEST(Frame, TheClipMenusFollowTheirState)
         frame.clipImage = &clip;
         frame.clipboardHasImage = 1;
         frame.selectionActive = 1;
+        for (const UINT item : {40036U, 40194U})
+            EnableMenuItem(frame.copyMenu, item, MF_BYCOMMAND | MF_ENABLED);
+        EnableMenuItem(frame.editMenu, 40056, MF_BYCOMMAND | MF_ENABLED);
         frame.UpdateClipMenus();
+        EXPECT_TRUE(Grayed(frame.copyMenu, 40036));
+        EXPECT_TRUE(Grayed(frame.copyMenu, 40194));
         EXPECT_FALSE(Grayed(frame.pasteMenu, 40037));
         EXPECT_FALSE(Grayed(frame.clearMenu, 40159));
         EXPECT_FALSE(Grayed(frame.pasteMenu, 40195));

@@ -4,12 +4,23 @@
 #include "platform/testing/Faults.h"
 #include "shell/tests/FlowTesting.h"
 
+#include <dlfcn.h>
+
 using namespace flowtest;
 
 namespace
 {
 
 constexpr u32 ViewerCommand = 40201;
+
+struct Starting {
+    std::u16string path;
+    std::u16string commandLine;
+    DWORD flags;
+};
+
+std::vector<Starting> startings;
+std::vector<bool> closedAtResumption; // whether the close was on its way
 
 std::string SeenFile()
 {
@@ -49,6 +60,27 @@ bool IsClosePosted(const MainFrame& frame)
 
 } // namespace
 
+// The device's own do the work; what they are asked is kept.
+
+BOOL WINAPI CreateProcessW(LPCWSTR path, LPWSTR commandLine, LPSECURITY_ATTRIBUTES process,
+                           LPSECURITY_ATTRIBUTES thread, BOOL inherit, DWORD flags, LPVOID own,
+                           LPCWSTR folder, LPSTARTUPINFOW startup, LPPROCESS_INFORMATION made)
+{
+    startings.push_back({path, commandLine, flags});
+    const auto device =
+        reinterpret_cast<decltype(&CreateProcessW)>(dlsym(RTLD_NEXT, "CreateProcessW"));
+    return device(path, commandLine, process, thread, inherit, flags, own, folder, startup, made);
+}
+
+DWORD WINAPI ResumeThread(HANDLE thread)
+{
+    MSG message = {};
+    closedAtResumption.push_back(PeekMessageW(&message, nullptr, WM_CLOSE, WM_CLOSE, PM_NOREMOVE) !=
+                                 FALSE);
+    const auto device = reinterpret_cast<decltype(&ResumeThread)>(dlsym(RTLD_NEXT, "ResumeThread"));
+    return device(thread);
+}
+
 TEST(LaunchViewer, ItIsStartedOnTheCurrentFileAndTheProgramStaysWhenTheAnswerIsNo)
 {
     Scope scope;
@@ -87,6 +119,24 @@ TEST(LaunchViewer, YesClosesTheProgramThatTheViewerOutlives)
         EXPECT_EQ(frame.handOvers.closed, 0u);
     });
     EXPECT_EQ(Seen(), "1|" + TestHome() + "/picture.png|");
+}
+
+TEST(LaunchViewer, ItSleepsUntilTheCloseIsOnItsWay)
+{
+    InstallViewer();
+    RunOnPicture([](MainFrame& frame) {
+        for (const int answer : {IDNO, IDYES}) {
+            const Answering answering(answer);
+            Send(frame, ViewerCommand);
+        }
+        ASSERT_EQ(startings.size(), 2u);
+        for (const Starting& starting : startings) {
+            EXPECT_TRUE(starting.path.ends_with(u"\\Mirelook.exe")) << Utf8(starting.path.c_str());
+            EXPECT_EQ(starting.commandLine, frame.openedPath);
+            EXPECT_EQ(starting.flags, 4u);
+        }
+        EXPECT_EQ(closedAtResumption, (std::vector<bool>{false, true}));
+    });
 }
 
 TEST(LaunchViewer, WithoutAFileItIsStartedAlone)

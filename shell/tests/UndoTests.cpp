@@ -95,6 +95,52 @@ TEST(Undo, ASelectionsChangeGoesBackToItsPlaceAndNoFurther)
     });
 }
 
+// Either number of at least 0 makes it a place.
+TEST(Undo, APlaceBeyondOneEdgePutsBackWhatLiesInThePicture)
+{
+    SwitchUndoOn();
+    RunOnPicture([](MainFrame& frame) {
+        const struct {
+            i32 x;
+            i32 y;
+        } places[] = {{-1, 2}, {3, -1}};
+        for (const auto& place : places) {
+            frame.TakeUndo(frame.image, place.x, place.y);
+            frame.image->UnlockAll();
+            ASSERT_EQ(frame.image->FillAll(0x123456FF), Done);
+            Send(frame, UndoCommand);
+            EXPECT_FALSE(HasSnapshot(frame));
+            for (int y = 0; y < PictureHeight; ++y)
+                for (int x = 0; x < PictureWidth; ++x) {
+                    const bool inside = x >= place.x && y >= place.y &&
+                                        x < PictureWidth + place.x && y < PictureHeight + place.y;
+                    ASSERT_EQ(PixelOf(*frame.image, x, y),
+                              inside ? TestColor(x - place.x, y - place.y) : 0x123456u)
+                        << x << ", " << y;
+                }
+            for (int y = 0; y < PictureHeight; ++y)
+                for (int x = 0; x < PictureWidth; ++x)
+                    ASSERT_EQ(frame.image->SetPixel(x, y, TestColor(x, y) << 8 | 0xFF), Done);
+        }
+    });
+}
+
+// The corners of a selection that was dropped stay, and are no place for a whole picture.
+TEST(Undo, AWholePictureGoesBackToItsCornerWhateverCornersASelectionLeft)
+{
+    SwitchUndoOn();
+    RunOnPicture([](MainFrame& frame) {
+        const Answering answering;
+        Select(frame, 10, 20, 29, 34);
+        frame.Deselect();
+        Send(frame, FirstEffect);
+        EXPECT_EQ(frame.undoX, 0);
+        EXPECT_EQ(frame.undoY, 0);
+        Send(frame, UndoCommand);
+        ExpectPicture(*frame.image);
+    });
+}
+
 TEST(Undo, ASnapshotOfAnotherSizeReplacesThePictureAndTheViewStartsAnew)
 {
     InstallFixture("scaling", "SCALE");

@@ -121,3 +121,14 @@ TEST(Desktop, ADroppedFileOpensAndF11ShowsTheSameScreenOnTheWholeDesktop)
                       EXPECT_EQ(Host()->width(), before.width);
                   }});
 }
+
+TEST(Desktop, ANotificationBringsTheProgramBackToTheFront)
+{
+    InstallBundledPlugins();
+    RunProgramOn(WriteTestPng(20, 10), [](MainFrame& frame) {
+        Host()->setWindowState(Qt::WindowMinimized);
+        ASSERT_TRUE(Host()->isMinimized());
+        EXPECT_EQ(SendMessageW(frame.window, WM_NOTIFY, 1, 0), 0);
+        EXPECT_FALSE(Host()->isMinimized());
+    });
+}

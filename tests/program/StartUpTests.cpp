@@ -526,6 +526,7 @@ TEST_P(StartUpFailure, AViewWithoutMemoryIsToldByTheWindowAndEndsTheStart)
     EXPECT_EQ(BoxCalls()[0].text, u"failed to create dibitmap for screen.");
     EXPECT_EQ(BoxCalls()[0].caption, u"Fatal Error");
     EXPECT_EQ(BoxCalls()[0].flags, 16U);
+    EXPECT_EQ(BoxCalls()[0].owner, nullptr);
     EXPECT_EQ(LogTexts().back(), u"Ended.");
     EXPECT_EQ(LogTexts().size(), 7U);
 }

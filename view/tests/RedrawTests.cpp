@@ -24,7 +24,8 @@ u32& At(std::vector<u32>& view, int x, int y)
 }
 
 /// The outline inverted: a side that lies outside is left out, but for the bottom one, which is
-/// then drawn on the last row. Once round, so that a pixel of two sides is inverted once.
+/// then drawn on the last row. Left and right begin below the first row of what is on the screen.
+/// Once round, so that a pixel of two sides is inverted once.
 void InvertOutline(std::vector<u32>& view, Rect r)
 {
     if (r.left >= ScreenWidth || r.top >= ScreenHeight || r.right < 1 || r.bottom < 1)
@@ -34,8 +35,8 @@ void InvertOutline(std::vector<u32>& view, Rect r)
         for (int x = 0; x < ScreenWidth; ++x) {
             const bool inColumns = x >= r.left && x <= r.right;
             const bool inRows = y >= r.top && y <= r.bottom;
-            const bool edge =
-                inColumns && inRows && (y == r.top || y == last || x == r.left || x == r.right);
+            const bool edge = inColumns && inRows &&
+                              (y == r.top || y == last || (y > 0 && (x == r.left || x == r.right)));
             if (edge)
                 At(view, x, y) ^= 0xFFFFFF;
         }
@@ -152,7 +153,7 @@ TEST(SelectionMarks, ASelectionAtRestHasItsFrameAndItsTintAtEveryZoom)
         // One of fractions, and one that is larger than the view at some zooms.
         for (const Rect& r : {Rect{40, 30, 101, 77}, Rect{200, 150, 455, 331}}) {
             frame.scrollX += 0.4;
-            Select(frame, r.left + 0.3, r.top, r.right + 0.6, r.bottom);
+            Select(frame, r.left + 0.3, r.top + 0.4, r.right + 0.6, r.bottom + 0.2);
             frame.selectionActive = 1;
             std::vector<u32> expected = PlainView(frame);
             InvertOutline(expected, MarksOfView(frame));
@@ -211,9 +212,12 @@ TEST(SelectionMarks, TheyStayWithThePictureAsItScrolls)
     frame.Zoom(CommandZoom75);
     Select(frame, 40, 30, 100, 70);
     frame.selectionActive = 1;
-    // Off the left, the top, the right and the bottom edge in turn, partly and wholly.
-    const f64 ways[][2] = {{60, 0},    {0, 60},    {-800, 0},  {0, -560},
-                           {500, 500}, {-900, 10}, {10, -700}, {101, -20}};
+    // Off the left, the top, the right and the bottom edge in turn, partly and wholly, and by less
+    // than a pixel.
+    const f64 bar = frame.clientOriginY;
+    const f64 ways[][2] = {
+        {60, 0},    {0, 60},    {-800, 0},  {0, -560}, {500, 500},
+        {-900, 10}, {10, -700}, {101, -20}, {40.4, 0}, {0, 30.4 + bar * frame.zoom}};
     for (const auto& way : ways) {
         frame.scrollX = way[0];
         frame.scrollY = way[1];
@@ -254,7 +258,7 @@ TEST(SelectionMarks, APartPutsTheLowerRightCornerOnTheNextWholePixel)
         frame.Zoom(zoom);
         frame.scrollX += 0.4;
         frame.scrollY += 0.7;
-        Select(frame, 40.3, 30, 101.6, 77);
+        Select(frame, 40.3, 30, 101.6, 77.2);
         frame.selectionActive = 1;
         std::vector<u32> expected = PlainView(frame);
         const Rect marks = MarksOfRegion(frame);
