@@ -427,13 +427,38 @@ TEST(Redraw, APartReachesTheWindowToItsLastRowAndColumnAndNothingBesideItDoes)
     ExpectSame(PixelsOf(frame.viewRaster), shown, ScreenWidth);
 }
 
+TEST(Redraw, BothWaysLeaveNothingToPaint)
+{
+    PenFrame frame;
+    frame.Show(457, 333);
+    InvalidateRect(frame.window, nullptr, FALSE);
+    ASSERT_TRUE(GetUpdateRect(frame.window, nullptr, FALSE));
+    frame.RedrawView();
+    EXPECT_FALSE(GetUpdateRect(frame.window, nullptr, FALSE));
+    InvalidateRect(frame.window, nullptr, FALSE);
+    EXPECT_EQ(frame.RedrawRegion(10, 10, 20, 20), 1);
+    EXPECT_FALSE(GetUpdateRect(frame.window, nullptr, FALSE)) << "outside of the part, too";
+}
+
+TEST(Redraw, TheWindowsContextIsGivenBack)
+{
+    PenFrame frame;
+    frame.Show(457, 333);
+    const size_t before = tavrix::platform::CountHoldings().drawingObjects;
+    for (int i = 0; i < 3; ++i) {
+        frame.RedrawView();
+        frame.RedrawRegion(10, 10, 20, 20);
+    }
+    EXPECT_EQ(tavrix::platform::CountHoldings().drawingObjects, before);
+}
+
 TEST(Redraw, TheSelectionsMarksFollowTheScreenMode)
 {
     PenFrame frame;
     frame.Show(900, 700);
     Select(frame, 0, 0, 899, 699);
     frame.selectionActive = 1;
-    frame.dither = 1;
+    frame.dither = 2; // the settings may hold any number
     frame.RedrawView();
     // The surface alone is dithered; the composed view keeps its values.
     const std::vector<u32> view = PixelsOf(frame.viewRaster);

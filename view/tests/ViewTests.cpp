@@ -119,6 +119,9 @@ TEST(View, FittingTakesTheSideThatLimits)
     wide.Show(480, 580); // equal: the width decides
     wide.FitToWindow(0);
     EXPECT_EQ(wide.zoom, 2.0);
+    wide.Show(481, 581); // 290 * 481 / 240 is cut to 581
+    wide.FitToWindow(0);
+    EXPECT_EQ(wide.zoom, 481.0 / 240.0);
 }
 
 TEST(View, ASmallPictureGrowsToFillTheView)
@@ -214,6 +217,14 @@ TEST(View, WithNoPictureTheViewIsBlack)
     frame.RedrawView();
     EXPECT_EQ(ViewPixel(frame, 0, 0), 0x000000FFU);
     EXPECT_EQ(ViewPixel(frame, 239, 319), 0x000000FFU);
+    // Nor is one shown that does not count yet.
+    frame.Show(400, 400);
+    frame.image->FillAll(0x102030FF);
+    frame.RedrawView();
+    EXPECT_EQ(ViewPixel(frame, 120, 160), 0x102030FFU);
+    frame.imagePresent = 0;
+    frame.RedrawView();
+    EXPECT_EQ(ViewPixel(frame, 120, 160), 0x000000FFU);
 }
 
 TEST(View, APictureScrolledOutOfTheViewLeavesItBlack)
@@ -275,6 +286,30 @@ TEST(View, ARegionOutsideTheScreenIsDoneWithNothingDrawn)
     EXPECT_EQ(frame.RedrawRegion(0, -20, 10, -1.5), 1);
     EXPECT_EQ(ViewPixel(frame, 0, 0), 0x55AA11FFU);
     EXPECT_EQ(ViewPixel(frame, 239, 319), 0x55AA11FFU);
+}
+
+TEST(View, ARegionThatTouchesTheScreensEdgeIsDrawnThere)
+{
+    FrameOfView frame(240, 290);
+    frame.MakeScreen(240, 320);
+    frame.Show(400, 400);
+    frame.image->FillAll(0x010203FF);
+    const struct {
+        f64 left, top, right, bottom;
+        i32 x, y; // drawn
+    } rows[] = {
+        {239, 100, 250, 110, 239, 105},
+        {100, 319, 110, 330, 105, 319},
+        {-5, 100, -0.5, 110, 0, 105},
+        {100, -5, 110, -0.5, 105, 0},
+    };
+    for (const auto& row : rows) {
+        frame.viewRaster.FillAll(0x55AA11FF);
+        EXPECT_EQ(frame.RedrawRegion(row.left, row.top, row.right, row.bottom), 1);
+        EXPECT_EQ(ViewPixel(frame, row.x, row.y), 0x010203FFU) << row.left << ", " << row.top;
+        EXPECT_EQ(ViewPixel(frame, row.x != 0 ? row.x - 1 : 1, row.y != 0 ? row.y - 1 : 1),
+                  0x55AA11FFU);
+    }
 }
 
 TEST(View, ARegionIsCutToTheScreenAndOrdered)
