@@ -6,6 +6,8 @@
 #include <commctrl.h>
 #include <handheld.h>
 
+#include <cstring>
+
 using namespace flowtest;
 
 namespace
@@ -87,6 +89,23 @@ TEST(FrameMessages, AdjustingTheWindowFitsCentresAndChecks)
         EXPECT_EQ(frame.scrollY, 0);
         EXPECT_TRUE(IsChecked(frame.zoomMenu, 40020));
     });
+}
+
+TEST(FrameStart, TheWindowIsAskedForByItsRecord)
+{
+    MainFrame frame;
+    CREATESTRUCTW record;
+    std::memset(&record, 0x5A, sizeof record);
+    frame.GetCreateParams(&record);
+    EXPECT_EQ(record.dwExStyle, 0u);
+    EXPECT_EQ(std::u16string(record.lpszClass), u"Tavrix");
+    EXPECT_EQ(std::u16string(record.lpszName), u"Tavrix");
+    EXPECT_EQ(static_cast<u32>(record.style), 0x10000000u);
+    for (const int place : {record.x, record.y, record.cx, record.cy})
+        EXPECT_EQ(static_cast<u32>(place), 0x80000000u);
+    EXPECT_EQ(record.hwndParent, nullptr);
+    EXPECT_EQ(record.hMenu, nullptr);
+    EXPECT_EQ(record.hInstance, nullptr);
 }
 
 TEST(FrameStart, ATaskBarsHeightIsTakenOffTheView)

@@ -82,20 +82,24 @@ TEST_F(BrushTool, EachEventMakesOneStampAndWhatLiesBetweenStays)
 
 TEST_F(BrushTool, WhatIsShownAfterAStampIsWhatAWholeRedrawShows)
 {
-    for (u32 zoom : zooms) {
-        frame.Zoom(zoom);
-        frame.scrollX += 0.37;
-        frame.scrollY -= 0.21;
-        frame.RedrawView();
-        const std::vector<u32> before = PixelsOf(frame.viewRaster);
-        frame.Press(310, 240);
-        frame.Lift(325, 244);
-        const std::vector<u32> shown = PixelsOf(frame.viewRaster);
-        ExpectOnWindow(frame, shown);
-        EXPECT_NE(shown, before) << zoom;
-        frame.RedrawView();
-        ExpectSame(shown, PixelsOf(frame.viewRaster), 640);
-    }
+    // The smallest stamp is strongest in its last column and row.
+    for (u32 radius : {9U, 1U})
+        for (u32 zoom : zooms) {
+            ASSERT_EQ(frame.brush->Create(radius, 256, 1), Done);
+            frame.faceColor += 0x33557700; // shows also where the one before has painted
+            frame.Zoom(zoom);
+            frame.scrollX += 0.37;
+            frame.scrollY -= 0.21;
+            frame.RedrawView();
+            const std::vector<u32> before = PixelsOf(frame.viewRaster);
+            frame.Press(310, 240);
+            frame.Lift(325, 244);
+            const std::vector<u32> shown = PixelsOf(frame.viewRaster);
+            ExpectOnWindow(frame, shown);
+            EXPECT_TRUE(shown != before || (radius == 1 && frame.zoom > 1)) << zoom;
+            frame.RedrawView();
+            ExpectSame(shown, PixelsOf(frame.viewRaster), 640);
+        }
 }
 
 TEST_F(BrushTool, OnlyTheStampedPartOfTheViewIsDrawn)
