@@ -1,5 +1,5 @@
-// What the main window answers to the messages that bring no command, what surrounds it at its
-// start, and its way out.
+// What the main window answers to the messages that bring no command, what stands at its start, its
+// menus by themselves, and its way out.
 
 #include "shell/tests/FlowTesting.h"
 
@@ -88,6 +88,31 @@ TEST(FrameMessages, AdjustingTheWindowFitsCentresAndChecks)
         EXPECT_NEAR(frame.scrollX, -(frame.viewWidth - 60 / zoom) / 2 * zoom, 1e-9);
         EXPECT_EQ(frame.scrollY, 0);
         EXPECT_TRUE(IsChecked(frame.zoomMenu, 40020));
+    });
+}
+
+// Also what another rule grays again behind it, and what the resource does not gray.
+TEST(FrameMenus, APictureEnablesEveryEntryOfItsRuleAndGraysNone)
+{
+    RunOnPicture([](MainFrame& frame) {
+        frame.FetchMenus();
+        const struct {
+            HMENU menu;
+            UINT item;
+            UINT by;
+        } rows[] = {
+            {frame.editMenu, 40056, MF_BYCOMMAND}, {frame.editMenu, 40074, MF_BYCOMMAND},
+            {frame.copyMenu, 40036, MF_BYCOMMAND}, {frame.copyMenu, 40194, MF_BYCOMMAND},
+            {frame.displayMenu, 2, MF_BYPOSITION}, {frame.displayMenu, 3, MF_BYPOSITION},
+            {frame.displayMenu, 5, MF_BYPOSITION},
+        };
+        for (const auto& row : rows)
+            EnableMenuItem(row.menu, row.item, row.by | MF_GRAYED);
+        EnableMenuItem(frame.editMenu, 40205, MF_BYCOMMAND | MF_ENABLED);
+        frame.EnableImageMenus();
+        for (const auto& row : rows)
+            EXPECT_EQ(GetMenuState(row.menu, row.item, row.by) & MF_GRAYED, 0u) << row.item;
+        EXPECT_FALSE(IsGray(frame.editMenu, 40205));
     });
 }
 
