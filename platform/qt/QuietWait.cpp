@@ -13,7 +13,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds QuietAfter{1};
 constexpr int LongestTick = 10; // milliseconds; a longer wait is the toolkit's
-constexpr int WaitsInARow = 3;
+constexpr int WaitsInARow = 5;
 
 Clock::time_point lastEvent = Clock::now();
 int waitsSinceTurn = 0;

@@ -1,8 +1,9 @@
 // Waiting for the next timer without the toolkit. A turn of the toolkit's event dispatcher costs
 // several times what a plain wait costs, and a program that samples its memory 200 times a second
 // would spend more than a hundredth of a processor on doing nothing. So once the toolkit has had
-// nothing for the person for a second, only every few of these short waits are its own; the first
-// event after that comes up to three of them late, which is less than a frame or two of the screen.
+// nothing for the person for a second, only every sixth of these short waits is the toolkit's; the
+// first event after that comes up to five of them late, which is less than two frames of the
+// screen.
 #pragma once
 
 #include <windows.h>
