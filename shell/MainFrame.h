@@ -80,14 +80,14 @@ public:
     void UpdateScreenChecks();
     void UpdateWindowChecks();
 
-    /// The clipboard's offer has changed, or not: grays or enables what depends on it
-    /// (shell/ClipboardPoll.cpp).
+    // The clips, and the sibling viewer (shell/ClipboardPoll.cpp, LaunchViewer.cpp).
+    /// The clipboard's offer has changed, or not: grays or enables what depends on it.
     void PollClipboard();
     /// Empties the clipboard, if it offers a picture.
     void ClearClipboard();
     /// Gives the memory clip up.
     void ClearMemory();
-    /// Starts the sibling viewer on the current file (shell/LaunchViewer.cpp).
+    /// Starts the sibling viewer on the current file.
     void LaunchViewer();
 
     // The entries of plugins, by their position in the menu.

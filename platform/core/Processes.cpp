@@ -2,6 +2,7 @@
 // once but waits, before its program, for a byte on a socket: the program's start is that byte, and
 // the socket's end, which comes with this process's end at the latest, takes the waiting one away.
 
+#include "platform/core/BackgroundThread.h"
 #include "platform/core/Deadline.h"
 #include "platform/core/ErrorCodes.h"
 #include "platform/core/FileTree.h"
@@ -231,24 +232,14 @@ void* WatchOver(void* parameter)
 }
 
 /// Sees the process off when it ends, whether or not anybody waits: else it would stay as a dead
-/// entry. On a thread that no signal reaches and that does not hold up this process's end.
+/// entry.
 bool StartWatch(pid_t process, const std::shared_ptr<Course>& course)
 {
     auto watch = std::make_unique<Watch>(Watch{process, course});
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    pthread_t thread;
-    const bool started = pthread_create(&thread, &attributes, WatchOver, watch.get()) == 0;
-    pthread_attr_destroy(&attributes);
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    if (started)
-        (void)watch.release();
-    return started;
+    if (!StartBackgroundThread(WatchOver, watch.get()))
+        return false;
+    (void)watch.release();
+    return true;
 }
 
 /// ERROR_SUCCESS and the host path of a program that may be run, or why there is none.

@@ -1,5 +1,6 @@
 #include "platform/core/WindowReceiver.h"
 
+#include "platform/core/BackgroundThread.h"
 #include "platform/core/LocalSocket.h"
 #include "platform/core/MessageQueue.h"
 #include "platform/core/WindowMail.h"
@@ -8,10 +9,8 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <memory>
 #include <poll.h>
-#include <pthread.h>
 #include <sys/socket.h>
 #include <vector>
 
@@ -164,29 +163,12 @@ void* Run(void* parameter)
     return nullptr;
 }
 
-/// A thread that no signal reaches: they are the main thread's.
-bool StartThread(Descriptor* listener)
-{
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    pthread_t thread;
-    const bool started = pthread_create(&thread, &attributes, Run, listener) == 0;
-    pthread_attr_destroy(&attributes);
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return started;
-}
-
 } // namespace
 
 bool StartWindowReceiver(const std::string& folder, const std::string& name)
 {
     auto listener = std::make_unique<Descriptor>(ListenAs(folder, name));
-    if (!listener->IsOpen() || !StartThread(listener.get()))
+    if (!listener->IsOpen() || !StartBackgroundThread(Run, listener.get()))
         return false;
     (void)listener.release();
     return true;

@@ -15,7 +15,7 @@ struct Kind {
     u32 first;
     u32 (*change)(u32);
     const char* folder;
-    const char* library;
+    const char* fixture;
     const char16_t* headline;
     const char16_t* japaneseHeadline;
     const char16_t* loadError;
@@ -130,7 +130,7 @@ TEST_P(ProcessImages, APluginThatDoesNotLoadIsToldInBothLanguages)
 {
     RunOnPicture([&](MainFrame& frame) {
         std::filesystem::remove(TestHome() + "/data/tavrix/PLUGINS/" + kind.folder + "/" +
-                                kind.library + ".dll");
+                                kind.fixture + ".dll");
         for (const LANGID language : {1033, 1041}) {
             SetLanguage(language);
             const Answering answering;
