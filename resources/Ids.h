@@ -5,7 +5,10 @@
 
 /* Resources. */
 #define AcceleratorTable 3
+#define DialogAboutEnglish 102
 #define DialogProgress 105
+#define DialogImageInformation 109
+#define DialogFile 110
 #define MenuEnglish 110
 #define MenuJapanese 111
 #define IconApplication 115
@@ -26,6 +29,11 @@
 #define BitmapColorboxTitle 145
 #define DialogPluginInformation 164
 #define IconPlugin 165
+#define DialogPaletteJapanese 168
+#define DialogPaletteEnglish 169
+#define DialogPrintJapanese 171
+#define DialogPrintEnglish 172
+#define DialogAboutJapanese 177
 
 /* Controls of the progress dialog. */
 #define ControlAbort 3
@@ -38,6 +46,23 @@
 #define ControlPluginTree 1080
 #define ControlPluginList 1081
 #define ControlPluginDescription 1083
+
+/* Controls of the file dialog. Its title has the progress dialog's headline's number. */
+#define ControlFileList 1001
+#define ControlFileName 1002
+#define ControlFileFilter 1003
+
+/* Controls of the small dialogs about the picture and the program. */
+#define ControlInformationList 1006
+#define ControlAboutAddress 1007
+#define ControlPaletteState 1085
+#define ControlPaletteRefresh 1086
+
+/* Controls of the print dialog. */
+#define ControlPrintConfigure 1106
+#define ControlPrintDither 1107
+#define ControlPrintStatus 1108
+#define ControlPrintStretch 1109
 
 /* Controls of the toolbox and the colorbox. */
 #define ControlToolTitle 1048

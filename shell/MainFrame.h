@@ -26,6 +26,7 @@
 #include "settings/SettingsFile.h"
 #include "shell/HandOver.h"
 #include "view/ColorChooser.h"
+#include "view/FileDialog.h"
 
 #include <windows.h>
 
@@ -91,7 +92,7 @@ public:
     void LaunchViewer();
 
     // The entries of plugins, by their position in the menu.
-    virtual void OpenAs(u32 position); // shell/PluginFlows.cpp
+    virtual void OpenAs(u32 position); // shell/OpenAs.cpp, SaveAs.cpp, PrintImage.cpp
     virtual void SaveAs(u32 position);
     virtual void Print(u32 position);
     virtual void Effect(u32 position); // shell/ProcessImages.cpp
@@ -127,10 +128,14 @@ public:
     /// Opens the plugin information dialog.
     void ShowPlugins();
 
-    // Opening (shell/OpenImages.cpp). Paths are device paths.
-    /// Opens what the command line or a hand-over names. Silent when it cannot be opened or no
-    /// plugin's patterns hold its extension.
+    // Opening (shell/OpenImages.cpp, OpenAs.cpp, Reload.cpp). Paths are device paths.
+    /// Null asks the user for a file. Otherwise opens what the command line or a hand-over names;
+    /// silent when it cannot be opened or no plugin's patterns hold its extension.
     void OpenFile(const WCHAR* path);
+    /// Reads the picture again from where it came: the file, the address, or anew.
+    void ReloadOpened();
+    /// Reads the file that was last written.
+    void ReloadSaved();
     /// The open's negative code, else what LoadFromStream gives.
     i32 LoadFromFile(const WCHAR* path, i32 plugin, i32 configure);
     /// Decodes `stream` with INPUT plugin number `plugin` into `image`, as one job. NothingDone if
@@ -139,6 +144,23 @@ public:
     /// The plugin of the first format whose patterns hold the path's extension. NothingDone when
     /// there is no extension or no such format.
     [[nodiscard]] i32 FindInputPlugin(const WCHAR* path, i32* plugin) const;
+
+    // Saving and printing (shell/SaveImages.cpp, SaveAs.cpp, PrintImage.cpp).
+    void Save();
+    /// Encodes as Save does, to nowhere, and tells the size.
+    void SaveVirtualCommand();
+    /// Encodes the picture, or the selection if the user says so, with OUTPUT plugin number
+    /// `plugin`, as one job. NothingDone if it stopped before the job, else the dialog's result,
+    /// which says nothing about the success.
+    i32 SaveToFile(const WCHAR* path, i32 plugin, i32 configure);
+    /// The same to nowhere; `path` names the file whose size is compared. Done also when the user
+    /// cancelled the plugin's settings.
+    i32 SaveVirtual(const WCHAR* path, i32 plugin, i32 configure);
+
+    // Dialogs about the picture and the program (view/ImageInformation.cpp, ...).
+    void ShowImageInformation();
+    void ShowPaletteInformation();
+    void ShowAbout();
 
     // Tools and tool windows (view/Tools.cpp, ToolWindows.cpp).
     /// Takes the tool of a command and tells the toolbox.
@@ -247,6 +269,7 @@ public:
     i32 undoY = -1;
     FormatList* inputExtensions;
     FormatList* outputExtensions;
+    FileDialog fileDialog; // keeps its folder and its sort from one use to the next
     PropertyList* inputNames; // plugin name -> plugin index, in menu order
     PropertyList* outputNames;
     PropertyList* effectNames;

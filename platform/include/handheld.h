@@ -1,5 +1,6 @@
 // What the handheld's interface has and the desktop's of the same family lacks: the command bar,
-// event modification, look-up of exports by wide name, the device's random numbers and idle timer.
+// event modification, look-up of exports by wide name, the device's random numbers and idle timer,
+// the replacing of a file at a stroke.
 // Include after <windows.h>.
 #pragma once
 
@@ -42,6 +43,11 @@ CE_API BOOL WINAPI CommandBar_AddAdornments(HWND bar, DWORD flags, DWORD reserve
 CE_API int WINAPI CommandBar_Height(HWND bar);
 /// The menu at button position `position`, null when there is none.
 CE_API HMENU WINAPI CommandBar_GetMenu(HWND bar, WORD position);
+
+/// Gives `target` the content of `source`, which is gone afterwards: whoever looks finds the old
+/// content or the new one, never a part. `target` need not exist; where it does it keeps its
+/// permissions. FALSE with both files as they were.
+CE_API BOOL WINAPI DeleteAndRenameFile(LPCWSTR target, LPCWSTR source);
 
 #ifdef __cplusplus
 }

@@ -63,6 +63,32 @@ typedef struct tagBITMAP
     LPVOID bmBits;
 } BITMAP, *LPBITMAP;
 
+#define LF_FACESIZE 32
+#define FW_NORMAL 400
+#define FW_BOLD 700
+#define DEFAULT_CHARSET 1
+#define SHIFTJIS_CHARSET 128
+
+typedef struct tagLOGFONTW
+{
+    LONG lfHeight;
+    LONG lfWidth;
+    LONG lfEscapement;
+    LONG lfOrientation;
+    LONG lfWeight;
+    BYTE lfItalic;
+    BYTE lfUnderline;
+    BYTE lfStrikeOut;
+    BYTE lfCharSet;
+    BYTE lfOutPrecision;
+    BYTE lfClipPrecision;
+    BYTE lfQuality;
+    BYTE lfPitchAndFamily;
+    WCHAR lfFaceName[LF_FACESIZE];
+} LOGFONTW;
+
+/// A font for WM_SETFONT and SelectObject, until DeleteObject. Null for null.
+CE_API HFONT WINAPI CreateFontIndirectW(const LOGFONTW* record);
 CE_API HDC WINAPI GetDC(HWND window);
 CE_API int WINAPI ReleaseDC(HWND window, HDC dc);
 CE_API HDC WINAPI CreateCompatibleDC(HDC dc);

@@ -143,6 +143,38 @@ typedef const DLGTEMPLATE* LPCDLGTEMPLATEW;
 #define WM_LBUTTONDBLCLK 0x0203
 #define WM_RBUTTONDOWN 0x0204
 #define WM_RBUTTONUP 0x0205
+#define CB_GETEDITSEL 0x0140
+#define CB_LIMITTEXT 0x0141
+#define CB_SETEDITSEL 0x0142
+#define CB_ADDSTRING 0x0143
+#define CB_DELETESTRING 0x0144
+#define CB_GETCOUNT 0x0146
+#define CB_GETCURSEL 0x0147
+#define CB_GETLBTEXT 0x0148
+#define CB_GETLBTEXTLEN 0x0149
+#define CB_INSERTSTRING 0x014A
+#define CB_RESETCONTENT 0x014B
+#define CB_FINDSTRING 0x014C
+#define CB_SELECTSTRING 0x014D
+#define CB_SETCURSEL 0x014E
+#define CB_SHOWDROPDOWN 0x014F
+#define CB_GETITEMDATA 0x0150
+#define CB_SETITEMDATA 0x0151
+#define CB_GETDROPPEDSTATE 0x0157
+#define CB_FINDSTRINGEXACT 0x0158
+#define LB_ADDSTRING 0x0180
+#define LB_INSERTSTRING 0x0181
+#define LB_DELETESTRING 0x0182
+#define LB_RESETCONTENT 0x0184
+#define LB_SETCURSEL 0x0186
+#define LB_GETCURSEL 0x0188
+#define LB_GETTEXT 0x0189
+#define LB_GETTEXTLEN 0x018A
+#define LB_GETCOUNT 0x018B
+#define LB_SELECTSTRING 0x018C
+#define LB_FINDSTRING 0x018F
+#define LB_GETITEMDATA 0x0199
+#define LB_SETITEMDATA 0x019A
 #define WM_USER 0x0400
 #define WM_APP 0x8000
 
@@ -199,6 +231,31 @@ typedef const DLGTEMPLATE* LPCDLGTEMPLATEW;
 #define EN_SETFOCUS 0x0100
 #define EN_KILLFOCUS 0x0200
 #define EN_CHANGE 0x0300
+#define CBS_SIMPLE 1u
+#define CBS_DROPDOWN 2u
+#define CBS_DROPDOWNLIST 3u
+#define CBS_TYPEMASK 3u
+#define CBS_AUTOHSCROLL 0x40u
+#define CBS_SORT 0x100u
+#define CB_ERR (-1)
+#define CBN_SELCHANGE 1
+#define CBN_DBLCLK 2
+#define CBN_SETFOCUS 3
+#define CBN_KILLFOCUS 4
+#define CBN_EDITCHANGE 5
+#define CBN_EDITUPDATE 6
+#define CBN_DROPDOWN 7
+#define CBN_CLOSEUP 8
+#define CBN_SELENDOK 9
+#define CBN_SELENDCANCEL 10
+#define LBS_NOTIFY 1u
+#define LBS_SORT 2u
+#define LBS_NOINTEGRALHEIGHT 0x100u
+#define LB_ERR (-1)
+#define LBN_SELCHANGE 1
+#define LBN_DBLCLK 2
+#define LBN_SETFOCUS 4
+#define LBN_KILLFOCUS 5
 
 #define SW_HIDE 0
 #define SW_SHOWNORMAL 1
@@ -360,6 +417,10 @@ CE_API HWND WINAPI GetDlgItem(HWND dialog, int id);
 CE_API int WINAPI GetDlgCtrlID(HWND window);
 CE_API BOOL WINAPI SetDlgItemTextW(HWND dialog, int id, LPCWSTR text);
 CE_API UINT WINAPI GetDlgItemTextW(HWND dialog, int id, LPWSTR buffer, int capacity);
+/// The control's text as a decimal number, with spaces before it and, where `isSigned`, a minus
+/// sign. 0 and `*translated` FALSE for what is no number or does not fit.
+CE_API UINT WINAPI GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL isSigned);
+CE_API BOOL WINAPI SetDlgItemInt(HWND dialog, int id, UINT value, BOOL isSigned);
 CE_API LRESULT WINAPI SendDlgItemMessageW(HWND dialog, int id, UINT message, WPARAM wParam,
                                           LPARAM lParam);
 CE_API int WINAPI MessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT flags);
