@@ -39,6 +39,11 @@ const TavrixChar* FindText(const PluginTexts& texts, uint32_t index)
 
 } // namespace
 
+bool SpeaksJapanese()
+{
+    return speaksJapanese;
+}
+
 const TavrixChar* InLanguage(const BilingualText& text)
 {
     return speaksJapanese ? text.japanese : text.english;

@@ -37,6 +37,8 @@ struct PluginTexts {
     uint32_t formatCount;
 };
 
+/// Whether the language that was set last is Japanese.
+bool SpeaksJapanese();
 /// The text in the language that was set last, English at first.
 const TavrixChar* InLanguage(const BilingualText& text);
 /// Carries out SetLanguage. Any language but Japanese is English. PluginDone.

@@ -21,6 +21,7 @@
 #define WS_TABSTOP 0x00010000L
 #define DS_SETFONT 0x40L
 #define DS_MODALFRAME 0x80L
+#define DS_CENTER 0x800L
 
 /* Controls. */
 #define SS_LEFT 0x0L
@@ -34,6 +35,7 @@
 #define BS_RADIOBUTTON 0x4L
 #define BS_GROUPBOX 0x7L
 #define BS_AUTORADIOBUTTON 0x9L
+#define TBS_NOTICKS 0x10L
 
 /* The buttons that every dialog has. */
 #define IDOK 1

@@ -1,0 +1,172 @@
+#include "standard-plugins/common/device/PluginDialog.h"
+
+#include "standard-plugins/common/PluginInfo.h"
+#include "standard-plugins/common/PluginResult.h"
+
+#include <commctrl.h>
+#include <tavrix/module.h>
+
+namespace
+{
+
+// The pages of a trackbar's whole way.
+constexpr uint32_t pages = 10;
+
+struct Asking {
+    const SettingsDialog* dialog;
+    uint32_t values[mostDialogSettings];
+};
+
+void ShowNumber(HWND window, int control, LRESULT number)
+{
+    WCHAR text[16];
+    wsprintfW(text, TEXT("%d"), static_cast<int>(number));
+    SetDlgItemTextW(window, control, text);
+}
+
+LRESULT PositionOf(HWND window, int control)
+{
+    return SendDlgItemMessageW(window, control, TBM_GETPOS, 0, 0);
+}
+
+void ShowTrackbar(HWND window, const DialogSetting& row, uint32_t value)
+{
+    const PluginSetting& setting = row.setting;
+    const uint32_t page = (setting.most - setting.least) / pages;
+    SendDlgItemMessageW(window, row.control, TBM_SETRANGEMIN, FALSE,
+                        static_cast<LPARAM>(setting.least));
+    SendDlgItemMessageW(window, row.control, TBM_SETRANGEMAX, FALSE,
+                        static_cast<LPARAM>(setting.most));
+    SendDlgItemMessageW(window, row.control, TBM_SETPAGESIZE, 0,
+                        static_cast<LPARAM>(page > 1 ? page : 1));
+    SendDlgItemMessageW(window, row.control, TBM_SETPOS, TRUE, static_cast<LPARAM>(value));
+    if (row.number)
+        ShowNumber(window, row.number, static_cast<LRESULT>(value));
+}
+
+void SetCheck(HWND window, int control, bool checked)
+{
+    SendDlgItemMessageW(window, control, BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+bool IsChecked(HWND window, int control)
+{
+    return SendDlgItemMessageW(window, control, BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
+
+void ShowValue(HWND window, const DialogSetting& row, uint32_t value)
+{
+    const uint32_t least = row.setting.least;
+    switch (row.kind) {
+    case SettingControl::Trackbar:
+        ShowTrackbar(window, row, value);
+        break;
+    case SettingControl::Check:
+        SetCheck(window, row.control, value != 0);
+        break;
+    case SettingControl::Choice:
+        for (uint32_t i = least; i <= row.setting.most; ++i)
+            SetCheck(window, row.control + static_cast<int>(i - least), i == value);
+        break;
+    }
+}
+
+uint32_t ShownValue(HWND window, const DialogSetting& row, uint32_t before)
+{
+    const uint32_t least = row.setting.least;
+    switch (row.kind) {
+    case SettingControl::Trackbar:
+        return static_cast<uint32_t>(PositionOf(window, row.control));
+    case SettingControl::Check:
+        return IsChecked(window, row.control) ? 1 : 0;
+    case SettingControl::Choice:
+        for (uint32_t i = least; i <= row.setting.most; ++i)
+            if (IsChecked(window, row.control + static_cast<int>(i - least)))
+                return i;
+        break;
+    }
+    return before;
+}
+
+void ShowValues(HWND window, const Asking& asking)
+{
+    for (uint32_t i = 0; i < asking.dialog->count; ++i)
+        ShowValue(window, asking.dialog->settings[i], asking.values[i]);
+}
+
+void TakeValues(HWND window, Asking* asking)
+{
+    for (uint32_t i = 0; i < asking->dialog->count; ++i)
+        asking->values[i] = ShownValue(window, asking->dialog->settings[i], asking->values[i]);
+}
+
+void FollowTrackbars(HWND window, const Asking& asking)
+{
+    for (uint32_t i = 0; i < asking.dialog->count; ++i) {
+        const DialogSetting& row = asking.dialog->settings[i];
+        if (row.kind == SettingControl::Trackbar && row.number)
+            ShowNumber(window, row.number, PositionOf(window, row.control));
+    }
+}
+
+INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(window, DWLP_USER, lParam);
+        ShowValues(window, *reinterpret_cast<const Asking*>(lParam));
+        return TRUE;
+    }
+    auto* asking = reinterpret_cast<Asking*>(GetWindowLongPtrW(window, DWLP_USER));
+    if (!asking)
+        return FALSE;
+    switch (message) {
+    case WM_HSCROLL:
+        FollowTrackbars(window, *asking);
+        return TRUE;
+    case WM_COMMAND:
+        if (LOWORD(wParam) == IDOK)
+            TakeValues(window, asking);
+        if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)
+            EndDialog(window, LOWORD(wParam));
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace
+
+int32_t ShowPluginDialog(const DialogNumbers& numbers, TavrixWindow owner, DLGPROC procedure,
+                         LPARAM parameter)
+{
+    const HINSTANCE module = TavrixThisModule();
+    const int number = SpeaksJapanese() ? numbers.japanese : numbers.english;
+    const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(number), RT_DIALOG);
+    if (!found)
+        return PluginFailed;
+    const auto* shape = static_cast<LPCDLGTEMPLATEW>(LockResource(LoadResource(module, found)));
+    const INT_PTR result =
+        DialogBoxIndirectParamW(module, shape, static_cast<HWND>(owner), procedure, parameter);
+    if (result == IDOK)
+        return PluginDone;
+    return result == IDCANCEL ? PluginNothing : PluginFailed;
+}
+
+int32_t AskSettings(const SettingsDialog& dialog, TavrixWindow owner, TavrixPutPropertyCallback put,
+                    TavrixGetPropertyCallback get)
+{
+    if (!put || !get || dialog.count > mostDialogSettings)
+        return PluginBadArgument;
+    Asking asking = {};
+    asking.dialog = &dialog;
+    for (uint32_t i = 0; i < dialog.count; ++i)
+        asking.values[i] = ReadSetting(dialog.settings[i].setting, get);
+    const int32_t result =
+        ShowPluginDialog(dialog.numbers, owner, Procedure, reinterpret_cast<LPARAM>(&asking));
+    if (result != PluginDone)
+        return result;
+    for (uint32_t i = 0; i < dialog.count; ++i)
+        if (!StoreSetting(dialog.settings[i].setting, asking.values[i], put))
+            return PluginFailed;
+    return PluginDone;
+}
