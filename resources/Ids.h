@@ -13,7 +13,7 @@
 #define MenuJapanese 111
 #define IconApplication 115
 #define IconParentFolder 116
-#define IconPluginGroup 117
+#define IconFolder 117
 #define IconFile 118
 #define IconFileProperty 119
 #define DialogBrushJapanese 118

@@ -85,7 +85,7 @@ void SetTreeIcons(Information& information)
     const auto instance = reinterpret_cast<HINSTANCE>(
         SendMessageW(GetParent(information.dialog), GetInstanceMessage, 0, 0));
     information.icons = ImageList_Create(IconSize, IconSize, ILC_MASK, 2, 0);
-    AddIcon(information.icons, instance, IconPluginGroup);
+    AddIcon(information.icons, instance, IconFolder);
     AddIcon(information.icons, instance, IconPlugin);
     SendMessageW(information.tree, TVM_SETIMAGELIST, TVSIL_NORMAL,
                  reinterpret_cast<LPARAM>(information.icons));

@@ -430,13 +430,13 @@ TEST(PluginInformation, ATextWithoutAnEndIsCutAndAnAnswerWithoutATextIsEmpty)
     });
 }
 
-TEST(PluginInformation, TheTreeShowsABoxForEachGroupAndAPlugForEachPlugin)
+TEST(PluginInformation, TheTreeShowsAFolderForEachGroupAndAPlugForEachPlugin)
 {
     InstallLabelled("SCALE", "1.One");
     InstallLabelled("SCALE", "2.Two");
     RunDialog([](const Dialog& dialog) {
         const auto groupRows = [&] {
-            constexpr uint32_t face = 0xE2DCCC; // of resources/pictures/plugin-group.txt
+            constexpr uint32_t face = 0xFFD868; // of resources/pictures/folder.txt
             const Picture picture = WindowPixels(dialog.Control(1080));
             int rows = 0;
             bool before = false;
