@@ -27,6 +27,7 @@ inline constexpr WORD STN_DBLCLK = 1;
 inline constexpr UINT WM_STYLECHANGED = 0x007D;
 
 inline constexpr LRESULT DLGC_WANTARROWS = 0x0001;
+inline constexpr LRESULT DLGC_WANTMESSAGE = 0x0004;
 inline constexpr LRESULT DLGC_HASSETSEL = 0x0008;
 inline constexpr LRESULT DLGC_WANTCHARS = 0x0080;
 inline constexpr LRESULT DLGC_DEFPUSHBUTTON = 0x0010;

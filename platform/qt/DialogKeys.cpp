@@ -148,6 +148,21 @@ bool OnTab(const DialogState& state, bool back)
     return true; // the toolkit's own order would lead out of the dialog
 }
 
+/// Whether the control with the focus keeps Enter or Esc to itself now, as a combo box does whose
+/// list is dropped down.
+bool IsControlsOwn(WPARAM key)
+{
+    const HWND focus = FocusControl();
+    if (focus == nullptr)
+        return false;
+    MSG asked{};
+    asked.hwnd = focus;
+    asked.message = WM_KEYDOWN;
+    asked.wParam = key;
+    const LRESULT code = SendMessageW(focus, WM_GETDLGCODE, key, reinterpret_cast<LPARAM>(&asked));
+    return (code & DLGC_WANTMESSAGE) != 0;
+}
+
 bool HandleKey(HWND dialog, const DialogState& state, const QKeyEvent& event)
 {
     const Qt::KeyboardModifiers modifiers =
@@ -161,9 +176,13 @@ bool HandleKey(HWND dialog, const DialogState& state, const QKeyEvent& event)
         return OnTab(state, true);
     case Qt::Key_Return:
     case Qt::Key_Enter:
+        if (IsControlsOwn(VK_RETURN))
+            return false;
         OnEnter(dialog, state);
         return true;
     case Qt::Key_Escape:
+        if (IsControlsOwn(VK_ESCAPE))
+            return false;
         OnEscape(dialog, state);
         return true;
     case Qt::Key_Left:

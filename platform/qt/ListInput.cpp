@@ -4,7 +4,6 @@
 #include "platform/qt/ListControl.h"
 
 #include <QPoint>
-#include <QString>
 
 #include <algorithm>
 
@@ -12,8 +11,6 @@ namespace tavrix::platform
 {
 namespace
 {
-
-constexpr DWORD TypingPause = 1000; // ms, after which a text begins anew
 
 bool IsSingle(const ListState& state)
 {
@@ -191,7 +188,7 @@ bool OnKey(HWND list, int key)
         MoveTo(list, focus < 0 ? 0 : ListWidgetOf(*window).Neighbour(focus, key), shift, control);
         return true;
     case VK_SPACE:
-        if (focus >= 0 && state.typed.empty()) {
+        if (focus >= 0 && state.typed.IsIdle()) {
             if (control && !IsSingle(state))
                 ToggleRow(list, focus);
             else
@@ -203,11 +200,6 @@ bool OnKey(HWND list, int key)
     }
 }
 
-bool BeginsWith(const ListCell& cell, const QString& beginning)
-{
-    return QString::fromStdU16String(cell.text).startsWith(beginning, Qt::CaseInsensitive);
-}
-
 /// Goes to the next row that begins with what was typed; the same letter again goes on to the next.
 void OnCharacter(HWND list, WPARAM unit)
 {
@@ -215,26 +207,14 @@ void OnCharacter(HWND list, WPARAM unit)
     if (window == nullptr || unit < VK_SPACE)
         return;
     ListState& state = ListStateOf(*window);
-    const DWORD now = GetTickCount();
-    if (now - state.typedAt > TypingPause)
-        state.typed.clear();
-    state.typedAt = now;
-    if (unit == VK_SPACE && state.typed.empty())
+    if (unit == VK_SPACE && state.typed.IsIdle())
         return; // it selects
-    state.typed.push_back(static_cast<char16_t>(unit));
-    const bool repeated =
-        state.typed.find_first_not_of(state.typed.front()) == std::u16string::npos;
-    const QString beginning =
-        QString::fromStdU16String(repeated ? state.typed.substr(0, 1) : state.typed);
-    const int count = state.model.RowCount();
-    const int start = std::max(0, state.model.Focus() + (repeated ? 1 : 0));
-    for (int i = 0; i < count; ++i) {
-        const int row = (start + i) % count;
-        if (!BeginsWith(state.model.Row(row).item, beginning))
-            continue;
+    const ListModel& model = state.model;
+    const int row = state.typed.Take(
+        static_cast<char16_t>(unit), model.RowCount(), model.Focus(),
+        [&model](int at) -> const std::u16string& { return model.Row(at).item.text; });
+    if (row >= 0)
         MoveTo(list, row, false, false);
-        return;
-    }
 }
 
 } // namespace

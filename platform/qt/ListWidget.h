@@ -6,6 +6,7 @@
 
 #include "platform/qt/ListLayout.h"
 #include "platform/qt/ListModel.h"
+#include "platform/qt/TypedSearch.h"
 
 #include <QAbstractScrollArea>
 
@@ -21,8 +22,7 @@ struct ListState {
     DWORD style = 0;
     int anchor = -1; // where a selection of several rows begins
     int pressedRow = NoPress;
-    std::u16string typed; // the beginning of a text that is being typed
-    DWORD typedAt = 0;
+    TypedSearch typed;
 
     static constexpr int NoPress = -2;
 };

@@ -22,6 +22,8 @@ void RegisterStockClasses()
     RegisterStockClass(WC_TREEVIEWW, TreeProcedure, MakeTreeWidget);
     RegisterStockClass(TEXT("EDIT"), EditProcedure, MakeEditWidget);
     RegisterStockClass(WC_LISTVIEWW, ListProcedure, MakeListWidget);
+    RegisterStockClass(TEXT("COMBOBOX"), ComboProcedure, MakeComboWidget);
+    RegisterStockClass(TEXT("LISTBOX"), ListBoxProcedure, MakeListBoxWidget);
     RegisterStockClass(CommandBarClassName, CommandBarProcedure, MakeCommandBarWidget);
 }
 

@@ -30,6 +30,10 @@ LRESULT CALLBACK EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
 QWidget* MakeEditWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 QWidget* MakeListWidget(Window& window, QWidget* parent);
+LRESULT CALLBACK ComboProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+QWidget* MakeComboWidget(Window& window, QWidget* parent);
+LRESULT CALLBACK ListBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+QWidget* MakeListBoxWidget(Window& window, QWidget* parent);
 LRESULT CALLBACK CommandBarProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 QWidget* MakeCommandBarWidget(Window& window, QWidget* parent);
 
