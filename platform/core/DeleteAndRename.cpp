@@ -82,7 +82,7 @@ int BeLike(const struct stat& old, int file)
     const bool keepsOwner = (info.st_uid == old.st_uid && info.st_gid == old.st_gid) ||
                             fchown(file, old.st_uid, old.st_gid) == 0;
     const mode_t mode = old.st_mode & (keepsOwner ? PermissionBits : mode_t{0777});
-    return fchmod(file, mode) == 0 ? 0 : errno;
+    return (info.st_mode & PermissionBits) == mode || fchmod(file, mode) == 0 ? 0 : errno;
 }
 
 int OpenToSync(const std::string& host, Descriptor* opened)
