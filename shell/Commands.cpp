@@ -12,6 +12,26 @@ void Exit(MainFrame& frame, u32)
 {
     PostMessageW(frame.window, WM_CLOSE, 0, 0);
 }
+void OpenFile(MainFrame& frame, u32)
+{
+    frame.OpenFile(nullptr);
+}
+void ReloadOpened(MainFrame& frame, u32)
+{
+    frame.ReloadOpened();
+}
+void ReloadSaved(MainFrame& frame, u32)
+{
+    frame.ReloadSaved();
+}
+void Save(MainFrame& frame, u32)
+{
+    frame.Save();
+}
+void SaveVirtual(MainFrame& frame, u32)
+{
+    frame.SaveVirtualCommand();
+}
 void Initialize(MainFrame& frame, u32)
 {
     frame.InitializeView();
@@ -104,6 +124,11 @@ struct Command {
 
 constexpr Command commands[] = {
     {CommandExit, Exit},
+    {CommandOpenFile, OpenFile},
+    {CommandReloadOpened, ReloadOpened},
+    {CommandReloadSaved, ReloadSaved},
+    {CommandSave, Save},
+    {CommandVirtualSave, SaveVirtual},
     {CommandPluginsInfo, ShowPlugins},
     {CommandInitializeView, Initialize},
     {CommandZoom25, Zoom},

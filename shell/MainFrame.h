@@ -145,7 +145,8 @@ public:
     /// there is no extension or no such format.
     [[nodiscard]] i32 FindInputPlugin(const WCHAR* path, i32* plugin) const;
 
-    // Saving and printing (shell/SaveImages.cpp, SaveAs.cpp, PrintImage.cpp).
+    // Saving (shell/SaveImages.cpp, EncodeImage.cpp).
+    /// Asks for a name and a format and writes the picture there.
     void Save();
     /// Encodes as Save does, to nowhere, and tells the size.
     void SaveVirtualCommand();
@@ -269,7 +270,7 @@ public:
     i32 undoY = -1;
     FormatList* inputExtensions;
     FormatList* outputExtensions;
-    FileDialog fileDialog; // keeps its folder and its sort from one use to the next
+    FileDialog fileDialog;    // keeps its folder and its sort from one use to the next
     PropertyList* inputNames; // plugin name -> plugin index, in menu order
     PropertyList* outputNames;
     PropertyList* effectNames;

@@ -1,12 +1,15 @@
 // The roads into the program end here: a source stream and the index of an INPUT plugin become the
-// picture on the screen.
+// picture on the screen. And the first of them: a file that the user chooses, or that the command
+// line or a hand-over names.
 
 #include "foundation/BoundedText.h"
 #include "foundation/FileStream.h"
 #include "foundation/Language.h"
-#include "foundation/TextSearch.h"
 #include "resources/Ids.h"
 #include "shell/Boxes.h"
+#include "shell/FileChoice.h"
+#include "shell/FilterText.h"
+#include "shell/FormatOfName.h"
 #include "shell/Job.h"
 #include "shell/MainFrame.h"
 #include "shell/PluginCallbacks.h"
@@ -76,22 +79,18 @@ i32 MainFrame::LoadFromFile(const WCHAR* path, i32 plugin, i32 configure)
 
 i32 MainFrame::FindInputPlugin(const WCHAR* path, i32* plugin) const
 {
-    const WCHAR* extension = nullptr;
-    if (FindLastChar(path, TEXT('.'), &extension) < 1)
-        return NothingDone;
-    // The first format whose patterns hold the text decides, so that a shortened extension of a
-    // longer one matches too.
-    for (u32 i = 0; i < inputExtensions->Count(); ++i) {
-        const WCHAR* patterns = inputExtensions->GetPatterns(i);
-        if (patterns != nullptr && FindTextNoCase(patterns, extension) > 0)
-            return inputExtensions->GetPluginIndex(i, plugin);
-    }
-    return NothingDone;
+    return FindPluginOfName(*inputExtensions, path, plugin);
 }
 
 void MainFrame::OpenFile(const WCHAR* path)
 {
     const ScopedFlow flow(this);
+    HeapAllocator work;
+    WCHAR* const filter = AllocText(work, FilterCapacity);
+    if (filter == nullptr) {
+        MessageBeep(0xFFFFFFFF);
+        return;
+    }
     if (inputExtensions->Count() == 0) {
         MessageBoxW(window,
                     InLanguage(TEXT("No INPUT plugin is installed"),
@@ -99,13 +98,27 @@ void MainFrame::OpenFile(const WCHAR* path)
                     InLanguage(TEXT("WARNING"), TEXT("警告")), MB_ICONEXCLAMATION);
         return;
     }
-    if (!FileOpens(path))
-        return;
-    CopyText(openedPath, PathCapacity, path);
-    // No filter was chosen: -1 stands for all files.
-    settings->SetUInt(ProgramSection, TEXT("DefOpenPlugin"), 0xFFFFFFFF);
+    u32 filterIndex = AllFilesFilter;
+    if (path != nullptr) {
+        if (!FileOpens(path))
+            return;
+        CopyText(openedPath, PathCapacity, path);
+    } else {
+        BuildFilterText(filter, FilterCapacity, *inputExtensions);
+        (void)settings->GetUInt(ProgramSection, TEXT("DefOpenPlugin"), &filterIndex);
+        OPENFILENAMEW record =
+            MakeFileRecord(*this, InLanguage(TEXT("Open"), TEXT("ファイルを開く")),
+                           OFN_FILEMUSTEXIST, filter, filterIndex, openedPath, PathCapacity);
+        if (fileDialog.Open(&record) < Done)
+            return;
+        filterIndex = record.nFilterIndex;
+    }
+    // From here on the path is the new file's, whatever becomes of it.
+    settings->SetUInt(ProgramSection, TEXT("DefOpenPlugin"), filterIndex);
     i32 plugin = -1;
-    if (FindInputPlugin(openedPath, &plugin) < 1)
+    const bool anyFile = static_cast<i32>(filterIndex) < 0;
+    if ((anyFile ? FindInputPlugin(openedPath, &plugin)
+                 : inputExtensions->GetPluginIndex(filterIndex, &plugin)) < Done)
         return;
     inputPlugin = plugin;
     (void)LoadFromFile(openedPath, plugin, 1);
