@@ -165,6 +165,31 @@ struct Answering {
     }
 };
 
+/// How many lines of paging pictures lie in files.
+inline size_t LinesInFiles()
+{
+    size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(HostPath(TEXT("\\Temp")).c_str()))
+        count += entry.path().extension() == ".tmp" ? 1 : 0;
+    return count;
+}
+
+/// Whether other lines go out to files when one comes in and memory is short: not while all of them
+/// are locked.
+inline bool CanPage(Raster& raster)
+{
+    EXPECT_GE(raster.ReleaseLines(0, 1, 1), NothingDone);
+    EXPECT_GE(LinesInFiles(), 1u);
+    SetFreeMemory(1);
+    MemoryGauge::Sample();
+    u8* line = nullptr;
+    (void)raster.LockLines(0, &line, nullptr);
+    const size_t left = LinesInFiles();
+    SetFreeMemory(64u << 20);
+    MemoryGauge::Sample();
+    return left > 0;
+}
+
 /// Exactly one box came, with these words and on the main window.
 inline void ExpectOneBox(const MainFrame& frame, const Answering& answering,
                          const std::u16string& text, const std::u16string& caption, UINT flags)
