@@ -51,7 +51,13 @@ struct Brush : GdiObject {
     bool hollow = false; // paints nothing
 };
 
-/// A stock object without content of its own: the default font.
+/// What a font is to look like; what it does look like is its users' business. Never changes.
+struct Font : GdiObject {
+    explicit Font(const LOGFONTW& what) : GdiObject(Kind::Font), record(what) {}
+    const LOGFONTW record;
+};
+
+/// A stock object without content of its own: the default pen.
 struct PlainObject : GdiObject {
     explicit PlainObject(Kind what) : GdiObject(what) {}
 };
@@ -81,6 +87,10 @@ bool RemoveDeviceContext(HDC handle);
 
 /// A brush's colour. False when the handle is no brush or the brush paints nothing.
 bool BrushColor(HGDIOBJ brush, COLORREF* color);
+
+/// What a font that CreateFontIndirectW made is to look like. False for any other handle, the stock
+/// font's among them, which looks like the device's own.
+bool FontRecord(HGDIOBJ font, LOGFONTW* record);
 
 /// How drawing reaches windows. On the user-interface thread.
 struct WindowSurfaces {

@@ -69,7 +69,10 @@ const StockObjects& Stock()
             AddStockBrush(RGB(255, 255, 255), false), AddStockBrush(RGB(192, 192, 192), false),
             AddStockBrush(RGB(128, 128, 128), false), AddStockBrush(RGB(64, 64, 64), false),
             AddStockBrush(RGB(0, 0, 0), false),       AddStockBrush(0, true)};
-        const auto font = std::make_shared<PlainObject>(GdiObject::Kind::Font);
+        LOGFONTW plain{};
+        plain.lfWeight = FW_NORMAL;
+        plain.lfCharSet = DEFAULT_CHARSET;
+        const auto font = std::make_shared<Font>(plain);
         font->stock = true;
         objects->font = AddGdiObject(font);
         const auto pen = std::make_shared<PlainObject>(GdiObject::Kind::Pen);
@@ -85,6 +88,32 @@ const StockObjects& Stock()
         return objects;
     }();
     return stock;
+}
+
+BITMAP DescriptionOf(const Bitmap& bitmap)
+{
+    const Surface& surface = bitmap.surface;
+    BITMAP answer{};
+    answer.bmWidth = surface.width;
+    answer.bmHeight = surface.height;
+    answer.bmWidthBytes = static_cast<LONG>(std::abs(surface.stride));
+    answer.bmPlanes = 1;
+    answer.bmBitsPixel = static_cast<WORD>(surface.depth);
+    answer.bmBits = bitmap.stock ? nullptr : bitmap.memory;
+    return answer;
+}
+
+/// GetObjectW's answer: how many bytes were written, or are needed where there is no buffer.
+template <class Record>
+int Describe(const Record& description, int size, void* buffer)
+{
+    constexpr int Needed = sizeof(Record);
+    if (buffer == nullptr)
+        return Needed;
+    if (size < Needed)
+        return 0;
+    std::memcpy(buffer, &description, sizeof(Record));
+    return Needed;
 }
 
 } // namespace
@@ -167,6 +196,15 @@ bool BrushColor(HGDIOBJ brush, COLORREF* color)
     return true;
 }
 
+bool FontRecord(HGDIOBJ font, LOGFONTW* record)
+{
+    const auto object = FindGdiObject(font);
+    if (object == nullptr || object->kind != GdiObject::Kind::Font || object->stock)
+        return false;
+    *record = static_cast<const Font&>(*object).record;
+    return true;
+}
+
 } // namespace tavrix::platform
 
 using namespace tavrix::platform;
@@ -189,24 +227,16 @@ BOOL WINAPI DeleteObject(HGDIOBJ object)
 int WINAPI GetObjectW(HANDLE object, int size, LPVOID record)
 {
     const auto found = FindGdiObject(object);
-    if (found == nullptr || found->kind != GdiObject::Kind::Bitmap)
+    if (found == nullptr)
         return 0;
-    constexpr int Needed = sizeof(BITMAP);
-    if (record == nullptr)
-        return Needed;
-    if (size < Needed)
+    switch (found->kind) {
+    case GdiObject::Kind::Bitmap:
+        return Describe(DescriptionOf(static_cast<const Bitmap&>(*found)), size, record);
+    case GdiObject::Kind::Font:
+        return Describe(static_cast<const Font&>(*found).record, size, record);
+    default:
         return 0;
-    const Bitmap& bitmap = static_cast<const Bitmap&>(*found);
-    const Surface& surface = bitmap.surface;
-    BITMAP answer{};
-    answer.bmWidth = surface.width;
-    answer.bmHeight = surface.height;
-    answer.bmWidthBytes = static_cast<LONG>(std::abs(surface.stride));
-    answer.bmPlanes = 1;
-    answer.bmBitsPixel = static_cast<WORD>(surface.depth);
-    answer.bmBits = bitmap.stock ? nullptr : bitmap.memory;
-    std::memcpy(record, &answer, sizeof(answer));
-    return Needed;
+    }
 }
 
 HGDIOBJ WINAPI GetStockObject(int index)
@@ -215,6 +245,15 @@ HGDIOBJ WINAPI GetStockObject(int index)
     if (index >= WHITE_BRUSH && index <= NULL_BRUSH)
         return stock.brushes[static_cast<size_t>(index)];
     return index == SYSTEM_FONT ? stock.font : nullptr;
+}
+
+HFONT WINAPI CreateFontIndirectW(const LOGFONTW* record)
+{
+    if (record == nullptr)
+        return nullptr;
+    LOGFONTW kept = *record;
+    kept.lfFaceName[LF_FACESIZE - 1] = 0;
+    return static_cast<HFONT>(static_cast<void*>(AddGdiObject(std::make_shared<Font>(kept))));
 }
 
 HBRUSH WINAPI CreateSolidBrush(COLORREF color)

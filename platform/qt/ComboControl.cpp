@@ -63,6 +63,14 @@ void PlaceEdit(Window& window)
         MoveWindow(edit, place.left(), place.top(), place.width(), place.height(), TRUE);
 }
 
+void FollowFont(Window& window, WPARAM font)
+{
+    // The widget has its new height, and the edit field its font only with the parent's.
+    if (const HWND edit = ComboStateOf(window).edit)
+        SendMessageW(edit, WM_SETFONT, font, 0);
+    PlaceEdit(window);
+}
+
 void SetEditText(Window& window)
 {
     ComboState& state = ComboStateOf(window);
@@ -215,9 +223,13 @@ LRESULT CALLBACK ComboProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM
     if (message == WM_ENABLE && wParam == 0)
         CloseUp(handle, false);
     window = FindWindowRecord(handle);
-    if (window == nullptr ||
-        HandleCommonMessage(*window, message, wParam, lParam, &result, &changed))
+    if (window == nullptr)
+        return 0;
+    if (HandleCommonMessage(*window, message, wParam, lParam, &result, &changed)) {
+        if (message == WM_SETFONT)
+            FollowFont(*window, wParam);
         return result;
+    }
     ComboState& state = ComboStateOf(*window);
     ChoiceOutcome outcome;
     const bool sorted = (window->style & CBS_SORT) != 0;

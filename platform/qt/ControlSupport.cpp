@@ -1,5 +1,6 @@
 #include "platform/qt/ControlSupport.h"
 
+#include "platform/qt/Fonts.h"
 #include "platform/qt/Window.h"
 
 #include <commctrl.h>
@@ -27,6 +28,14 @@ bool HandleCommonMessage(Window& window, UINT message, WPARAM wParam, LPARAM lPa
     }
     case WM_ENABLE:
         window.widget->setEnabled(wParam != 0);
+        return true;
+    case WM_SETFONT:
+        window.font = reinterpret_cast<HFONT>(wParam);
+        // The look is taken now, so that the handle may go before the control.
+        window.widget->setFont(FontOf(window.font));
+        return true;
+    case WM_GETFONT:
+        *result = reinterpret_cast<LRESULT>(window.font);
         return true;
     default:
         return false;

@@ -11,9 +11,9 @@ namespace tavrix::platform
 
 struct Window;
 
-/// Handles the messages that all controls treat alike (WM_SETTEXT, WM_ENABLE). True when the
-/// message was one of them; `*changed` tells whether the text is another one now. Setting a text
-/// that the control already holds changes nothing.
+/// Handles the messages that all controls treat alike (WM_SETTEXT, WM_ENABLE, WM_SETFONT,
+/// WM_GETFONT). True when the message was one of them; `*changed` tells whether the text is another
+/// one now. Setting a text that the control already holds changes nothing.
 bool HandleCommonMessage(Window& window, UINT message, WPARAM wParam, LPARAM lParam,
                          LRESULT* result, bool* changed);
 

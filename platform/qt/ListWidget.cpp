@@ -74,6 +74,10 @@ bool ListWidget::event(QEvent* event)
         Fit();
         return true;
     }
+    if (event->type() == QEvent::FontChange) {
+        header->setFont(font());
+        Renew();
+    }
     if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
         Redraw();
     return QAbstractScrollArea::event(event);

@@ -51,14 +51,15 @@ struct Window {
     LONG_PTR userData = 0;
     LONG_PTR dialogWords[3] = {}; // message result, dialog procedure, user word
     std::u16string text;
-    HICON icons[2] = {}; // small, big
+    HICON icons[2] = {};       // small, big
+    HFONT font = nullptr;      // of a control: what WM_SETFONT gave it, null for the dialog font
     QWidget* widget = nullptr; // the whole window, caption included
     /// Where the client area's origin lies and children go, when that is not the whole widget (a
     /// caption strip above it): a child widget of `widget`, set by the class's MakeWidgetFunction.
     QWidget* client = nullptr;
-    bool destroying = false;   // WM_DESTROY is on its way or over
+    bool destroying = false;        // WM_DESTROY is on its way or over
     std::shared_ptr<void> painting; // update region and picture; the platform's own
-    std::shared_ptr<void> extra; // what the class keeps: dialog state, menu bar, control state
+    std::shared_ptr<void> extra;    // what the class keeps: dialog state, menu bar, control state
 };
 
 /// The window behind a handle; null for null, stale or made-up handles.

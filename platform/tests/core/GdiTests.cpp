@@ -382,3 +382,39 @@ TEST(GdiBitBlt, ThreadsDrawIntoSectionsOfTheirOwn)
     for (std::thread& thread : threads)
         thread.join();
 }
+
+TEST(GdiFonts, AFontIsReadBackAsItWasAskedForUntilItIsDeleted)
+{
+    LOGFONTW record{};
+    record.lfHeight = -17;
+    record.lfWeight = FW_BOLD;
+    record.lfItalic = 1;
+    record.lfCharSet = SHIFTJIS_CHARSET;
+    for (WCHAR& unit : record.lfFaceName)
+        unit = 'x';
+    EXPECT_EQ(CreateFontIndirectW(nullptr), nullptr);
+    const HFONT font = CreateFontIndirectW(&record);
+    ASSERT_NE(font, nullptr);
+    EXPECT_EQ(GetObjectW(font, 0, nullptr), static_cast<int>(sizeof(LOGFONTW)));
+    LOGFONTW read{};
+    EXPECT_EQ(GetObjectW(font, static_cast<int>(sizeof(read)) - 1, &read), 0);
+    EXPECT_EQ(GetObjectW(font, static_cast<int>(sizeof(read)), &read),
+              static_cast<int>(sizeof(read)));
+    EXPECT_EQ(read.lfHeight, -17);
+    EXPECT_EQ(read.lfWeight, FW_BOLD);
+    EXPECT_EQ(read.lfItalic, 1);
+    EXPECT_EQ(read.lfCharSet, SHIFTJIS_CHARSET);
+    EXPECT_EQ(std::u16string(read.lfFaceName), std::u16string(LF_FACESIZE - 1, u'x'))
+        << "a face that fills its field has an end all the same";
+    EXPECT_TRUE(DeleteObject(font));
+    EXPECT_FALSE(DeleteObject(font));
+    EXPECT_EQ(GetObjectW(font, static_cast<int>(sizeof(read)), &read), 0);
+
+    const HGDIOBJ stock = GetStockObject(SYSTEM_FONT);
+    EXPECT_EQ(GetObjectW(stock, static_cast<int>(sizeof(read)), &read),
+              static_cast<int>(sizeof(read)));
+    EXPECT_EQ(read.lfWeight, FW_NORMAL);
+    EXPECT_EQ(read.lfFaceName[0], 0);
+    EXPECT_TRUE(DeleteObject(stock)) << "which does nothing";
+    EXPECT_EQ(GetStockObject(SYSTEM_FONT), stock);
+}

@@ -1,0 +1,17 @@
+// What the program's fonts look like. User-interface thread, after the toolkit is up.
+#pragma once
+
+#include <windows.h>
+
+#include <QFont>
+
+namespace tavrix::platform
+{
+
+/// The font behind a handle of CreateFontIndirectW; the dialog font for null, the stock font and
+/// any other handle. A face that is not there looks like the dialog font, and so do the signs that
+/// a face lacks; the character set is not looked at, nor are width and angles. The font stays what
+/// it is when the handle goes.
+QFont FontOf(HFONT font);
+
+} // namespace tavrix::platform
