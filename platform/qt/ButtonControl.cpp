@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyleOptionButton>
 
 namespace tavrix::platform
 {
@@ -115,15 +116,69 @@ void OnClicked(HWND handle)
     NotifyParent(handle, WORD{BN_CLICKED});
 }
 
-/// Takes a press anywhere in its area, as on the device; the toolkit's own looks for mark and text.
+/// Shows that it has the keyboard however it came by it; the toolkit's own does so behind its own
+/// Tab alone.
 template <class Button>
-class WholeArea : public Button
+class ShowsFocus : public Button
 {
 public:
     using Button::Button;
 
 protected:
+    void initStyleOption(QStyleOptionButton* option) const override
+    {
+        Button::initStyleOption(option);
+        option->state.setFlag(QStyle::State_KeyboardFocusChange, this->hasFocus());
+    }
+};
+
+/// Takes a press anywhere in its area, as on the device; the toolkit's own looks for mark and text.
+template <class Button>
+class WholeArea : public ShowsFocus<Button>
+{
+public:
+    using ShowsFocus<Button>::ShowsFocus;
+
+protected:
     bool hitButton(const QPoint& point) const override { return this->rect().contains(point); }
+};
+
+/// Has the push buttons of the dialog look as Enter finds them: the one with the keyboard is the
+/// one that it presses, else the default one. The style, which the program can ask for, stays.
+void ShowWhatEnterPresses(HWND focused)
+{
+    const Window* window = FindWindowRecord(focused);
+    const auto state = window != nullptr ? DialogStateOf(window->parent) : nullptr;
+    if (!state)
+        return;
+    const bool here = window->widget != nullptr && window->widget->hasFocus();
+    for (const HWND control : state->controls) {
+        const Window* other = FindWindowRecord(control);
+        auto* push = other != nullptr ? qobject_cast<QPushButton*>(other->widget) : nullptr;
+        if (push != nullptr)
+            push->setDefault(here ? other == window : Kind(*other) == BS_DEFPUSHBUTTON);
+    }
+}
+
+class PushButton : public ShowsFocus<QPushButton>
+{
+public:
+    PushButton(HWND owner, QWidget* parent) : ShowsFocus(parent), handle(owner) {}
+
+protected:
+    void focusInEvent(QFocusEvent* event) override
+    {
+        QPushButton::focusInEvent(event);
+        ShowWhatEnterPresses(handle);
+    }
+    void focusOutEvent(QFocusEvent* event) override
+    {
+        QPushButton::focusOutEvent(event);
+        ShowWhatEnterPresses(handle);
+    }
+
+private:
+    HWND handle;
 };
 
 QAbstractButton* MakeButton(const Window& window, QWidget* parent)
@@ -136,7 +191,7 @@ QAbstractButton* MakeButton(const Window& window, QWidget* parent)
         radio->setAutoExclusive(false); // groups follow WS_GROUP, not the parent
         return radio;
     }
-    auto* push = new QPushButton(parent);
+    auto* push = new PushButton(window.handle, parent);
     push->setAutoDefault(false);
     push->setDefault(kind == BS_DEFPUSHBUTTON);
     return push;

@@ -1,3 +1,4 @@
+#include "platform/qt/ControlMessages.h"
 #include "platform/qt/Window.h"
 #include "platform/testing/WindowTesting.h"
 #include "platform/tests/qt/Bytes.h"
@@ -288,6 +289,59 @@ TEST_F(Dialogs, EnterPressesThePushButtonThatHasTheFocus)
         TypeKey(VK_RETURN);
     });
     EXPECT_EQ(RunDialogResource(200), 1040);
+}
+
+TEST_F(Dialogs, TheButtonThatEnterPressesLooksLikeTheDefaultOne)
+{
+    OnModal([](HWND dialog, bool box) {
+        if (box) {
+            EndDialog(dialog, IDOK);
+            return;
+        }
+        const auto edge = [dialog](int id) {
+            Pump(10);
+            const Picture picture = WindowPixels(GetDlgItem(dialog, id));
+            return picture.At(picture.width / 2, 0);
+        };
+        const uint32_t chosen = edge(1);
+        const uint32_t plain = edge(2);
+        EXPECT_NE(chosen, plain) << "the focus is on a check box";
+        EXPECT_EQ(edge(1040), plain);
+        SetFocus(GetDlgItem(dialog, 1040));
+        EXPECT_EQ(edge(1040), chosen);
+        EXPECT_EQ(edge(1), plain);
+        SetFocus(GetDlgItem(dialog, 2));
+        EXPECT_EQ(edge(2), chosen);
+        EXPECT_EQ(edge(1040), plain);
+        EXPECT_EQ(SendMessageW(GetDlgItem(dialog, 2), WM_GETDLGCODE, 0, 0),
+                  tavrix::platform::DLGC_BUTTON | tavrix::platform::DLGC_UNDEFPUSHBUTTON)
+            << "a look and no style";
+        MessageBoxW(dialog, TEXT("in between"), TEXT(""), MB_OK);
+        EXPECT_EQ(edge(2), chosen) << "again with the focus";
+        SetFocus(GetDlgItem(dialog, 1011));
+        EXPECT_EQ(edge(1), chosen);
+        EXPECT_EQ(edge(2), plain);
+        EndDialog(dialog, 1);
+    });
+    EXPECT_EQ(RunDialogResource(200), 1);
+}
+
+TEST_F(Dialogs, AButtonOfAnyKindShowsThatItHasTheKeyboard)
+{
+    OnModal([](HWND dialog, bool) {
+        const auto pixels = [dialog](int id) {
+            Pump(10);
+            return WindowPixels(GetDlgItem(dialog, id)).pixels;
+        };
+        for (const int id : {1010, 1021, 1040}) {
+            SetFocus(GetDlgItem(dialog, 1011));
+            const auto without = pixels(id);
+            SetFocus(GetDlgItem(dialog, id));
+            EXPECT_NE(pixels(id), without) << id;
+        }
+        EndDialog(dialog, 1);
+    });
+    EXPECT_EQ(RunDialogResource(200), 1);
 }
 
 TEST_F(Dialogs, EnterInADialogWithoutAnOkButtonSendsNothing)
