@@ -151,7 +151,14 @@ void ListHeader::mouseReleaseEvent(QMouseEvent* event)
 
 void ListHeader::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    mousePressEvent(event);
+    const int x = event->position().toPoint().x();
+    const int line = event->button() == Qt::LeftButton ? LineAt(x) : -1;
+    if (line < 0) {
+        mousePressEvent(event);
+        return;
+    }
+    event->accept();
+    widget->FitColumn(line);
 }
 
 } // namespace tavrix::platform

@@ -1,5 +1,6 @@
-// The heads of a list's columns: a click on one is told as LVN_COLUMNCLICK, and the line between
-// two can be dragged. User-interface thread.
+// The heads of a list's columns: a click on one is told as LVN_COLUMNCLICK, the line between two
+// can be dragged, and a double click on it makes the column as wide as its texts. User-interface
+// thread.
 #pragma once
 
 #include "platform/qt/ListWidget.h"

@@ -12,6 +12,10 @@ namespace tavrix::platform
 namespace
 {
 
+// A small keyboard has no keypad, so both signs do.
+constexpr int PlusKey = 0xBB;
+constexpr int KeypadPlus = 0x6B;
+
 bool IsSingle(const ListState& state)
 {
     return (state.style & LVS_SINGLESEL) != 0;
@@ -186,6 +190,12 @@ bool OnKey(HWND list, int key)
     case VK_PRIOR:
     case VK_NEXT:
         MoveTo(list, focus < 0 ? 0 : ListWidgetOf(*window).Neighbour(focus, key), shift, control);
+        return true;
+    case PlusKey:
+    case KeypadPlus:
+        if (!control || (state.style & LVS_TYPEMASK) != LVS_REPORT)
+            return false;
+        ListWidgetOf(*window).FitColumns();
         return true;
     case VK_SPACE:
         if (focus >= 0 && state.typed.IsIdle()) {

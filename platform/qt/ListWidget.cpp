@@ -161,6 +161,11 @@ QRect ListWidget::IconLabel(const QRect& cell, const QString& text) const
     return needed.adjusted(-Margin, 0, Margin, 0).intersected(room);
 }
 
+int ListWidget::LabelLeft() const
+{
+    return Margin + picture.width() + (picture.isEmpty() ? 0 : Margin);
+}
+
 ListWidget::Parts ListWidget::PartsOf(int row) const
 {
     const QRect cell = places.Cell(row).translated(-Offset());
@@ -176,7 +181,7 @@ ListWidget::Parts ListWidget::PartsOf(int row) const
     const int above = (cell.height() - picture.height()) / 2;
     parts.picture = QRect(QPoint(cell.left() + Margin, cell.top() + above), picture);
     parts.label = cell;
-    parts.label.setLeft(cell.left() + Margin + picture.width() + (picture.isEmpty() ? 0 : Margin));
+    parts.label.setLeft(cell.left() + LabelLeft());
     if (places.view != LVS_REPORT)
         parts.label.setWidth(std::min(parts.label.width(),
                                       fontMetrics().horizontalAdvance(text) + 2 * LabelPadding));
@@ -330,6 +335,33 @@ int ListWidget::CellWidth()
 {
     Fit();
     return places.cell.width();
+}
+
+int ListWidget::NeededWidth(int column) const
+{
+    const ListModel& model = state->model;
+    const QFontMetrics metrics = fontMetrics();
+    int texts = 0;
+    for (int row = 0; row < model.RowCount(); ++row)
+        texts = std::max(texts, metrics.horizontalAdvance(TextOf(model.Cell(row, column))));
+    if (column == 0)
+        texts += LabelLeft();
+    const int head =
+        metrics.horizontalAdvance(QString::fromStdU16String(model.Column(column).title));
+    return std::max(texts, head) + 2 * LabelPadding;
+}
+
+void ListWidget::FitColumn(int column)
+{
+    Fit();
+    state->model.SetColumnWidth(column, NeededWidth(column));
+    Renew();
+}
+
+void ListWidget::FitColumns()
+{
+    for (int column = 0; column < state->model.ColumnCount(); ++column)
+        FitColumn(column);
 }
 
 void ListWidget::ScrollSideways(bool right)

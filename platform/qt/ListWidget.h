@@ -51,6 +51,9 @@ public:
     int Neighbour(int row, int key);
     int CellWidth();
     void ScrollSideways(bool right);
+    /// Makes a column, or each, as wide as its head and its texts need.
+    void FitColumn(int column);
+    void FitColumns();
 
 protected:
     bool event(QEvent* event) override;
@@ -67,6 +70,8 @@ private:
     HIMAGELIST Images() const;
     void Fit();
     void FitCell();
+    int NeededWidth(int column) const;
+    int LabelLeft() const; // in a line, behind its picture
     QPoint Offset() const;
     Parts PartsOf(int row) const;
     QRect IconLabel(const QRect& cell, const QString& text) const;

@@ -4,6 +4,10 @@
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWidget>
+
 #include <chrono>
 #include <climits>
 #include <set>
@@ -765,6 +769,71 @@ TEST_F(ListControl, TheLineBetweenTwoHeadsCanBeDragged)
     EXPECT_TRUE(codes.empty());
     DragScreen(from.x + 30, from.y, from.x - 200, from.y);
     EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 0);
+}
+
+// A text is shown whole when no three dots stand at its end: then a wider column changes nothing.
+TEST_F(ListControl, ADoubleClickOnTheLineMakesTheColumnAsWideAsItsTexts)
+{
+    MakeFive(Several);
+    GiveIcons(LVSIL_SMALL, 16);
+    SetText(2, 1, u"a text that is wider than its column");
+    const POINT line = OnScreen({160, 8});
+    DoubleClickScreen(line.x, line.y);
+    Pump(20);
+    const LRESULT fitted = Send(LVM_GETCOLUMNWIDTH, 1);
+    EXPECT_GT(fitted, 150);
+    EXPECT_LT(fitted, 400);
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 100) << "the other stays";
+    EXPECT_TRUE(codes.empty());
+    MoveScreen(line.x + 60, line.y);
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 1), fitted) << "nothing is dragged";
+
+    // The first column has its picture beside the text.
+    const POINT first = OnScreen({100, 8});
+    DoubleClickScreen(first.x, first.y);
+    Pump(20);
+    const LRESULT narrow = Send(LVM_GETCOLUMNWIDTH, 0);
+    EXPECT_LT(narrow, 100);
+    const auto shown = [&](int row) {
+        const RECT place = Place(row, LVIR_BOUNDS);
+        const Picture picture = WindowPixels(list);
+        std::vector<uint32_t> pixels;
+        for (LONG y = place.top; y < place.bottom; ++y)
+            for (LONG x = 0; x < narrow - 1; ++x)
+                pixels.push_back(picture.At(static_cast<int>(x), static_cast<int>(y)));
+        return pixels;
+    };
+    std::vector<std::vector<uint32_t>> before;
+    for (int row = 0; row < 5; ++row)
+        before.push_back(shown(row));
+    const POINT edge = OnScreen({static_cast<LONG>(narrow), 8});
+    DragScreen(edge.x, edge.y, edge.x + 50, edge.y);
+    Pump(20);
+    EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), narrow + 50);
+    for (int row = 0; row < 5; ++row)
+        EXPECT_EQ(shown(row), before[static_cast<size_t>(row)]) << row;
+}
+
+TEST_F(ListControl, ControlAndPlusMakeAllColumnsAsWideAsTheirTexts)
+{
+    for (const bool keypad : {false, true}) {
+        MakeFive(Several);
+        SetText(2, 1, u"a text that is wider than its column");
+        SetFocus(list);
+        const Qt::KeyboardModifiers held = keypad ? Qt::KeypadModifier : Qt::NoModifier;
+        const auto press = [](Qt::KeyboardModifiers modifiers) {
+            QKeyEvent event(QEvent::KeyPress, Qt::Key_Plus, modifiers);
+            QCoreApplication::sendEvent(QApplication::focusWidget(), &event);
+        };
+        press(held);
+        Pump(20);
+        EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 1), 60) << "not without Control";
+        press(held | Qt::ControlModifier);
+        Pump(20);
+        EXPECT_GT(Send(LVM_GETCOLUMNWIDTH, 1), 150) << keypad;
+        EXPECT_LT(Send(LVM_GETCOLUMNWIDTH, 0), 100) << keypad;
+        DestroyWindow(list);
+    }
 }
 
 TEST_F(ListControl, EachViewShowsItsIconsAndTexts)
