@@ -256,13 +256,21 @@ TEST_F(ImageInformation, TheColumnsHaveTheirWidthsAndGoIntoTheList)
     });
 }
 
-// What a person does to read a long folder.
+// What a person does to read a long folder, by the pointer and by keys alone.
 TEST_F(ImageInformation, AWidenedColumnIsReadWholeByScrolling)
 {
     CopyText(frame.openedPath, MainFrame::PathCapacity,
              (u"\\" + Text(250, u'm') + u"\\a.png").c_str());
     Show([](const Dialog& dialog) {
         Pump(30);
+        TypeKey(0xBB, MK_CONTROL); // plus
+        Pump(30);
+        EXPECT_GT(Ask(dialog, LVM_GETCOLUMNWIDTH, 1), 250 * 8) << "the whole folder";
+        dialog.Close();
+    });
+    Show([](const Dialog& dialog) {
+        Pump(30);
+        EXPECT_EQ(Ask(dialog, LVM_GETCOLUMNWIDTH, 1), 135) << "each time anew";
         const RECT list = PlaceOf(dialog.Control(List));
         DragScreen(list.left + 88 + 135, list.top + 10, list.left + 600, list.top + 10);
         Pump(30);
