@@ -142,6 +142,7 @@ public:
     std::deque<Choice> choices;
     std::vector<Seen> seen;
     std::vector<std::u16string> headlines; // of the progress dialogs
+    HWND fileDialog = nullptr;             // the last one
     std::function<void()> onFileDialog;    // before the choice
     std::function<void()> onProgress;
     std::function<void(const std::u16string& text)> onBox; // before the answer
@@ -179,6 +180,16 @@ public:
         return boxes;
     }
 
+    /// From now on `path` cannot be opened any more once the last file dialog has closed.
+    void LetVanishBehindTheDialog(const std::u16string& path)
+    {
+        SetFileFault(
+            [this, path](tavrix::platform::FileOperation operation, const WCHAR* asked, DWORD*) {
+                return operation == tavrix::platform::FileOperation::Open && path == asked &&
+                       fileDialog != nullptr && !IsWindow(fileDialog);
+            });
+    }
+
 private:
     void AnswerBox(HWND box)
     {
@@ -194,6 +205,7 @@ private:
 
     void ChooseFile(HWND dialog)
     {
+        fileDialog = dialog;
         const HWND box = GetDlgItem(dialog, ControlFileFilter);
         Note(dialog, box);
         if (onFileDialog)
