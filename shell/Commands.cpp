@@ -57,6 +57,18 @@ void Screen(MainFrame& frame, u32 id)
     frame.SetMonoScreen(id == CommandScreenMono ? 1 : 0);
 }
 
+void ShowImageInformation(MainFrame& frame, u32)
+{
+    frame.ShowImageInformation();
+}
+void ShowPaletteInformation(MainFrame& frame, u32)
+{
+    frame.ShowPaletteInformation();
+}
+void ShowAbout(MainFrame& frame, u32)
+{
+    frame.ShowAbout();
+}
 void ShowPlugins(MainFrame& frame, u32)
 {
     frame.ShowPlugins();
@@ -129,6 +141,9 @@ constexpr Command commands[] = {
     {CommandReloadSaved, ReloadSaved},
     {CommandSave, Save},
     {CommandVirtualSave, SaveVirtual},
+    {CommandImageInformation, ShowImageInformation},
+    {CommandPaletteInformation, ShowPaletteInformation},
+    {CommandAbout, ShowAbout},
     {CommandPluginsInfo, ShowPlugins},
     {CommandInitializeView, Initialize},
     {CommandZoom25, Zoom},

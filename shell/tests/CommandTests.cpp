@@ -217,6 +217,10 @@ TEST(Commands, OpenAsSaveAsAndPrintBeepWhereTheyCannotGoOn)
     InstallKinds();
     const std::string file = MakeFile("a.quick");
     RunProgram(u"", [&](MainFrame& frame) {
+        OnModal([](HWND dialog, bool box) {
+            if (box || GetDlgItem(dialog, ControlProgressBar) == nullptr)
+                EndDialog(dialog, 0);
+        });
         const auto beeps = [&](u32 id) {
             const unsigned before = Beeps();
             Send(frame, id);
@@ -235,5 +239,32 @@ TEST(Commands, OpenAsSaveAsAndPrintBeepWhereTheyCannotGoOn)
         EXPECT_EQ(beeps(41500), 0u);
         EXPECT_EQ(beeps(41501), 0u);
         EXPECT_EQ(beeps(41400), 0u);
+    });
+}
+
+TEST(Commands, TheDialogsAboutThePictureAndTheProgramComeByTheirCommands)
+{
+    RunOnPicture([](MainFrame& frame) {
+        const struct {
+            u32 command;
+            int control; // that no other of the dialogs has
+        } rows[] = {{205, 1006}, {40060, 1085}, {207, 1007}, {40068, 1080}};
+        int dialogs = 0;
+        const auto* expected = rows;
+        OnModal([&](HWND dialog, bool) {
+            ++dialogs;
+            for (const auto& row : rows)
+                EXPECT_EQ(GetDlgItem(dialog, row.control) != nullptr, &row == expected)
+                    << row.command;
+            EXPECT_EQ(GetParent(dialog), frame.window);
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        });
+        for (const auto& row : rows) {
+            expected = &row;
+            Send(frame, row.command);
+        }
+        EXPECT_EQ(dialogs, 4);
+        OnModal(nullptr);
     });
 }
