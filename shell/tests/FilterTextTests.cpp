@@ -51,7 +51,8 @@ TEST(FilterText, AnEmptyListAndNoRoomGiveNothing)
     BuildFilterText(nullptr, 8, formats);
 }
 
-TEST(FilterText, AFormatWithoutPatternsKeepsItsPlaceSoThatTheNumbersOfTheOthersHold)
+// The dialog takes the empty text for the end of the run, and no number is shifted.
+TEST(FilterText, AFormatWithoutPatternsKeepsItsPlace)
 {
     FormatList formats;
     ASSERT_EQ(formats.Add(0, u"Any", u""), Done);
