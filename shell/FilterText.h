@@ -1,5 +1,6 @@
 // The filter text of the file dialogs: for each format of a list its description, a zero, its
-// patterns, a zero, and one more zero behind the last. A format's number in the text is its number
+// patterns, a zero, and one more zero behind the last. In place of patterns that are empty stands a
+// lone ";", so that no empty text comes before the end. A format's number in the text is its number
 // in the list, unless only one plugin's formats were asked for.
 #pragma once
 

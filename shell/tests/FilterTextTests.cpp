@@ -51,13 +51,13 @@ TEST(FilterText, AnEmptyListAndNoRoomGiveNothing)
     BuildFilterText(nullptr, 8, formats);
 }
 
-// The dialog takes the empty text for the end of the run, and no number is shifted.
-TEST(FilterText, AFormatWithoutPatternsKeepsItsPlace)
+// An empty text would hide from the dialog all that stands behind it.
+TEST(FilterText, AFormatWithoutPatternsKeepsItsPlaceAndHidesNoOther)
 {
     FormatList formats;
     ASSERT_EQ(formats.Add(0, u"Any", u""), Done);
     ASSERT_EQ(formats.Add(0, u"B", u"*.b"), Done);
-    EXPECT_EQ(Build(16, formats), Padded(u"Any\0\0B\0*.b\0"s, 16));
+    EXPECT_EQ(Build(16, formats), Padded(u"Any\0;\0B\0*.b\0"s, 16));
 }
 
 // Every capacity from nothing to more than enough: what does not fit in whole is lost with all that
