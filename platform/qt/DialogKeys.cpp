@@ -3,6 +3,7 @@
 // underlined letter presses it. They are taken from the toolkit before the control sees them.
 #include "platform/qt/ControlMessages.h"
 #include "platform/qt/DialogState.h"
+#include "platform/qt/EditWidget.h"
 #include "platform/qt/Window.h"
 
 #include <QApplication>
@@ -176,11 +177,17 @@ bool HandleKey(HWND dialog, const DialogState& state, const QKeyEvent& event)
         return OnTab(state, true);
     case Qt::Key_Return:
     case Qt::Key_Enter:
+        // An input method that leaves such a key to the dialog has not done with its text: that is
+        // what the key ends.
+        if (EndComposing(FocusControl(), true))
+            return true;
         if (IsControlsOwn(VK_RETURN))
             return false;
         OnEnter(dialog, state);
         return true;
     case Qt::Key_Escape:
+        if (EndComposing(FocusControl(), false))
+            return true;
         if (IsControlsOwn(VK_ESCAPE))
             return false;
         OnEscape(dialog, state);

@@ -31,7 +31,7 @@ bool IsReadOnly(const Window& window)
     return (window.style & ES_READONLY) != 0;
 }
 
-/// The person typed, or the program replaced a part. Text that is only being composed is none yet.
+/// The person typed, or the program replaced a part.
 void OnTextChanged(HWND handle)
 {
     Window* window = FindWindowRecord(handle);
@@ -109,6 +109,17 @@ LRESULT DialogCode(const Window& window)
 }
 
 } // namespace
+
+bool EndComposing(HWND control, bool take)
+{
+    Window* window = FindWindowRecord(control);
+    if (window == nullptr || window->windowClass->procedure != EditProcedure ||
+        !EditOf(*window).IsComposing())
+        return false;
+    const auto keep = std::static_pointer_cast<EditWidget>(window->extra);
+    keep->EndComposing(take);
+    return true;
+}
 
 QWidget* MakeEditWidget(Window& window, QWidget* parent)
 {

@@ -1,7 +1,8 @@
 // The two toolkit widgets behind the class EDIT, behind one face: a single line, or several that
 // are wrapped. Both speak of the text as the program knows it, where a line ends in CR and LF, and
-// count its units so. They never open a menu or start a drag of their own: each would run a loop of
-// the toolkit's. User-interface thread.
+// count its units so. What an input method composes shows in place and is no text yet: the program
+// sees the text as it was before, and again if the composing comes to nothing. They never open a
+// menu or start a drag of their own: each would run a loop of the toolkit's. User-interface thread.
 #pragma once
 
 #include <windows.h>
@@ -19,7 +20,8 @@ namespace tavrix::platform
 class EditWidget
 {
 public:
-    /// Called whenever the person, or Replace, has made the text another one.
+    /// Called whenever the person, or Replace, may have made the text another one, and not while
+    /// something is being composed.
     using Changed = std::function<void()>;
 
     virtual ~EditWidget() = default;
@@ -42,7 +44,15 @@ public:
     virtual void SetReadOnly(bool on) = 0;
     /// Lines as they are wrapped.
     virtual int LineCount() const = 0;
+
+    virtual bool IsComposing() const = 0;
+    /// What is being composed becomes text, or with `take` false is dropped.
+    virtual void EndComposing(bool take) = 0;
 };
+
+/// Ends what is being composed in a control, by its becoming text or being dropped. False when the
+/// control is no edit field or nothing is being composed. Behind the call it may be gone.
+bool EndComposing(HWND control, bool take);
 
 /// Below `parent`, which owns the toolkit's widget; `style` is the window's.
 std::shared_ptr<EditWidget> MakeLineEdit(DWORD style, bool framed, EditWidget::Changed changed,

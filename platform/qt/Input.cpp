@@ -13,8 +13,10 @@
 #include "platform/qt/WindowRecords.h"
 
 #include <QApplication>
+#include <QInputMethod>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTransform>
 #include <QWheelEvent>
 #include <QWidget>
 #include <QWindow>
@@ -114,6 +116,19 @@ void NoteLive(const QEvent& event)
     }
 }
 
+/// Where a window moves on which the focus lies, the toolkit does not tell the input method, whose
+/// list of candidates would stay behind.
+void FollowFocus(const QWidget& moved)
+{
+    const QWidget* focus = QApplication::focusWidget();
+    if (focus == nullptr || !moved.isAncestorOf(focus))
+        return;
+    const QPoint corner = focus->mapTo(focus->window(), QPoint(0, 0));
+    QInputMethod* method = QGuiApplication::inputMethod();
+    method->setInputItemTransform(QTransform::fromTranslate(corner.x(), corner.y()));
+    method->update(Qt::ImCursorRectangle | Qt::ImAnchorRectangle | Qt::ImInputItemClipRectangle);
+}
+
 class InputFilter : public QObject
 {
 public:
@@ -132,6 +147,8 @@ public:
         if (event->type() == QEvent::ApplicationStateChange &&
             QGuiApplication::applicationState() != Qt::ApplicationActive)
             ClearLiveKeys();
+        if (event->type() == QEvent::Move && object->isWidgetType())
+            FollowFocus(*static_cast<QWidget*>(object));
         if (!object->isWidgetType() || !IsInput(event->type()))
             return false;
         const auto* widget = static_cast<QWidget*>(object);

@@ -1,13 +1,14 @@
 // The single-line edit control.
+#include "platform/qt/Composing.h"
 #include "platform/qt/DialogFont.h"
 #include "platform/qt/EditWidget.h"
 
 #include <QContextMenuEvent>
-#include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <utility>
 
 namespace tavrix::platform
 {
@@ -19,29 +20,35 @@ bool IsDigit(QChar unit)
     return unit >= u'0' && unit <= u'9';
 }
 
-class Line : public QLineEdit
+class Line : public Composing<Line, QLineEdit>
 {
 public:
-    Line(bool onlyNumbers, QWidget* parent) : QLineEdit(parent), numbers(onlyNumbers) {}
+    Line(bool onlyNumbers, QWidget* parent)
+        : Composing<Line, QLineEdit>(parent), numbers(onlyNumbers)
+    {
+        if (numbers)
+            setInputMethodHints(inputMethodHints() | Qt::ImhDigitsOnly);
+    }
+
+    bool IsSecret() const { return echoMode() != QLineEdit::Normal; }
+    QString Selected() const { return selectedText(); }
+
+    void Reinsert(const QString& text)
+    {
+        insert(text);
+        const auto length = static_cast<int>(text.size());
+        setSelection(cursorPosition() - length, length);
+    }
+
+    QString Admitted(QString typed) const
+    {
+        if (numbers)
+            typed.removeIf([](QChar unit) { return !IsDigit(unit); });
+        return typed;
+    }
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override { event->accept(); }
-
-    void inputMethodEvent(QInputMethodEvent* event) override
-    {
-        if (isReadOnly())
-            return;
-        QString commit = event->commitString();
-        if (!numbers || std::all_of(commit.cbegin(), commit.cend(), IsDigit)) {
-            QLineEdit::inputMethodEvent(event);
-            return;
-        }
-        commit.removeIf([](QChar unit) { return !IsDigit(unit); });
-        QInputMethodEvent digits(event->preeditString(), event->attributes());
-        digits.setCommitString(commit, event->replacementStart(), event->replacementLength());
-        QLineEdit::inputMethodEvent(&digits);
-        event->accept();
-    }
 
 private:
     bool numbers;
@@ -63,7 +70,8 @@ public:
                                                       : Qt::AlignLeft);
         if ((style & ES_PASSWORD) != 0)
             line->setEchoMode(QLineEdit::Password);
-        QObject::connect(line, &QLineEdit::textChanged, line, std::move(changed));
+        line->changed = std::move(changed);
+        QObject::connect(line, &QLineEdit::textChanged, line, [box = line] { box->TellChange(); });
     }
 
     QWidget* Widget() override { return line; }
@@ -72,6 +80,7 @@ public:
 
     void SetText(const std::u16string& text) override
     {
+        line->DropComposing();
         const QSignalBlocker quiet(line);
         const QString shown = QString::fromStdU16String(text);
         // The limit is for what is typed.
@@ -99,6 +108,7 @@ public:
 
     void Replace(const std::u16string& text) override
     {
+        line->DropComposing();
         line->insert(QString::fromStdU16String(text));
     }
 
@@ -115,7 +125,9 @@ public:
 
     void SetReadOnly(bool on) override
     {
+        line->DropComposing();
         line->setReadOnly(on);
+        QGuiApplication::inputMethod()->update(Qt::ImEnabled);
         line->setPalette(QPalette());
         if (!on)
             return;
@@ -126,8 +138,11 @@ public:
 
     int LineCount() const override { return 1; }
 
+    bool IsComposing() const override { return line->IsComposing(); }
+    void EndComposing(bool take) override { line->EndComposing(take); }
+
 private:
-    QLineEdit* line;
+    Line* line;
     int limit = 0x7FFF;
 };
 

@@ -1,10 +1,10 @@
 // The edit control of several lines.
+#include "platform/qt/Composing.h"
 #include "platform/qt/DialogFont.h"
 #include "platform/qt/EditWidget.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QContextMenuEvent>
-#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPlainTextEdit>
@@ -22,10 +22,10 @@ namespace
 
 constexpr QChar LineEnd = QChar::ParagraphSeparator; // between the lines of a document
 
-class TextBox : public QPlainTextEdit
+class TextBox : public Composing<TextBox, QPlainTextEdit>
 {
 public:
-    using QPlainTextEdit::QPlainTextEdit;
+    using Composing<TextBox, QPlainTextEdit>::Composing;
 
     int limit = 0x7FFF;
 
@@ -48,6 +48,21 @@ public:
             fitting.chop(1); // half a sign is none
         return fitting;
     }
+
+    bool IsSecret() const { return false; }
+    QString Selected() const { return textCursor().selectedText(); }
+
+    void Reinsert(const QString& text)
+    {
+        QTextCursor cursor = textCursor();
+        const int start = cursor.position();
+        cursor.insertText(text);
+        cursor.setPosition(start);
+        cursor.setPosition(start + static_cast<int>(text.size()), QTextCursor::KeepAnchor);
+        setTextCursor(cursor);
+    }
+
+    QString Admitted(const QString& typed) const { return Fitting(typed); }
 
     static qsizetype Units(const QString& raw) { return raw.size() + raw.count(LineEnd); }
 
@@ -73,21 +88,6 @@ protected:
         if (types && !isReadOnly() && Fitting(ends ? QString(LineEnd) : typed).isEmpty())
             return;
         QPlainTextEdit::keyPressEvent(event);
-    }
-
-    void inputMethodEvent(QInputMethodEvent* event) override
-    {
-        if (isReadOnly())
-            return;
-        const QString fitting = Fitting(event->commitString());
-        if (fitting.size() == event->commitString().size()) {
-            QPlainTextEdit::inputMethodEvent(event);
-            return;
-        }
-        QInputMethodEvent cut(event->preeditString(), event->attributes());
-        cut.setCommitString(fitting, event->replacementStart(), event->replacementLength());
-        QPlainTextEdit::inputMethodEvent(&cut);
-        event->accept();
     }
 
     void insertFromMimeData(const QMimeData* source) override
@@ -122,7 +122,9 @@ public:
                             : (style & ES_CENTER) != 0 ? Qt::AlignHCenter
                                                        : Qt::AlignLeft);
         text->document()->setDefaultTextOption(option);
-        QObject::connect(text, &QPlainTextEdit::textChanged, text, std::move(changed));
+        text->changed = std::move(changed);
+        QObject::connect(text, &QPlainTextEdit::textChanged, text,
+                         [box = text] { box->TellChange(); });
     }
 
     QWidget* Widget() override { return text; }
@@ -137,6 +139,7 @@ public:
 
     void SetText(const std::u16string& wanted) override
     {
+        text->DropComposing();
         const QSignalBlocker quiet(text);
         text->setPlainText(QString::fromStdU16String(wanted));
         text->moveCursor(QTextCursor::End);
@@ -160,6 +163,7 @@ public:
 
     void Replace(const std::u16string& wanted) override
     {
+        text->DropComposing();
         text->insertPlainText(text->Fitting(QString::fromStdU16String(wanted)));
         text->ensureCursorVisible();
     }
@@ -168,7 +172,9 @@ public:
 
     void SetReadOnly(bool on) override
     {
+        text->DropComposing();
         text->setReadOnly(on);
+        QGuiApplication::inputMethod()->update(Qt::ImEnabled);
         // The caret shows where the keyboard is even so, and keys move it.
         if (on)
             text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -184,6 +190,9 @@ public:
         }
         return count;
     }
+
+    bool IsComposing() const override { return text->IsComposing(); }
+    void EndComposing(bool take) override { text->EndComposing(take); }
 
 private:
     // A line's end is one place of the document and two units of the text.
