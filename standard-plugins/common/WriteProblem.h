@@ -20,7 +20,7 @@ enum class WriteProblem : uint8_t {
     Making,    // a file could not be made for another reason
     DiskFull,  // fewer bytes were taken than given
     Writing,   // bytes were refused for another reason
-    Replacing, // the finished file could not take the place of the old one
+    Replacing, // the finished file could not take its place
     Codec      // the format's library gave up
 };
 

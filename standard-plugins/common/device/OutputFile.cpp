@@ -195,8 +195,10 @@ bool FinishOutput(OutputFile* output)
         return Fail(output, WriteProblem::Writing);
     (void)CloseHandle(output->file);
     output->file = INVALID_HANDLE_VALUE;
-    if (!DeleteAndRenameFile(output->target, output->beside))
-        return Fail(output, WriteProblem::Replacing);
+    if (!DeleteAndRenameFile(output->target, output->beside)) {
+        const WriteProblem problem = ProblemOfMaking(GetLastError());
+        return Fail(output, problem == WriteProblem::Making ? WriteProblem::Replacing : problem);
+    }
     output->beside[0] = 0;
     return true;
 }

@@ -1,0 +1,349 @@
+// Writers that cannot finish: a negative result, a sentence for the user in the language of the
+// device, the old file as it was, and nothing left behind, whatever failed and wherever.
+
+#include "platform/testing/Faults.h"
+#include "standard-plugins/tests/support/MemoryInUse.h"
+#include "standard-plugins/tests/support/Writing.h"
+
+#include <sys/stat.h>
+
+using namespace plugintest;
+using tavrix::platform::FileOperation;
+
+namespace
+{
+
+constexpr u32 width = 173;
+constexpr u32 height = 211;
+
+/// A writer and how it is set.
+struct Form {
+    const char* name;
+    const char* library;
+    const char* file;
+    const char16_t* setting; // set to 1
+    const char16_t* caption;
+    const char16_t* japaneseCaption;
+};
+const Form forms[] = {
+    {"Png", "PNG.dll", "kept.png", nullptr, u"PNG writer", u"PNG 書き込み"},
+    {"InterlacedPng", "PNG.dll", "kept.png", u"PngOutputInterlaced", u"PNG writer",
+     u"PNG 書き込み"},
+    {"Jpeg", "JPEG.dll", "kept.jpg", nullptr, u"JPEG writer", u"JPEG 書き込み"},
+    {"ProgressiveJpeg", "JPEG.dll", "kept.jpg", u"JpegOutputProgressive", u"JPEG writer",
+     u"JPEG 書き込み"},
+};
+
+size_t CountDescriptors()
+{
+    size_t count = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+        ++count;
+    return count;
+}
+
+class WriterFailure : public WriterTest, public testing::WithParamInterface<Form>
+{
+protected:
+    WriterFailure() : target(folder / GetParam().file)
+    {
+        Start(9);
+        // Enough for several buffers of a file.
+        Set(u"JpegOutputQuality", 100);
+        if (GetParam().setting)
+            Set(GetParam().setting, 1);
+        WriteBytes(target, "the old file");
+        Fill(&image, width, height, 24, Wild);
+        // What the codec's library and the host make once is there before anything is counted.
+        EXPECT_EQ(Write(&image, folder / "first"), 1);
+        whole = FileBytes(folder / "first");
+        EXPECT_GT(whole.size(), 70000u);
+        std::filesystem::remove(folder / "first");
+    }
+
+    void Start(u32 language) { Load(GetParam().library, language); }
+
+    void ExpectUntouched(const std::string& what)
+    {
+        EXPECT_EQ(FileBytes(target), "the old file") << what;
+        EXPECT_EQ(NamesIn(folder), GetParam().file) << what;
+    }
+
+    /// One attempt in each language. `arrange` runs before it, and everything is undone behind it.
+    void ExpectFailure(Raster* picture, const std::filesystem::path& file,
+                       const std::function<void()>& arrange, i32 result, const char16_t* english,
+                       const char16_t* japanese)
+    {
+        for (const u32 language : {9u, 17u}) {
+            Start(language);
+            CurrentWriterHost().messages.clear();
+            CurrentWriterHost().captions.clear();
+            CurrentWriterHost().messageFlags.clear();
+            const size_t descriptors = CountDescriptors();
+            const size_t memory = MemoryInUse();
+            const tavrix::platform::Holdings holdings = tavrix::platform::CountHoldings();
+            arrange();
+            const i32 got = Write(picture, file);
+            tavrix::testing::Reset();
+            PretendMemory(u64{1} << 30);
+            EXPECT_EQ(got, result);
+            WriterHost& host = CurrentWriterHost();
+            const bool isEnglish = language == 9;
+            ASSERT_EQ(host.messages.size(), 1u);
+            EXPECT_EQ(host.messages[0], isEnglish ? english : japanese);
+            EXPECT_EQ(host.captions[0],
+                      isEnglish ? GetParam().caption : GetParam().japaneseCaption);
+            EXPECT_EQ(host.messageFlags[0], 16u);
+            ExpectUntouched(isEnglish ? "English" : "Japanese");
+            EXPECT_EQ(CountDescriptors(), descriptors);
+            EXPECT_TRUE(tavrix::platform::CountHoldings() == holdings);
+            host.messages.clear();
+            host.captions.clear();
+            host.progress = {};
+            EXPECT_LT(MemoryInUse(), memory + 4096);
+        }
+    }
+
+    std::filesystem::path target;
+    Raster image;
+    std::string whole;
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, WriterFailure, testing::ValuesIn(forms),
+                         [](const auto& entry) { return std::string(entry.param.name); });
+
+constexpr const char16_t* full = u"The disk is full.";
+constexpr const char16_t* fullJapanese = u"ディスクの空き容量が不足しています。";
+constexpr const char16_t* noFolder = u"The folder cannot be found.";
+constexpr const char16_t* noFolderJapanese = u"フォルダが見つかりません。";
+constexpr const char16_t* locked = u"The folder or the file is write-protected.";
+constexpr const char16_t* lockedJapanese = u"フォルダまたはファイルに書き込めません。";
+constexpr const char16_t* noPlace = u"The finished file cannot be put in its place.";
+constexpr const char16_t* noPlaceJapanese = u"完成したファイルを所定の場所に置けません。";
+constexpr const char16_t* noLine =
+    u"A line of the picture cannot be had; memory or temporary space is short.";
+constexpr const char16_t* noLineJapanese =
+    u"画像の行を取得できません。メモリまたは一時領域が不足しています。";
+
+void FailAt(FileOperation failing)
+{
+    tavrix::testing::SetFileFault(
+        [failing](FileOperation operation, const WCHAR*, DWORD*) { return operation == failing; });
+}
+
+} // namespace
+
+TEST_P(WriterFailure, SucceedsWhereNothingFailsAndTakesTheOldFilesPlace)
+{
+    chmod(target.c_str(), 0640);
+    EXPECT_EQ(Write(&image, target), 1);
+    EXPECT_TRUE(FileBytes(target) == whole);
+    EXPECT_EQ(NamesIn(folder), GetParam().file);
+    EXPECT_TRUE(CurrentWriterHost().messages.empty());
+    struct stat info {
+    };
+    ASSERT_EQ(stat(target.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0640u);
+}
+
+TEST_P(WriterFailure, DiskThatIsFull)
+{
+    for (const u64 room : {u64{0}, u64{1}, u64{65536}, u64{70000}})
+        ExpectFailure(
+            &image, target, [room] { tavrix::testing::SetDiskSpace(room); }, -1, full,
+            fullJapanese);
+    tavrix::testing::SetDiskSpace(whole.size() - 1);
+    EXPECT_EQ(Write(&image, target), -1);
+    ExpectUntouched("the last byte");
+    tavrix::testing::SetDiskSpace(whole.size());
+    EXPECT_EQ(Write(&image, target), 1);
+}
+
+TEST_P(WriterFailure, FileThatCannotBeMadeWrittenOrPutInItsPlace)
+{
+    ExpectFailure(
+        &image, target, [] { FailAt(FileOperation::Create); }, -1, full, fullJapanese);
+    ExpectFailure(
+        &image, target, [] { FailAt(FileOperation::Write); }, -1, full, fullJapanese);
+    ExpectFailure(
+        &image, target, [] { FailAt(FileOperation::Sync); }, -1, noPlace, noPlaceJapanese);
+    ExpectFailure(
+        &image, target, [] { FailAt(FileOperation::Rename); }, -1, noPlace, noPlaceJapanese);
+}
+
+TEST_P(WriterFailure, EveryWriteOfTheFileMayFailOrComeUpShort)
+{
+    using namespace tavrix::testing;
+    for (const FaultKind kind : {FaultKind::Write, FaultKind::ShortWrite, FaultKind::Create}) {
+        i32 result = 0;
+        const unsigned fired = ForEveryFault(
+            kind, [&] { result = Write(&image, target); },
+            [&](bool) {
+                if (result < 0) {
+                    ExpectUntouched("a fault");
+                } else {
+                    EXPECT_TRUE(FileBytes(target) == whole);
+                    WriteBytes(target, "the old file");
+                }
+            });
+        EXPECT_GE(fired, kind == FaultKind::Create ? 1u : 2u);
+        CurrentWriterHost() = {};
+        Set(u"JpegOutputQuality", 100);
+        if (GetParam().setting)
+            Set(GetParam().setting, 1);
+    }
+}
+
+TEST_P(WriterFailure, FolderThatIsNotThere)
+{
+    const auto nothing = [] {};
+    ExpectFailure(&image, folder / "gone" / "a.png", nothing, -1, noFolder, noFolderJapanese);
+    ExpectFailure(&image, folder / std::string(240, 'x'), nothing, -1, noFolder, noFolderJapanese);
+}
+
+TEST_P(WriterFailure, FolderThatGoesWhileTheFileIsWritten)
+{
+    const std::filesystem::path going = folder / "going";
+    const auto arrange = [&going] {
+        std::filesystem::create_directory(going);
+        CurrentWriterHost().onProgress = [going] { std::filesystem::remove_all(going); };
+    };
+    ExpectFailure(&image, going / "a", arrange, -1, noFolder, noFolderJapanese);
+}
+
+TEST_P(WriterFailure, FolderOrFileThatTakesNoWrites)
+{
+    const auto nothing = [] {};
+    // Of this folder of the host not even root makes files.
+    ExpectFailure(&image, "/sys/a.png", nothing, -1, locked, lockedJapanese);
+    ExpectFailure(&image, "/sys", nothing, -1, locked, lockedJapanese);
+    chmod(target.c_str(), 0444);
+    ExpectFailure(&image, target, nothing, -1, locked, lockedJapanese);
+}
+
+TEST_P(WriterFailure, LineThatCannotBeHadOrCannotGoBackToItsFile)
+{
+    // Every line lies in a file of its own, and one that is read comes into memory: another has to
+    // go. From the n-th of these on the disk takes none.
+    for (const int lines : {0, 1, 100}) {
+        PretendMemory(1000);
+        Raster paged;
+        Fill(&paged, width, height, 24, Wild);
+        int left = 0;
+        const auto arrange = [lines, &left] {
+            PretendMemory(1000);
+            left = lines;
+            tavrix::testing::SetFileFault(
+                [&left](FileOperation operation, const WCHAR* path, DWORD*) {
+                    return operation == FileOperation::Write &&
+                           std::u16string(path).starts_with(u"\\Temp\\") && left-- <= 0;
+                });
+        };
+        ExpectFailure(&paged, target, arrange, -101, noLine, noLineJapanese);
+    }
+}
+
+TEST_P(WriterFailure, PictureWhoseLinesLieInFilesGivesTheSameFile)
+{
+    PretendMemory(1000);
+    Raster paged;
+    Fill(&paged, width, height, 24, Wild);
+    EXPECT_EQ(Write(&paged, target), 1);
+    EXPECT_TRUE(FileBytes(target) == whole);
+}
+
+TEST_P(WriterFailure, RefusalOfEachProgressReportEndsItWithoutAWord)
+{
+    ASSERT_EQ(Write(&image, folder / "counted"), 1);
+    std::filesystem::remove(folder / "counted");
+    const auto reports = static_cast<int>(CurrentWriterHost().progress.size());
+    ASSERT_GE(reports, 60);
+    for (int refused = 0; refused < reports; ++refused) {
+        CurrentWriterHost().refuseFrom = refused;
+        EXPECT_EQ(Write(&image, target), -9) << refused;
+        EXPECT_EQ(CurrentWriterHost().progress.size(), static_cast<size_t>(refused) + 1);
+        ExpectUntouched("refusal " + std::to_string(refused));
+    }
+    EXPECT_TRUE(CurrentWriterHost().messages.empty());
+}
+
+TEST_P(WriterFailure, PictureThatCannotBeWrittenMakesNoFile)
+{
+    Raster sixteen;
+    ASSERT_EQ(sixteen.Create(5, 4, 16, nullptr, nullptr), 1);
+    int made = 0;
+    const auto count = [&made] {
+        tavrix::testing::SetFileFault([&made](FileOperation operation, const WCHAR*, DWORD*) {
+            made += operation == FileOperation::Create;
+            return false;
+        });
+    };
+    ExpectFailure(&sixteen, target, count, -1,
+                  u"Only pictures of 8, 24 and 32 bits a pixel can be written.",
+                  u"書き込めるのは 8、24、32 ビットの画像だけです。");
+    Raster empty;
+    ExpectFailure(&empty, target, count, -1, u"The picture has no pixels.",
+                  u"画像に画素がありません。");
+    EXPECT_EQ(made, 0);
+}
+
+TEST_P(WriterFailure, NoFileOfTheUserHasTheNameThatIsWrittenUnder)
+{
+    // The first three numbers give names that are taken, one of them in other letters.
+    for (const char* name : {"~tavrix00000", "~TAVRIX00001", "~tavrix00002"})
+        WriteBytes(folder / name, "mine");
+    tavrix::testing::SetRandom({0});
+    std::string during;
+    CurrentWriterHost().onProgress = [&] { during = NamesIn(folder); };
+    EXPECT_EQ(Write(&image, target), 1);
+    EXPECT_TRUE(FileBytes(target) == whole);
+    EXPECT_NE(during.find("~tavrix00003"), std::string::npos) << during;
+    EXPECT_EQ(NamesIn(folder),
+              std::string(GetParam().file) + "|~TAVRIX00001|~tavrix00000|~tavrix00002");
+    for (const char* name : {"~tavrix00000", "~TAVRIX00001", "~tavrix00002"})
+        EXPECT_EQ(FileBytes(folder / name), "mine");
+}
+
+TEST_P(WriterFailure, LongestPathAndLongestNameHaveRoomForTheFileBesideThem)
+{
+    // \ is the home folder of the test: the path of the device is as long as it can be, and has
+    // room for a name of five characters alone.
+    const std::u16string deep(252, u'd');
+    const std::u16string path = u"\\" + deep + u"\\a.png";
+    ASSERT_EQ(path.size(), 259u);
+    ASSERT_TRUE(CreateDirectoryW((u"\\" + deep).c_str(), nullptr));
+    EXPECT_EQ(plugin.PutImage(path.c_str(), nullptr, &image, WriterCallbacks()), 1);
+    EXPECT_TRUE(FileBytes(tavrix::testing::HostPath(path.c_str())) == whole);
+    const std::u16string name = u"\\" + std::u16string(251, u'n') + u".png"; // 255 bytes
+    EXPECT_EQ(plugin.PutImage(name.c_str(), nullptr, &image, WriterCallbacks()), 1);
+    EXPECT_TRUE(FileBytes(tavrix::testing::HostPath(name.c_str())) == whole);
+    EXPECT_EQ(plugin.PutImage((path + u"x").c_str(), nullptr, &image, WriterCallbacks()), -1);
+    EXPECT_TRUE(DeleteFileW(path.c_str()));
+    EXPECT_TRUE(RemoveDirectoryW((u"\\" + deep).c_str())) << "nothing else is in it";
+    EXPECT_TRUE(DeleteFileW(name.c_str()));
+    image.UnlockAll();
+}
+
+TEST_P(WriterFailure, LinkStaysALinkAndItsFileIsReplaced)
+{
+    std::filesystem::create_directory(folder / "real");
+    WriteBytes(folder / "real/file", "the old file");
+    std::filesystem::create_symlink("real/file", folder / "link");
+    EXPECT_EQ(Write(&image, folder / "link"), 1);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
+    EXPECT_TRUE(FileBytes(folder / "real/file") == whole);
+    EXPECT_EQ(NamesIn(folder / "real"), "file");
+}
+
+TEST_P(WriterFailure, MissingArgumentsAreRefusedWithoutAWord)
+{
+    EXPECT_EQ(plugin.PutImage(nullptr, nullptr, &image, WriterCallbacks()), -4);
+    PluginCallbacks silent = WriterCallbacks();
+    silent.progress = nullptr;
+    silent.message = nullptr;
+    silent.get = nullptr;
+    EXPECT_EQ(plugin.PutImage(DevicePath(folder / "a").c_str(), nullptr, &image, silent), 1);
+    EXPECT_LT(plugin.PutImage(DevicePath(folder / "no/a").c_str(), nullptr, &image, silent), 0);
+    EXPECT_TRUE(CurrentWriterHost().messages.empty());
+    image.UnlockAll();
+}
