@@ -163,7 +163,8 @@ QRect ListWidget::IconLabel(const QRect& cell, const QString& text) const
 
 int ListWidget::LabelLeft() const
 {
-    return Margin + picture.width() + (picture.isEmpty() ? 0 : Margin);
+    // Without pictures the texts stand below their column's head.
+    return picture.isEmpty() ? 0 : picture.width() + 2 * Margin;
 }
 
 ListWidget::Parts ListWidget::PartsOf(int row) const

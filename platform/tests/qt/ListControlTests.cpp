@@ -817,6 +817,16 @@ TEST_F(ListControl, TheLineBetweenTwoHeadsCanBeDragged)
     EXPECT_EQ(Send(LVM_GETCOLUMNWIDTH, 0), 0);
 }
 
+TEST_F(ListControl, WithoutPicturesTheFirstColumnsTextsBeginAtItsEdge)
+{
+    MakeFive(Several);
+    Pump(20);
+    EXPECT_EQ(Place(2, LVIR_LABEL).left, 0);
+    GiveIcons(LVSIL_SMALL, 16);
+    Pump(20);
+    EXPECT_GT(Place(2, LVIR_LABEL).left, 16);
+}
+
 // A text is shown whole when no three dots stand at its end: then a wider column changes nothing.
 TEST_F(ListControl, ADoubleClickOnTheLineMakesTheColumnAsWideAsItsTexts)
 {
