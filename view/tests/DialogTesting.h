@@ -37,13 +37,39 @@ inline RECT PlaceOf(HWND window)
     return place;
 }
 
+/// Ends the dialog that is open where nothing else does, so that a test fails and does not hang.
+class Patience
+{
+public:
+    Patience() { timer = SetTimer(nullptr, 0, Milliseconds, Give); }
+    ~Patience()
+    {
+        KillTimer(nullptr, timer);
+        waited = nullptr;
+    }
+    Patience(const Patience&) = delete;
+    Patience& operator=(const Patience&) = delete;
+    static inline HWND waited = nullptr; // the dialog
+
+private:
+    static constexpr UINT Milliseconds = 5000;
+    static void CALLBACK Give(HWND, UINT, UINT_PTR, DWORD)
+    {
+        ADD_FAILURE() << "the dialog does not end";
+        EndDialog(waited, 0);
+    }
+    UINT_PTR timer;
+};
+
 /// Runs `open`, which shows one dialog, with a script for it. How many dialogs came up.
 inline int Open(const std::function<void()>& open, const std::function<void(const Dialog&)>& script)
 {
+    const Patience patience;
     int dialogs = 0;
     OnModal([&](HWND window, bool box) {
         EXPECT_FALSE(box);
         ++dialogs;
+        Patience::waited = window;
         script(Dialog{window});
     });
     open();
@@ -85,18 +111,8 @@ inline void ExpectWaysOut(const std::function<void()>& open, const std::vector<W
     };
     for (size_t way = 0; way < std::size(ways); ++way) {
         SCOPED_TRACE(way);
-        bool late = false;
-        // A way that does not end it must not hang the test.
-        static HWND shown;
-        static bool* lateness;
-        lateness = &late;
-        const UINT_PTR timer = SetTimer(nullptr, 0, 2000, [](HWND, UINT, UINT_PTR, DWORD) {
-            *lateness = true;
-            EndDialog(shown, 0);
-        });
         EXPECT_EQ(Open(open,
                        [&](const Dialog& dialog) {
-                           shown = dialog.window;
                            Pump(20);
                            for (const WPARAM id : others)
                                dialog.Command(id);
@@ -106,8 +122,6 @@ inline void ExpectWaysOut(const std::function<void()>& open, const std::vector<W
                            ways[way](dialog);
                        }),
                   1);
-        KillTimer(nullptr, timer);
-        EXPECT_FALSE(late);
     }
 }
 

@@ -298,29 +298,31 @@ TEST_F(Dialogs, TheButtonThatEnterPressesLooksLikeTheDefaultOne)
             EndDialog(dialog, IDOK);
             return;
         }
-        const auto edge = [dialog](int id) {
+        const auto look = [dialog](int id) {
             Pump(10);
             const Picture picture = WindowPixels(GetDlgItem(dialog, id));
-            return picture.At(picture.width / 2, 0);
+            return std::pair(picture.At(picture.width / 2, 0),
+                             picture.At(6, picture.height / 2)); // edge and ground
         };
-        const uint32_t chosen = edge(1);
-        const uint32_t plain = edge(2);
-        EXPECT_NE(chosen, plain) << "the focus is on a check box";
-        EXPECT_EQ(edge(1040), plain);
+        const auto chosen = look(1);
+        const auto plain = look(2);
+        EXPECT_NE(chosen.first, plain.first) << "the focus is on a check box";
+        EXPECT_NE(chosen.second, plain.second);
+        EXPECT_EQ(look(1040), plain);
         SetFocus(GetDlgItem(dialog, 1040));
-        EXPECT_EQ(edge(1040), chosen);
-        EXPECT_EQ(edge(1), plain);
+        EXPECT_EQ(look(1040), chosen);
+        EXPECT_EQ(look(1), plain);
         SetFocus(GetDlgItem(dialog, 2));
-        EXPECT_EQ(edge(2), chosen);
-        EXPECT_EQ(edge(1040), plain);
+        EXPECT_EQ(look(2), chosen);
+        EXPECT_EQ(look(1040), plain);
         EXPECT_EQ(SendMessageW(GetDlgItem(dialog, 2), WM_GETDLGCODE, 0, 0),
                   tavrix::platform::DLGC_BUTTON | tavrix::platform::DLGC_UNDEFPUSHBUTTON)
             << "a look and no style";
         MessageBoxW(dialog, TEXT("in between"), TEXT(""), MB_OK);
-        EXPECT_EQ(edge(2), chosen) << "again with the focus";
+        EXPECT_EQ(look(2), chosen) << "again with the focus";
         SetFocus(GetDlgItem(dialog, 1011));
-        EXPECT_EQ(edge(1), chosen);
-        EXPECT_EQ(edge(2), plain);
+        EXPECT_EQ(look(1), chosen);
+        EXPECT_EQ(look(2), plain);
         EndDialog(dialog, 1);
     });
     EXPECT_EQ(RunDialogResource(200), 1);
