@@ -35,6 +35,10 @@
 #define BS_RADIOBUTTON 0x4L
 #define BS_GROUPBOX 0x7L
 #define BS_AUTORADIOBUTTON 0x9L
+#define ES_RIGHT 0x2L
+#define ES_AUTOHSCROLL 0x80L
+#define ES_NUMBER 0x2000L
+#define CBS_DROPDOWNLIST 0x3L
 #define TBS_NOTICKS 0x10L
 
 /* The buttons that every dialog has. */
