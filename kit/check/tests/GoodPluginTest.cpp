@@ -76,3 +76,9 @@ TEST(BundledPlugins, TheJpegReaderPassesWithItsSamples)
                          TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/JPEG.dll"}),
                "JPEG.dll: TX_INPUT, all checks passed");
 }
+
+TEST(BundledPlugins, ThePdfPrinterPasses)
+{
+    ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/PRINT/PDF.dll"}),
+               "PDF.dll: TX_PRINT, all checks passed");
+}
