@@ -24,6 +24,9 @@
 
 #define LVS_REPORT 0x1L
 #define LVS_SINGLESEL 0x4L
+#define LVS_SHOWSELALWAYS 0x8L
 #define LVS_NOSORTHEADER 0x8000L
+
+#define CBS_DROPDOWNLIST 0x3L
 
 #endif
