@@ -6,6 +6,7 @@
 #include "standard-plugins/common/ProgressThrottle.h"
 #include "standard-plugins/common/WriteProblem.h"
 #include "standard-plugins/pdf-print/PdfDocument.h"
+#include "standard-plugins/pdf-print/PluginName.h"
 #include "standard-plugins/pdf-print/PrintTarget.h"
 
 #include <stdlib.h>
@@ -15,7 +16,6 @@ namespace
 
 constexpr DWORD longestSilence = 100; // milliseconds
 
-const BilingualText caption = {PLUGIN_TEXT("PDF file"), PLUGIN_TEXT("PDF ファイル")};
 const BilingualText printingTo = {PLUGIN_TEXT("Printing to %s"), PLUGIN_TEXT("印刷先: %s")};
 const BilingualText printedInstead = {
     PLUGIN_TEXT("The name is taken, so this was printed to %s"),
@@ -40,7 +40,7 @@ void TellPath(const PrintRequest& request, const BilingualText& text, const Tavr
     TavrixChar told[MAX_PATH + longestText];
     wsprintfW(told, InLanguage(text), path);
     if (request.message)
-        (void)request.message(told, InLanguage(caption), flags);
+        (void)request.message(told, InLanguage(pluginName), flags);
 }
 
 bool WriteToOutput(void* output, const void* bytes, uint32_t count)
@@ -148,9 +148,9 @@ void Close(Printing* printing)
 void Tell(const Printing& printing, WriteProblem problem, const PrintRequest& request)
 {
     if (problem == WriteProblem::Size)
-        TellText(tooLong, caption, request.message);
+        TellText(tooLong, pluginName, request.message);
     else
-        TellProblem(problem, caption, request.message);
+        TellProblem(problem, pluginName, request.message);
     // This icon makes the host wait until the line has been read.
     if (problem == WriteProblem::None && printing.target.isNumbered)
         TellPath(request, printedInstead, printing.target.path, MB_ICONEXCLAMATION);
@@ -162,7 +162,7 @@ int32_t PrintPicture(const PrintRequest& request)
 {
     auto* printing = static_cast<Printing*>(calloc(1, sizeof(Printing)));
     if (!printing) {
-        TellProblem(WriteProblem::Memory, caption, request.message);
+        TellProblem(WriteProblem::Memory, pluginName, request.message);
         return PluginNoMemory;
     }
     const WriteProblem problem = Run(printing, request);

@@ -2,6 +2,7 @@
 #include "standard-plugins/common/PluginInfo.h"
 #include "standard-plugins/common/PluginResult.h"
 #include "standard-plugins/pdf-print/PdfPrinting.h"
+#include "standard-plugins/pdf-print/PluginName.h"
 #include "standard-plugins/pdf-print/PrintDialog.h"
 
 namespace
@@ -9,7 +10,7 @@ namespace
 
 const PluginTexts texts = {
     PLUGIN_TEXT("TX_PRINT"),
-    {PLUGIN_TEXT("PDF file"), PLUGIN_TEXT("PDF ファイル")},
+    pluginName,
     PLUGIN_TEXT("1.0"),
     PLUGIN_TEXT("2026-11-21"),
     {PLUGIN_TEXT("Prints the picture to a PDF file of one page, without loss."),

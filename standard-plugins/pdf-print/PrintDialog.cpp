@@ -5,12 +5,12 @@
 #include "standard-plugins/common/WriteProblem.h"
 #include "standard-plugins/pdf-print/FileNames.h"
 #include "standard-plugins/pdf-print/PdfPrintIds.h"
+#include "standard-plugins/pdf-print/PluginName.h"
 
 namespace
 {
 
 const DialogNumbers dialogNumbers = {DialogEnglish, DialogJapanese};
-const BilingualText caption = {PLUGIN_TEXT("PDF file"), PLUGIN_TEXT("PDF ファイル")};
 
 // In the order of PaperKind and PageOrientation.
 const BilingualText paperNames[] = {
@@ -95,7 +95,7 @@ void ShowSettings(HWND dialog, const PrintSettings& settings)
 
 bool Refuse(HWND dialog, int control, const BilingualText& text)
 {
-    MessageBoxW(dialog, InLanguage(text), InLanguage(caption), MB_OK | MB_ICONEXCLAMATION);
+    MessageBoxW(dialog, InLanguage(text), InLanguage(pluginName), MB_OK | MB_ICONEXCLAMATION);
     SetFocus(GetDlgItem(dialog, control));
     SendDlgItemMessageW(dialog, control, EM_SETSEL, 0, -1);
     return false;
@@ -141,7 +141,7 @@ bool TakeFile(HWND dialog, PrintSettings* settings)
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
         return Refuse(dialog, ControlFile, nameOfFolder);
     SetDlgItemTextW(dialog, ControlFile, settings->file);
-    if (MessageBoxW(dialog, InLanguage(askReplacing), InLanguage(caption),
+    if (MessageBoxW(dialog, InLanguage(askReplacing), InLanguage(pluginName),
                     MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES)
         return true;
     SetFocus(GetDlgItem(dialog, ControlFile));

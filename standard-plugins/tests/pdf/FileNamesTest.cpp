@@ -71,3 +71,12 @@ TEST(FileNames, AFilePathIsAbsoluteAndNamesSomething)
     for (const char16_t* path : {u"", u"a", u"a\\b", u"\\", u"\\a\\"})
         EXPECT_FALSE(IsFilePath(path));
 }
+
+TEST(FileNames, TheFolderOfAPathIsLookedFor)
+{
+    EXPECT_TRUE(HasFolder(u"\\page.pdf"));
+    EXPECT_TRUE(HasFolder(u"\\My Documents\\page.pdf"));
+    EXPECT_TRUE(HasFolder(u"\\Computer\\tmp\\page.pdf"));
+    EXPECT_FALSE(HasFolder(u"\\Computer\\tmp\\no such folder\\page.pdf"));
+    EXPECT_FALSE(HasFolder(u"\\Computer\\dev\\null\\page.pdf"));
+}

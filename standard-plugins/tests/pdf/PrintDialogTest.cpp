@@ -28,7 +28,10 @@ protected:
                 return script(window);
             boxes.push_back(Utf8(BoxText(window).c_str()));
             boxCaption = BoxCaption(window);
-            ClickControl(window, answer);
+            // A box that nobody expected must not wait for ever.
+            const bool offers = GetDlgItem(window, answer) != nullptr;
+            EXPECT_TRUE(offers) << boxes.back();
+            ClickControl(window, offers ? answer : answer == IDOK ? IDNO : IDOK);
         });
         const i32 result = plugin.Configure(nullptr, Callbacks());
         OnModal(nullptr);
@@ -40,6 +43,9 @@ protected:
             if (script)
                 script(dialog);
             ClickControl(dialog, IDOK);
+            EXPECT_FALSE(IsWindowVisible(dialog)) << "OK was refused";
+            if (IsWindowVisible(dialog))
+                ClickControl(dialog, IDCANCEL);
         });
     }
     /// Types into a field and presses OK, which has to be refused with a sentence.
@@ -50,7 +56,7 @@ protected:
         EXPECT_EQ(Configure([&](HWND dialog) {
                       SetDlgItemTextW(dialog, control, text.c_str());
                       ClickControl(dialog, IDOK);
-                      EXPECT_TRUE(IsWindow(dialog));
+                      EXPECT_TRUE(IsWindowVisible(dialog));
                       focus = GetFocus();
                       wanted = GetDlgItem(dialog, control);
                       ClickControl(dialog, IDCANCEL);
@@ -344,7 +350,7 @@ TEST_F(PrintDialog, AsksBeforeAFileIsReplaced)
     answer = IDNO;
     EXPECT_EQ(Configure([](HWND dialog) {
                   ClickControl(dialog, IDOK);
-                  EXPECT_TRUE(IsWindow(dialog)) << "No goes back to the dialog";
+                  EXPECT_TRUE(IsWindowVisible(dialog)) << "No goes back to the dialog";
                   EXPECT_EQ(GetDlgCtrlID(GetFocus()), ControlFile);
                   ClickControl(dialog, IDCANCEL);
               }),

@@ -275,6 +275,18 @@ TEST_F(PrintFailure, AFullDiskIsTold)
     EXPECT_EQ(NamesIn(folder), Names{});
 }
 
+TEST_F(PrintFailure, AFullDiskEndsTheWorkAtOnce)
+{
+    // Of 600,000 bytes the disk takes none, which shows when the first 65,536 go to it.
+    tavrix::testing::SetFileFault([](FileOperation operation, const WCHAR*, DWORD* shortBy) {
+        *shortBy = 0xFFFFFFFF;
+        return operation == FileOperation::Write;
+    });
+    EXPECT_EQ(Print(200, 1000, Noise), -1);
+    ASSERT_FALSE(CurrentTold().progress.empty());
+    EXPECT_LT(CurrentTold().progress.back().first, 250u);
+}
+
 TEST_F(PrintFailure, AMissingFolderIsTold)
 {
     SetFile("none/page.pdf");
@@ -285,18 +297,11 @@ TEST_F(PrintFailure, AMissingFolderIsTold)
 
 TEST_F(PrintFailure, AFolderThatTakesNoFilesIsTold)
 {
-    tavrix::testing::SetFileFault([](FileOperation operation, const WCHAR*, DWORD*) {
-        return operation == FileOperation::Create;
-    });
-    ExpectComplaints([&] { return Print(3, 3, Noise); }, -1, "The disk is full.",
-                     "ディスクの空き容量が不足しています。");
-    tavrix::testing::SetFileFault(nullptr);
-    // A place that really takes none, for whoever runs this.
-    CurrentTold().texts[u"PdfPrintFile"] = u"\\Computer\\proc\\page.pdf";
-    CurrentTold().messages.clear();
-    Load(0);
-    EXPECT_EQ(Print(3, 3, Noise), -1);
-    EXPECT_NE(Complaint(), "");
+    // One that takes none from whoever runs this.
+    CurrentTold().texts[u"PdfPrintFile"] = u"\\Computer\\sys\\page.pdf";
+    ExpectComplaints([&] { return Print(3, 3, Noise); }, -1,
+                     "The folder or the file is write-protected.",
+                     "フォルダまたはファイルに書き込めません。");
 }
 
 TEST_F(PrintFailure, AFolderInTheFilesPlaceIsNotReplacedThoughTheUserAgreed)

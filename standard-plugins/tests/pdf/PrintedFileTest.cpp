@@ -66,7 +66,7 @@ TEST_F(PrintedFile, GivesBackPicturesOfEveryNarrowWidthBitForBit)
 
 TEST_F(PrintedFile, GivesBackOnePixelOneColumnOneLineAndALargePicture)
 {
-    const u32 sizes[][2] = {{1, 1}, {1, 300}, {300, 1}, {643, 481}, {2, 5000}, {5000, 2}};
+    const u32 sizes[][2] = {{1, 1}, {1, 300}, {300, 1}, {643, 481}, {2, 5000}, {12000, 5}};
     for (const auto& size : sizes) {
         ASSERT_EQ(PrintAgain(size[0], size[1], Noise), 1) << size[0];
         ExpectSound(pdf);
