@@ -173,6 +173,9 @@ TEST_F(ComboBox, ChoosingByTheProgramShowsTheTextAndTellsNobody)
         EXPECT_EQ(Text(), u"JPEG");
         EXPECT_EQ(SendText(CB_SELECTSTRING, static_cast<WPARAM>(-1), TEXT("tiff")), CB_ERR);
         EXPECT_EQ(Chosen(), 1);
+        SendText(CB_INSERTSTRING, 1, TEXT("before it"));
+        EXPECT_EQ(Chosen(), 2) << "the choice stays with its text";
+        Send(CB_DELETESTRING, 1);
         EXPECT_EQ(Send(CB_DELETESTRING, 0), 3);
         EXPECT_EQ(Chosen(), 0);
         EXPECT_EQ(Send(CB_SETCURSEL, 99), CB_ERR);
@@ -541,8 +544,9 @@ TEST_F(ComboBox, ADisabledOneTakesNoInputAndAHiddenOneShowsNoList)
 {
     for (const UINT style : {Plain, Edited}) {
         MakeFilled(style);
-        TypeKey(VK_F4);
-        codes.clear();
+        SetFocus(parent.handle);
+        Send(CB_SHOWDROPDOWN, TRUE);
+        EXPECT_TRUE(IsDown());
         EnableWindow(combo, FALSE);
         EXPECT_FALSE(IsDown());
         codes.clear();
@@ -565,15 +569,25 @@ TEST_F(ComboBox, ADisabledOneTakesNoInputAndAHiddenOneShowsNoList)
 TEST_F(ComboBox, ALongTextIsCutInTheField)
 {
     Make(Plain, 10, 20, 80, 120);
-    // Cut, both end alike whatever stands behind.
-    Add(TEXT("abcdefghijklmnopqrstuvwxyz 1"));
-    Add(TEXT("abcdefghijklmnopqrstuvwxyz 2"));
+    constexpr int ArrowWidth = 16;
+    const auto arrow = [this] {
+        Pump(20);
+        const Picture picture = WindowPixels(combo);
+        std::vector<uint32_t> pixels;
+        for (int y = 0; y < picture.height; ++y)
+            for (int x = picture.width - ArrowWidth; x < picture.width; ++x)
+                pixels.push_back(picture.At(x, y));
+        return pixels;
+    };
+    const std::vector<uint32_t> empty = arrow();
+    Add((std::u16string(60, u'W') + u"1").c_str());
+    Add((std::u16string(60, u'W') + u"2").c_str());
     Send(CB_SETCURSEL, 0);
-    Pump(20);
+    EXPECT_EQ(arrow(), empty) << "nothing of it stands on the arrow";
     const std::vector<uint32_t> one = WindowPixels(combo).pixels;
     Send(CB_SETCURSEL, 1);
     Pump(20);
-    EXPECT_EQ(WindowPixels(combo).pixels, one);
+    EXPECT_EQ(WindowPixels(combo).pixels, one) << "its end is what is cut off";
     Send(CB_SETCURSEL, static_cast<WPARAM>(-1));
     Pump(20);
     EXPECT_NE(WindowPixels(combo).pixels, one);
