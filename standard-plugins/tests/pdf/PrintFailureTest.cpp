@@ -156,6 +156,42 @@ TEST_F(PrintFailure, AbortAtTheLastLineLeavesNothingEither)
     EXPECT_EQ(NamesIn(folder), Names{});
 }
 
+TEST_F(PrintFailure, AbortIsHeardAtEachLineWhereLinesAreSlow)
+{
+    // A hundredth of the picture is ten lines; each line takes a second.
+    CanvasPrint print(3, 1000);
+    static int32_t (*lock)(TavrixImageHandle, int32_t, void**, uint32_t*);
+    lock = print.canvas.Table()->RasterLockLines;
+    tavrix::testing::SetTickCount(0xFFFFF000); // the count begins anew on the way
+    print.canvas.Table()->RasterLockLines = [](TavrixImageHandle image, int32_t line, void** out,
+                                               uint32_t* count) -> int32_t {
+        tavrix::testing::SetTickCount(0xFFFFF000 + 1000 * static_cast<u32>(line + 1));
+        return lock(image, line, out, count);
+    };
+    CurrentTold().refusedFrom = 6;
+    EXPECT_EQ(print.Run(), PluginStopped);
+    EXPECT_EQ(CurrentTold().progress.back(), (std::pair<u32, u32>{7, 1000}));
+    EXPECT_EQ(NamesIn(folder), Names{});
+}
+
+TEST_F(PrintFailure, OneSlowLineIsReportedAndTheFastOnesByTheHundredth)
+{
+    CanvasPrint print(3, 1000);
+    static int32_t (*lock)(TavrixImageHandle, int32_t, void**, uint32_t*);
+    lock = print.canvas.Table()->RasterLockLines;
+    tavrix::testing::SetTickCount(5000);
+    print.canvas.Table()->RasterLockLines = [](TavrixImageHandle image, int32_t line, void** out,
+                                               uint32_t* count) -> int32_t {
+        tavrix::testing::SetTickCount(line < 15 ? 5000 : 6000);
+        return lock(image, line, out, count);
+    };
+    EXPECT_EQ(print.Run(), 1);
+    const auto& progress = CurrentTold().progress;
+    EXPECT_EQ(progress.size(), 102u); // 0 to 100 hundredths, and line 16
+    ASSERT_GE(progress.size(), 3u);
+    EXPECT_EQ(progress[2].first, 16u);
+}
+
 TEST_F(PrintFailure, EveryStepOfTheFileMayFail)
 {
     for (const bool replaces : {false, true})
