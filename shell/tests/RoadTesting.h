@@ -110,18 +110,24 @@ struct Choice {
     std::optional<i32> filter; // the number behind the entry; -1 is the one for all files
     bool cancel = false;
     bool cancelIfItStays = false;
+    std::vector<std::u16string> folders = {}; // entered first, one after the other
 };
 inline Choice Choose(const std::u16string& name, std::optional<i32> filter = {})
 {
-    return {name, filter};
+    return {name, filter, false, false, {}};
+}
+inline Choice ChooseBelow(const std::vector<std::u16string>& folders, const std::u16string& name,
+                          std::optional<i32> filter = {})
+{
+    return {name, filter, false, false, folders};
 }
 inline Choice Cancel()
 {
-    return {{}, {}, true};
+    return {{}, {}, true, false, {}};
 }
 inline Choice Try(const std::u16string& name, std::optional<i32> filter = {})
 {
-    return {name, filter, false, true};
+    return {name, filter, false, true, {}};
 }
 
 /// A file dialog as it came up.
@@ -217,6 +223,10 @@ private:
         }
         const Choice choice = choices.front();
         choices.pop_front();
+        for (const std::u16string& folder : choice.folders) {
+            SetDlgItemTextW(dialog, ControlFileName, (folder + u"\\").c_str());
+            SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+        }
         if (choice.filter)
             ChooseFilter(dialog, box, *choice.filter);
         if (choice.name)
