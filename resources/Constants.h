@@ -5,12 +5,8 @@
 
 #include "kit/include/tavrix/resource.h"
 
-#define DS_CENTER 0x800L
-
 #define SS_BITMAP 0xEL
 #define SS_NOTIFY 0x100L
-
-#define TBS_NOTICKS 0x10L
 
 #define ES_MULTILINE 0x4L
 #define ES_AUTOVSCROLL 0x40L
