@@ -34,10 +34,8 @@ bool CopyEntries(PictureReader* reader, PaletteFunctionTable* palettes, TavrixPa
     if (reader->rasters->RasterGetPalette(reader->image, palette) < 1)
         return Fail(reader, WriteProblem::Memory);
     const int32_t count = palettes->PaletteGetEntries(palette, nullptr);
-    if (count < 1) {
-        UseGreys(reader);
-        return true;
-    }
+    if (count < 1)
+        return Fail(reader, WriteProblem::Memory);
     // The host writes all entries there are, of which a palette may hold more than a byte can name.
     auto* entries =
         static_cast<PaletteEntry*>(calloc(static_cast<size_t>(count), sizeof(PaletteEntry)));

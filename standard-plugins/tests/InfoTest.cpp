@@ -57,6 +57,11 @@ const Plugin plugins[] = {
     {"PRINT/PDF", u"PDF file", u"PDF ファイル", nullptr, nullptr, nullptr, printerExports},
 };
 
+void PrintTo(const Plugin& plugin, std::ostream* out)
+{
+    *out << plugin.file;
+}
+
 std::vector<Plugin> Readers()
 {
     std::vector<Plugin> readers;

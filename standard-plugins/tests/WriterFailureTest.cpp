@@ -1,10 +1,12 @@
 // Writers that cannot finish: a negative result, a sentence for the user in the language of the
 // device, the old file as it was, and nothing left behind, whatever failed and wherever.
 
+#include "foundation/Stream.h"
 #include "platform/testing/Faults.h"
 #include "standard-plugins/tests/support/MemoryInUse.h"
 #include "standard-plugins/tests/support/Writing.h"
 
+#include <algorithm>
 #include <sys/stat.h>
 
 using namespace plugintest;
@@ -34,6 +36,11 @@ const Form forms[] = {
      u"JPEG 書き込み"},
 };
 
+void PrintTo(const Form& form, std::ostream* out)
+{
+    *out << form.name;
+}
+
 size_t CountDescriptors()
 {
     size_t count = 0;
@@ -41,6 +48,30 @@ size_t CountDescriptors()
         ++count;
     return count;
 }
+
+/// Takes at most 1000 bytes a write, and no more than there is room for.
+class PartialStream final : public Stream
+{
+public:
+    i32 GetName(WCHAR*, i32) override { return -1; }
+    i32 GetSize(u64*) override { return -1; }
+    i32 Seek(const i64*, u64*, u32) override { return -1; }
+    i32 Read(void*, u32*) override { return -1; }
+    i32 Write(const void* buffer, u32* length) override
+    {
+        if (breaks && bytes.size() == room)
+            return -1;
+        const size_t taken = std::min({size_t{*length}, size_t{1000}, room - bytes.size()});
+        bytes.append(static_cast<const char*>(buffer), taken);
+        *length = static_cast<u32>(taken);
+        return 1;
+    }
+    i32 Close() override { return 1; }
+
+    std::string bytes;
+    size_t room = ~size_t{0};
+    bool breaks = false; // where the room ends a write fails
+};
 
 class WriterFailure : public WriterTest, public testing::WithParamInterface<Form>
 {
@@ -224,23 +255,28 @@ TEST_P(WriterFailure, FolderOrFileThatTakesNoWrites)
 TEST_P(WriterFailure, LineThatCannotBeHadOrCannotGoBackToItsFile)
 {
     // Every line lies in a file of its own, and one that is read comes into memory: another has to
-    // go. From the n-th of these on the disk takes none.
-    for (const int lines : {0, 1, 100}) {
-        PretendMemory(1000);
-        Raster paged;
-        Fill(&paged, width, height, 24, Wild);
-        int left = 0;
-        const auto arrange = [lines, &left] {
+    // go. The disk takes none from the n-th of these on, or not the n-th alone, which is a line
+    // that is lost all the same.
+    for (const bool onward : {true, false})
+        for (const int lines : {0, 1, 100}) {
             PretendMemory(1000);
-            left = lines;
-            tavrix::testing::SetFileFault(
-                [&left](FileOperation operation, const WCHAR* path, DWORD*) {
-                    return operation == FileOperation::Write &&
-                           std::u16string(path).starts_with(u"\\Temp\\") && left-- <= 0;
-                });
-        };
-        ExpectFailure(&paged, target, arrange, -101, noLine, noLineJapanese);
-    }
+            Raster paged;
+            Fill(&paged, width, height, 24, Wild);
+            int left = 0;
+            const auto arrange = [lines, onward, &left] {
+                PretendMemory(1000);
+                left = lines;
+                tavrix::testing::SetFileFault(
+                    [onward, &left](FileOperation operation, const WCHAR* path, DWORD*) {
+                        if (operation != FileOperation::Write ||
+                            !std::u16string(path).starts_with(u"\\Temp\\"))
+                            return false;
+                        --left;
+                        return onward ? left < 0 : left == -1;
+                    });
+            };
+            ExpectFailure(&paged, target, arrange, -101, noLine, noLineJapanese);
+        }
 }
 
 TEST_P(WriterFailure, PictureWhoseLinesLieInFilesGivesTheSameFile)
@@ -322,6 +358,28 @@ TEST_P(WriterFailure, LongestPathAndLongestNameHaveRoomForTheFileBesideThem)
     EXPECT_TRUE(RemoveDirectoryW((u"\\" + deep).c_str())) << "nothing else is in it";
     EXPECT_TRUE(DeleteFileW(name.c_str()));
     image.UnlockAll();
+}
+
+TEST_P(WriterFailure, StreamThatTakesLittleAtATimeGetsAllAndOneThatIsFullIsAFailure)
+{
+    PartialStream slow;
+    EXPECT_EQ(WriteStream(&image, &slow), 1);
+    EXPECT_TRUE(slow.bytes == whole);
+    for (const size_t room : {size_t{0}, size_t{1}, whole.size() / 2, whole.size() - 1}) {
+        PartialStream small;
+        small.room = room;
+        EXPECT_EQ(WriteStream(&image, &small), -1) << room;
+        EXPECT_TRUE(small.bytes == whole.substr(0, room)) << room;
+        ASSERT_FALSE(CurrentWriterHost().messages.empty());
+        EXPECT_EQ(CurrentWriterHost().messages.back(), full);
+        PartialStream broken;
+        broken.room = room;
+        broken.breaks = true;
+        EXPECT_EQ(WriteStream(&image, &broken), -1) << room;
+        EXPECT_EQ(CurrentWriterHost().messages.back(), u"The file cannot be written.");
+    }
+    EXPECT_EQ(CurrentWriterHost().messages.size(), 8u);
+    ExpectUntouched("a stream has no file");
 }
 
 TEST_P(WriterFailure, LinkStaysALinkAndItsFileIsReplaced)
