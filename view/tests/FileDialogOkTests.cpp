@@ -195,6 +195,7 @@ TEST_F(FileDialogTest, OverwritingIsAskedAboutInBothLanguages)
                       EXPECT_EQ(BoxCalls().back().owner, dialog.window);
                   }),
                   NothingDone);
+        ASSERT_FALSE(BoxCalls().empty());
         EXPECT_EQ(BoxCalls().back().text, expected.text);
         EXPECT_EQ(BoxCalls().back().caption, expected.caption);
         EXPECT_EQ(BoxCalls().back().flags, 36u);

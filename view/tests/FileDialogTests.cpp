@@ -122,10 +122,14 @@ TEST_F(FileDialogTest, AChosenFiltersExtensionIsPutOnTheFirstName)
 TEST_F(FileDialogTest, WithoutAFolderItBeginsAtTheRoot)
 {
     record.lpstrInitialDir = nullptr;
-    Open([](const Dialog& dialog) {
-        for (const Text& row : dialog.Rows())
-            EXPECT_NE(row, u"0 Upto");
-    });
+    EXPECT_EQ(Open([](const Dialog& dialog) {
+                  for (const Text& row : dialog.Rows())
+                      EXPECT_NE(row, u"0 Upto");
+                  dialog.Type(u"a.jpg");
+                  dialog.Ok();
+              }),
+              Done);
+    EXPECT_EQ(file, Text(u"\\a.jpg"));
 }
 
 TEST_F(FileDialogTest, AFolderWithoutASeparatorAtItsEndGetsOne)
