@@ -27,26 +27,26 @@ protected:
 
 TEST_F(Reloading, TheOpenedFileIsReadAgainWithoutThePluginsSettings)
 {
-    RunProgramOn(TestHome() + "/one.aaa",
-                 {[&](MainFrame& frame) {
-                      ExpectRead(frame, '1');
-                      EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 1u);
-                      MakeSource("one.aaa", 'n');
-                      Select(frame, 1, 1, 4, 4);
-                      Send(frame, ReloadOpenedCommand);
-                      ExpectRead(frame, 'n');
-                      EXPECT_EQ(frame.selectionActive, 0u);
-                      EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 1u);
-                      EXPECT_EQ(Stored(frame, TEXT("ReadRuns")), 2u);
-                      EXPECT_FALSE(frame.inputPlugins->IsLoaded());
-                      EXPECT_TRUE(person.TakeBoxes().empty());
-                      frame.inputPlugin = -1;
-                      TypeKey('L', MK_CONTROL);
-                  },
-                  [&](MainFrame& frame) {
-                      ExpectBox(frame, person, u"Failed to load selected INPUT plugin.", u"ERROR",
-                                16);
-                  }});
+    RunProgramOn(TestHome() + "/one.aaa", {[&](MainFrame& frame) {
+                                               ExpectRead(frame, '1');
+                                               EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 1u);
+                                               MakeSource("one.aaa", 'n');
+                                               Select(frame, 1, 1, 4, 4);
+                                               Send(frame, ReloadOpenedCommand);
+                                               ExpectRead(frame, 'n');
+                                               EXPECT_EQ(frame.selectionActive, 0u);
+                                               EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 1u);
+                                               EXPECT_EQ(Stored(frame, TEXT("ReadRuns")), 2u);
+                                               EXPECT_FALSE(frame.inputPlugins->IsLoaded());
+                                               EXPECT_TRUE(person.TakeBoxes().empty());
+                                               frame.inputPlugin = -1;
+                                               TypeKey('L', MK_CONTROL);
+                                           },
+                                           [&](MainFrame& frame) {
+                                               ExpectBox(frame, person,
+                                                         u"Failed to load selected INPUT plugin.",
+                                                         u"ERROR", 16);
+                                           }});
 }
 
 // Neither the file's name nor its format decides.
