@@ -4,6 +4,7 @@
 #include "platform/core/TestHooks.h"
 #include "platform/testing/Faults.h"
 #include "tests/support/DeviceCalls.h"
+#include "view/tests/ColumnTesting.h"
 #include "view/tests/FileDialogTesting.h"
 
 using namespace filedialogtest;
@@ -72,11 +73,13 @@ TEST_F(FileDialogTest, EachLanguageHasItsWords)
     Open([](const Dialog& dialog) {
         EXPECT_EQ(dialog.Filter(), u"全ての画像ﾌｧｲﾙ");
         EXPECT_EQ(dialog.Row(0), u"0 上へ");
+        ExpectColumns(dialog.List(), {{u"名前", 150}, {u"ｻｲｽﾞ", 50}});
     });
     SetLanguage(1033);
     Open([](const Dialog& dialog) {
         EXPECT_EQ(dialog.Filter(), u"All image files");
         EXPECT_EQ(dialog.Row(0), u"0 Upto");
+        ExpectColumns(dialog.List(), {{u"file", 150}, {u"size", 50}});
     });
 }
 

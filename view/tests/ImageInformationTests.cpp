@@ -1,6 +1,7 @@
 // The dialog about the picture over the real controls: every row in both languages, where the words
 // and numbers come from, and the ways out.
 
+#include "view/tests/ColumnTesting.h"
 #include "view/tests/DialogTesting.h"
 
 #include "foundation/BoundedText.h"
@@ -102,6 +103,7 @@ TEST_F(ImageInformation, SevenRowsTellOfThePictureAndItsFile)
                   EXPECT_EQ(dialog.Caption(), u"Image Information");
                   EXPECT_EQ(Column(dialog, 0), (Texts{u"width", u"height", u"bit-depth", u"palette",
                                                       u"name", u"folder", u"filesize"}));
+                  ExpectColumns(dialog.Control(List), {{u"property", 88}, {u"value", 135}});
                   EXPECT_EQ(ControlText(dialog.window, IDOK), u"OK");
                   dialog.Close();
               }),
@@ -118,6 +120,7 @@ TEST_F(ImageInformation, TheRowsAreJapaneseOnAJapaneseDevice)
         EXPECT_EQ(dialog.Caption(), u"画像情報");
         EXPECT_EQ(Column(dialog, 0),
                   (Texts{u"幅", u"高さ", u"ビット深度", u"パレット", u"名前", u"場所", u"サイズ"}));
+        ExpectColumns(dialog.Control(List), {{u"プロパティ", 88}, {u"値", 135}});
         dialog.Close();
     });
 }
