@@ -150,7 +150,7 @@ void FocusFirstControl(HWND dialog)
     if (!state)
         return;
     if (const HWND first = NextTabControl(*state, nullptr, false); first != nullptr)
-        SetFocus(first);
+        FocusByKeys(first);
     else if (state->modal || GetFocus() == nullptr)
         ClientWidget(*window)->setFocus(); // so that Esc still finds the dialog
     // A tool window without anything for the keyboard leaves it where it is.

@@ -145,7 +145,7 @@ bool OnTab(const DialogState& state, bool back)
            std::find(state.controls.begin(), state.controls.end(), from) == state.controls.end())
         from = GetParent(from);
     if (const HWND next = NextTabControl(state, from, back); next != nullptr)
-        SetFocus(next);
+        FocusByKeys(next);
     return true; // the toolkit's own order would lead out of the dialog
 }
 
@@ -229,6 +229,15 @@ public:
 };
 
 } // namespace
+
+void FocusByKeys(HWND control)
+{
+    SetFocus(control);
+    // Of a combo box it is the field inside that has it now.
+    const HWND focus = FocusControl();
+    if ((DialogCode(focus) & DLGC_HASSETSEL) != 0)
+        SendMessageW(focus, EM_SETSEL, 0, -1);
+}
 
 void WatchDialogKeys()
 {

@@ -65,6 +65,9 @@ INT_PTR RunDialog(const DialogPlan& plan, HINSTANCE instance, HWND owner, DLGPRO
 /// Puts the focus on the first control that takes it, else on the dialog itself if that is modal or
 /// nobody else has it.
 void FocusFirstControl(HWND dialog);
+/// Gives a control the focus as the keyboard does: the text of a single-line field is chosen, so
+/// that what is typed takes its place.
+void FocusByKeys(HWND control);
 /// The next (or previous) control behind `from` in the order of Tab; null when there is none.
 HWND NextTabControl(const DialogState& state, HWND from, bool back);
 

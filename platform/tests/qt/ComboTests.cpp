@@ -665,3 +665,32 @@ TEST(ComboBoxInADialog, TabWalksOverItOnceAndClosesItsList)
     });
     DialogBoxIndirectParamW(ControlResources(), DialogResource(230), owner.handle, ComboDialog, 0);
 }
+
+TEST(FieldInADialog, TheTextOfAFieldThatTabLeadsToIsReplacedByWhatIsTyped)
+{
+    const Scope scope;
+    const TestWindow owner;
+    OnModal([](HWND dialog, bool) {
+        constexpr int Box = 1302;
+        constexpr int Field = 1304;
+        Pump(20);
+        EXPECT_EQ(GetFocus(), GetDlgItem(dialog, 1301));
+        for (const int id : {Box, Field})
+            SetDlgItemTextW(dialog, id, TEXT("lake.png"));
+        TypeKey(VK_TAB);
+        CommitText(u"boat");
+        EXPECT_EQ(ControlText(dialog, Box), u"boat");
+        TypeKey(VK_TAB);
+        TypeKey(VK_TAB);
+        CommitText(u"boat");
+        EXPECT_EQ(ControlText(dialog, Field), u"boat");
+        // The program's own word is no key.
+        SetFocus(GetDlgItem(dialog, Box));
+        SendDlgItemMessageW(dialog, Field, EM_SETSEL, 4, 4);
+        SetFocus(GetDlgItem(dialog, Field));
+        CommitText(u"s");
+        EXPECT_EQ(ControlText(dialog, Field), u"boats");
+        EndDialog(dialog, 0);
+    });
+    DialogBoxIndirectParamW(ControlResources(), DialogResource(230), owner.handle, ComboDialog, 0);
+}
