@@ -106,11 +106,12 @@ TEST(FindPluginOfName, TheFirstFormatThatHoldsTheExtensionDecides)
         i32 result;
         i32 plugin;
     } rows[] = {
-        {u"\\x.bmp", Done, 4},    {u"\\x.BMP", Done, 4},
-        {u"\\x.jpg", Done, 5},    {u"\\x.tif", Done, 4},
-        {u"\\x.t", Done, 4},      {u"\\x.jpeg", NothingDone, 9},
-        {u"\\x", NothingDone, 9}, {u"\\x.jpg.old", NothingDone, 9},
-        {u"\\x.", Done, 4},       {u"\\f.bmp\\x", NothingDone, 9},
+        {u"\\x.bmp", Done, 4},     {u"\\x.BMP", Done, 4},
+        {u"\\x.jpg", Done, 5},     {u"\\x.tif", Done, 4},
+        {u"\\x.t", Done, 4},       {u"\\x.jpeg", NothingDone, 9},
+        {u"\\x", NothingDone, 9},  {u"\\x.jpg.old", NothingDone, 9},
+        {u"\\x.", Done, 4},        {u"\\f.bmp\\x", NothingDone, 9},
+        {u"\\x.old.bmp", Done, 4}, {u"\\f.old\\x.jpg", Done, 5},
         {u"", NothingDone, 9},
     };
     for (const auto& row : rows) {
