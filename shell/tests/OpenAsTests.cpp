@@ -130,6 +130,17 @@ TEST_F(OpeningAs, APluginThatDoesNotLoadIsToldAndTheDialogComesAllTheSame)
     });
 }
 
+TEST_F(OpeningAs, AFileThatIsNotThereKeepsTheDialogOpen)
+{
+    RunProgramOn(TestHome() + "/one.aaa", [&](MainFrame& frame) {
+        const std::u16string before = Opened(frame);
+        OpenAs(frame, 1, Try(u"none.ccc"));
+        EXPECT_EQ(Opened(frame), before);
+        EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 1u);
+        EXPECT_TRUE(person.TakeBoxes().empty());
+    });
+}
+
 // What counts is only that the result is not 0.
 TEST_F(OpeningAs, AFileThatDoesNotOpenBecomesTheOpenedOneAndOneOfCancelledSettingsDoesNot)
 {
