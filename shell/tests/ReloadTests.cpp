@@ -121,23 +121,26 @@ TEST_F(Reloading, WithoutAFileNothingIsReadAndNothingTold)
 
 TEST_F(Reloading, TheSavedFileIsReadByThePluginOfItsNameWithItsSettings)
 {
-    RunProgramOn(TestHome() + "/one.aaa", {[&](MainFrame& frame) {
-                                               SetPaths(frame, u"\\one.aaa", u"\\two.BBB");
-                                               Send(frame, ReloadSavedCommand);
-                                               ExpectRead(frame, '2');
-                                               EXPECT_EQ(StoredText(frame, TEXT("ReadPlugin")),
-                                                         u"Beta");
-                                               EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 2u);
-                                               EXPECT_EQ(Opened(frame), u"\\two.BBB");
-                                               EXPECT_EQ(Saved(frame), u"\\two.BBB");
-                                               EXPECT_EQ(frame.inputPlugin, 1);
-                                               SetPaths(frame, u"\\one.aaa", u"\\one.aaa");
-                                               TypeKey('K', MK_CONTROL);
-                                           },
-                                           [&](MainFrame& frame) {
-                                               ExpectRead(frame, '1');
-                                               EXPECT_EQ(frame.inputPlugin, 0);
-                                           }});
+    RunProgramOn(TestHome() + "/one.aaa",
+                 {[&](MainFrame& frame) {
+                      SetPaths(frame, u"\\one.aaa", u"\\two.BBB");
+                      Send(frame, ReloadSavedCommand);
+                      ExpectRead(frame, '2');
+                      EXPECT_EQ(StoredText(frame, TEXT("ReadPlugin")), u"Beta");
+                      EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 2u);
+                      EXPECT_EQ(Opened(frame), u"\\two.BBB");
+                      EXPECT_EQ(Saved(frame), u"\\two.BBB");
+                      EXPECT_EQ(frame.inputPlugin, 1);
+                      SetPaths(frame, u"\\one.aaa", u"\\one.aaa");
+                      TypeKey('K', MK_CONTROL);
+                  },
+                  [&](MainFrame& frame) {
+                      EXPECT_TRUE(PumpUntil([&] { return Stored(frame, TEXT("ReadRuns")) == 3u; }));
+                      Pump(300); // the job's end
+
+                      ExpectRead(frame, '1');
+                      EXPECT_EQ(frame.inputPlugin, 0);
+                  }});
 }
 
 TEST_F(Reloading, ASavedNameOfNoFormatEndsInSilence)
