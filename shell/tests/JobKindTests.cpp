@@ -74,11 +74,13 @@ TEST_P(Kinds, TheHeadlineNamesTheWorkAndOnlyPrintingCanBeStopped)
             SCOPED_TRACE(row.kind);
             if (row.kind == JobReceive)
                 continue; // it has nothing to run yet
+            const DWORD start = GetTickCount();
             EXPECT_EQ(RunKind(frame, row.kind), 1);
+            // The thread's delay. Who watches the dialog by a timer sees less of it on a busy machine.
+            EXPECT_GE(GetTickCount() - start, 100U);
             ASSERT_FALSE(watched.headlines.empty());
             EXPECT_EQ(watched.headlines.back(), Status(row));
             EXPECT_EQ(watched.stoppable.back(), row.kind == JobPrint);
-            EXPECT_GE(ProgressDialogTime() + 20, 100U); // the thread's delay
         }
         EXPECT_EQ(watched.headlines.size(), 8U);
         EXPECT_TRUE(StatusTexts().empty());
