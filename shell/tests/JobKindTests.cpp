@@ -76,7 +76,8 @@ TEST_P(Kinds, TheHeadlineNamesTheWorkAndOnlyPrintingCanBeStopped)
                 continue; // it has nothing to run yet
             const DWORD start = GetTickCount();
             EXPECT_EQ(RunKind(frame, row.kind), 1);
-            // The thread's delay. Who watches the dialog by a timer sees less of it on a busy machine.
+            // The thread's delay. Who watches the dialog by a timer sees less of it on a busy
+            // machine.
             EXPECT_GE(GetTickCount() - start, 100U);
             ASSERT_FALSE(watched.headlines.empty());
             EXPECT_EQ(watched.headlines.back(), Status(row));
