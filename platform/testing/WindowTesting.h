@@ -29,7 +29,8 @@ Picture WindowPixels(HWND window);
 /// Writes the device screen to a PNG file. False when it cannot be written.
 bool SaveScreen(const std::string& hostPath);
 
-/// Runs GetMessageW / TranslateMessage / DispatchMessageW for `milliseconds`.
+/// Runs GetMessageW / TranslateMessage / DispatchMessageW for `milliseconds`, and then until nothing
+/// but timers is left to handle.
 void Pump(DWORD milliseconds);
 /// Runs the loop until `finished` answers true, at most `milliseconds`; tells whether it did.
 bool PumpUntil(const std::function<bool()>& finished, DWORD milliseconds = 10000);

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QInputMethod>
 #include <QInputMethodEvent>
+#include <QStyleHints>
 #include <QWidget>
 
 #include <string>
@@ -66,6 +67,7 @@ protected:
             other = CreateWindowExW(0, TEXT("BUTTON"), TEXT("b"), WS_CHILD | WS_VISIBLE, 300, 20,
                                     50, 20, parent.handle, nullptr, nullptr, nullptr);
         SetFocus(field);
+        QGuiApplication::styleHints()->setCursorFlashTime(0); // looks are compared
         Pump(20);
         Select(static_cast<int>(std::char_traits<char16_t>::length(text)), -1);
         changes = 0;
