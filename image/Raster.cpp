@@ -5,7 +5,7 @@
 Raster::Raster(Allocator* given)
     : LineTable(given), created(0), primaryDir(nullptr), secondaryDir(nullptr), swapped(nullptr),
       lineRef(nullptr), locked(nullptr), textFont(nullptr), textBitmap(nullptr), textBrush(nullptr),
-      info(), records(0)
+      textBits(nullptr), info(), records(0)
 {
     info.size = sizeof(RasterInfo);
 }

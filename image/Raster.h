@@ -159,6 +159,31 @@ public:
     /// the first result below Done of a step.
     i32 Rotated(Raster* target, i32 angle);
 
+    // In place, and across (pixel/Mirror.cpp, Transpose.cpp).
+    /// Exchanges the pixels of each row, 3 bytes each, from the first row down. Stops at a line that
+    /// cannot be locked with its status; the rows before it stay changed. WrongState not created.
+    i32 FlipHorizontal();
+    /// Pixel (x, y), 3 bytes, becomes pixel (y, x) of `target`, which exists with this raster's
+    /// height as its width and the reverse. Holds at most two lines at a time, where neither raster
+    /// can page some more. Gives the first result below Done of a line. BadArgument for null.
+    i32 TransposeTo(Raster* target);
+
+    // Text (pixel/Text.cpp, TextCells.cpp). On rasters of 24 bits; other depths are written as such,
+    // inside the line.
+    /// Draws `text` in black on white, eight times as large, and lays it over the inclusive
+    /// rectangle by the share of black in each pixel: with n black of 64, a the colour's low byte
+    /// and w = n * (a + 1), out = ((16384 - w) * old + w * c) >> 14. `size` is the font's height in
+    /// pixels, `format` DrawTextW's. Meant: a rectangle that reaches below the raster draws nothing;
+    /// one that reaches past its right edge draws what fits. Failed when the text could not be
+    /// begun; Done, also when a line could not be locked. User-interface thread.
+    i32 DrawTextSmooth(const WCHAR* text, u32 color, const WCHAR* fontName, i32 left, i32 top,
+                       i32 right, i32 bottom, u32 size, u32 format);
+    /// Letter by letter in cells of `cell` pixels, each drawn `scale` times as large (1 to 8, else
+    /// Failed). With n black of scale * scale, v = n * a * 255 / (scale * scale) >> 8 and
+    /// out = ((255 - v) * old + v * c) >> 8. No caller in the program.
+    i32 DrawTextCells(const WCHAR* text, u32 color, const WCHAR* fontName, i32 left, i32 top,
+                      i32 right, i32 bottom, u32 cell, u32 scale);
+
     // Undo (pixel/Snapshot.cpp).
     /// Makes `target` a 24-bit copy without folders, palette included, of as many bytes a line as
     /// both have. Every line of both rasters is locked afterwards until UnlockAll. BadArgument for
@@ -167,6 +192,10 @@ public:
     i32 SnapshotTo(Raster* target);
 
 private:
+    [[nodiscard]] i32 BeginText(const WCHAR* fontName, u32 width, u32 height, u32 size);
+    i32 RenderText(const WCHAR* text, u32 color, PixelRect rectangle, u32 format);
+    i32 EndText();
+
     /// The three words of each logical line, as arrays.
     struct Records {
         u32* swapped;
@@ -217,6 +246,7 @@ private:
     HFONT textFont;
     HBITMAP textBitmap;
     HBRUSH textBrush;
+    u8* textBits;
     RasterInfo info;
     u32 records; // entries in the three arrays; `info.height` unless a change of height failed
 };

@@ -7,10 +7,16 @@
 #define AcceleratorTable 3
 #define DialogAboutEnglish 102
 #define DialogProgress 105
+#define DialogResolutionEnglish 106
 #define DialogImageInformation 109
 #define DialogFile 110
 #define MenuEnglish 110
+#define DialogResolutionJapanese 111
 #define MenuJapanese 111
+#define DialogSizeEnglish 113
+#define DialogSizeJapanese 114
+#define DialogLettersEnglish 115
+#define DialogLettersJapanese 116
 #define IconApplication 115
 #define IconParentFolder 116
 #define IconFolder 117
@@ -25,6 +31,8 @@
 #define BitmapToolboxTitle 130
 #define BinaryTools 135
 #define BitmapToolSettings 138
+#define DialogNewJapanese 141
+#define DialogNewEnglish 142
 #define DialogColorbox 143
 #define BitmapColorboxTitle 145
 #define DialogPluginInformation 164
@@ -33,6 +41,8 @@
 #define DialogPaletteEnglish 169
 #define DialogPrintJapanese 171
 #define DialogPrintEnglish 172
+#define DialogClipboardJapanese 173
+#define DialogClipboardEnglish 174
 #define DialogAboutJapanese 177
 
 /* Controls of the progress dialog. */
@@ -57,6 +67,39 @@
 #define ControlAboutAddress 1007
 #define ControlPaletteState 1085
 #define ControlPaletteRefresh 1086
+
+/* Controls of the dialogs about a picture's size: New, Size and Resolution. */
+#define ControlWidth 1005
+#define ControlHeight 1006
+#define ControlHeightUnit 1012
+#define ControlWidthUnit 1014
+#define ControlScalePlugin 1010
+#define ControlKeepAspect 1013
+#define ControlMode 1050
+#define ControlWhite 1066
+#define ControlBlack 1067
+#define ControlTransparent 1068
+#define ControlAnchorUpper 1025
+#define ControlAnchorLower 1057
+#define ControlAnchorCenter 1058
+#define ControlAnchorLeft 1059
+#define ControlAnchorRight 1060
+#define ControlAnchorUpperLeft 1061
+#define ControlAnchorUpperRight 1062
+#define ControlAnchorLowerLeft 1063
+#define ControlAnchorLowerRight 1064
+#define ControlAnchorName 1065
+
+/* Controls of the dialog for letters. */
+#define ControlLettersFont 1029
+#define ControlLettersSize 1033
+#define ControlLettersUnit 1034
+#define ControlLettersText 1035
+#define ControlLettersNoBreak 1036
+
+/* Controls of the dialog for the clipboard's format. */
+#define ControlClipboardFormat 1110
+#define ControlClipboardDescription 1112
 
 /* Controls of the print dialog. */
 #define ControlPrintConfigure 1106

@@ -88,6 +88,14 @@ public:
     void ClearClipboard();
     /// Gives the memory clip up.
     void ClearMemory();
+
+    // Copying and pasting (shell/MemoryClip.cpp, ClipboardClip.cpp). Copies take the selection, or
+    // the whole picture without one; pastes need a selection, whose top left they go to.
+    void CopyToMemory();
+    void PasteFromMemory();
+    /// Asks for the format first.
+    void CopyToClipboard();
+    void PasteFromClipboard();
     /// Starts the sibling viewer on the current file.
     void LaunchViewer();
 
@@ -120,6 +128,22 @@ public:
     SelectedPart GetSelectedPart() const;
     /// Drops the work copy and its allocator, if there are any.
     void DropWorkImage();
+
+    // Changing the picture as a whole (shell/NewImage.cpp, ScaleImage.cpp, ResizeCanvas.cpp,
+    // TurnImage.cpp, DrawLetters.cpp). The first three and the last ask the user first.
+    /// A blank picture in place of the one there is.
+    void NewImage();
+    /// Another number of pixels, through a SCALE plugin.
+    void ScaleImage();
+    /// Another canvas: pixels are added or cut off at the edges.
+    void ResizeCanvas();
+    void ReverseHorizontally();
+    void ReverseVertically();
+    void TurnHalf();
+    /// By the command: CommandRotateClockwise or CommandRotateCounterClockwise.
+    void TurnQuarter(u32 command);
+    /// Text into the selection's corners, whether it counts or not.
+    void DrawLetters();
 
     // Plugins before the user (shell/PluginMenus.cpp).
     /// Puts the plugins' names into their menus, in place of the entries that stand for none. Once,

@@ -199,6 +199,12 @@ CE_API LPVOID WINAPI HeapAlloc(HANDLE heap, DWORD flags, SIZE_T size);
 CE_API BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block);
 CE_API SIZE_T WINAPI HeapSize(HANDLE heap, DWORD flags, LPCVOID block);
 CE_API HANDLE WINAPI GetProcessHeap(void);
+#define LMEM_FIXED 0u
+#define LMEM_ZEROINIT 0x40u
+#define LPTR (LMEM_FIXED | LMEM_ZEROINIT)
+CE_API HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T size);
+CE_API HLOCAL WINAPI LocalFree(HLOCAL block);
+CE_API SIZE_T WINAPI LocalSize(HLOCAL block);
 CE_API HGLOBAL WINAPI GlobalAlloc(UINT flags, SIZE_T size);
 CE_API HGLOBAL WINAPI GlobalFree(HGLOBAL block);
 CE_API LPVOID WINAPI GlobalLock(HGLOBAL block);

@@ -215,10 +215,16 @@ typedef const DLGTEMPLATE* LPCDLGTEMPLATEW;
 #define BS_AUTORADIOBUTTON 9u
 #define BS_TYPEMASK 0xFu
 #define BN_CLICKED 0
+#define BN_DOUBLECLICKED 5
+#define BN_SETFOCUS 6
+#define BN_KILLFOCUS 7
 #define BM_GETCHECK 0x00F0
 #define BM_SETCHECK 0x00F1
+#define BM_GETSTATE 0x00F2
 #define BST_UNCHECKED 0
 #define BST_CHECKED 1
+#define BST_PUSHED 4
+#define BST_FOCUS 8
 #define ES_LEFT 0u
 #define ES_CENTER 1u
 #define ES_RIGHT 2u
@@ -433,6 +439,14 @@ CE_API BOOL WINAPI OpenClipboard(HWND owner);
 CE_API BOOL WINAPI CloseClipboard(void);
 CE_API BOOL WINAPI EmptyClipboard(void);
 CE_API BOOL WINAPI IsClipboardFormatAvailable(UINT format);
+/// With the clipboard open: gives it a block (CF_DIB: header, palette, rows; of LocalAlloc or
+/// GlobalAlloc) or a bitmap (CF_BITMAP), which is the clipboard's from then on, and returns it. Null
+/// on failure, and the object stays the caller's. Other programs get it as image/bmp and image/png.
+CE_API HANDLE WINAPI SetClipboardData(UINT format, HANDLE data);
+/// With the clipboard open: what it holds, the clipboard's own, good until it is closed; null when
+/// it holds none of the format. One format is never made of the other. A picture of another program
+/// comes as a CF_DIB of 24 bits, bottom-up; one whose owner does not answer in time as nothing.
+CE_API HANDLE WINAPI GetClipboardData(UINT format);
 
 // Icons, cursors, accelerators.
 CE_API HICON WINAPI LoadIconW(HINSTANCE instance, LPCWSTR name);
