@@ -9,7 +9,6 @@ namespace tavrix::platform
 
 inline constexpr const WCHAR* DialogClassName = TEXT("#32770");
 
-inline constexpr UINT BM_GETSTATE = 0x00F2;
 inline constexpr UINT BM_SETSTATE = 0x00F3;
 inline constexpr UINT BM_SETSTYLE = 0x00F4;
 inline constexpr UINT BM_CLICK = 0x00F5;
