@@ -69,6 +69,7 @@ struct DeviceContext {
     HGDIOBJ brush = nullptr;
     HGDIOBJ font = nullptr;
     HGDIOBJ pen = nullptr;
+    COLORREF textColor = RGB(0, 0, 0);
 };
 
 /// A new handle for `object`; null when there is no memory.
@@ -102,6 +103,16 @@ struct WindowSurfaces {
 };
 void SetWindowSurfaces(const WindowSurfaces& surfaces);
 
+/// How text comes to be drawn and fonts to be found, which needs a toolkit. Without it no text is
+/// drawn and no font is there. The arguments are those of the device's calls, with a context that
+/// exists.
+struct TextDrawing {
+    int (*draw)(const DeviceContext& context, const WCHAR* text, int count, RECT* rectangle,
+                UINT format) = nullptr;
+    int (*families)(const WCHAR* family, FONTENUMPROCW take, LPARAM parameter) = nullptr;
+};
+void SetTextDrawing(const TextDrawing& drawing);
+
 /// The pixels a context draws to or is read from. The lifetime of a bitmap's is up to `keep`.
 bool ContextSurface(const DeviceContext& context, bool forWriting, Surface* surface,
                     std::shared_ptr<GdiObject>* keep);
@@ -113,6 +124,11 @@ COLORREF ReadPixel(const Surface& surface, int x, int y);
 void WritePixel(const Surface& surface, int x, int y, COLORREF color);
 /// Fills a rectangle that lies inside the surface.
 void FillArea(const Surface& surface, const RECT& area, COLORREF color);
+/// Gives `color` to each pixel whose bit is set in `mask`, which begins at the surface's left edge
+/// with the high bit of its first byte and covers the whole width; its first row is the surface's
+/// row `top`. What is set beyond the surface's right edge is not looked at.
+void PaintMask(const Surface& surface, int top, int rows, const uint8_t* mask, ptrdiff_t maskStride,
+               COLORREF color);
 /// Copies pixels; both rectangles lie inside their surfaces.
 void CopyPixels(const Surface& target, int x, int y, int width, int height, const Surface& source,
                 int sourceX, int sourceY);

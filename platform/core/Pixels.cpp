@@ -57,6 +57,32 @@ uint32_t PixelWord(COLORREF color)
     return 0xFF000000u | ((color & 0xFF) << 16) | (color & 0xFF00) | ((color >> 16) & 0xFF);
 }
 
+// Eight pixels at a time: a text of a whole screen at eight times its size has 25 million.
+void PaintBits(uint8_t* row, const uint8_t* mask, int width, unsigned index)
+{
+    const int last = (width - 1) / 8;
+    for (int i = 0; i <= last; ++i) {
+        const unsigned inside = i < last ? 0xFF : 0xFF00u >> ((width - 1) % 8 + 1);
+        const unsigned bits = mask[i] & inside;
+        row[i] = static_cast<uint8_t>(index != 0 ? row[i] | bits : row[i] & ~bits);
+    }
+}
+
+void PaintPixels(const Surface& surface, int y, const uint8_t* mask, unsigned index, COLORREF color)
+{
+    uint8_t* row = surface.Row(y);
+    for (int x = 0; x < surface.width; ++x) {
+        if ((x & 7) == 0 && mask[x >> 3] == 0) {
+            x += 7;
+        } else if ((mask[x >> 3] & (0x80 >> (x & 7))) != 0) {
+            if (surface.depth < 24)
+                WriteIndex(row, surface.depth, x, index);
+            else
+                WritePixel(surface, x, y, color);
+        }
+    }
+}
+
 void Copy24To32(uint8_t* to, const uint8_t* from, int width)
 {
     uint32_t* out = reinterpret_cast<uint32_t*>(to);
@@ -148,6 +174,20 @@ void FillArea(const Surface& surface, const RECT& area, COLORREF color)
             for (int x = area.left; x < area.right; ++x)
                 WritePixel(surface, x, y, color);
         }
+    }
+}
+
+void PaintMask(const Surface& surface, int top, int rows, const uint8_t* mask, ptrdiff_t maskStride,
+               COLORREF color)
+{
+    const unsigned index = surface.depth < 24 ? NearestIndex(surface, color) : 0;
+    for (int y = 0; y < rows; ++y) {
+        const uint8_t* bits = mask + y * maskStride;
+        uint8_t* row = surface.Row(top + y);
+        if (surface.depth == 1)
+            PaintBits(row, bits, surface.width, index);
+        else
+            PaintPixels(surface, top + y, bits, index, color);
     }
 }
 

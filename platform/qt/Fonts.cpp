@@ -2,8 +2,8 @@
 
 #include "platform/core/Gdi.h"
 #include "platform/qt/DialogFont.h"
+#include "platform/qt/FontFamilies.h"
 
-#include <QFontDatabase>
 #include <QFontMetrics>
 #include <QStringList>
 
@@ -14,7 +14,8 @@ namespace tavrix::platform
 namespace
 {
 
-constexpr int LargestPixels = 4096;
+// The toolkit's measures of a font overflow at twice that.
+constexpr int LargestPixels = 8192;
 
 /// The largest size of which a line is not higher than the cell.
 int PixelsOfCell(QFont font, int cell)
@@ -38,16 +39,10 @@ void SetHeight(QFont& font, LONG height)
     font.setPixelSize(pixels < 0 ? -pixels : PixelsOfCell(font, pixels));
 }
 
-} // namespace
-
-QFont FontOf(HFONT handle)
+QFont Looking(QFont font, const LOGFONTW& record)
 {
-    QFont font = DialogFont();
-    LOGFONTW record;
-    if (!FontRecord(handle, &record))
-        return font;
-    const QString face = QString::fromUtf16(record.lfFaceName);
-    if (!face.isEmpty() && QFontDatabase::hasFamily(face))
+    const QString face = FamilyOfFace(QString::fromUtf16(record.lfFaceName));
+    if (!face.isEmpty())
         font.setFamilies(QStringList(face) + font.families());
     if (record.lfWeight > 0)
         font.setWeight(static_cast<QFont::Weight>(std::clamp<int>(record.lfWeight, 1, 1000)));
@@ -56,6 +51,35 @@ QFont FontOf(HFONT handle)
     font.setStrikeOut(record.lfStrikeOut != 0);
     SetHeight(font, record.lfHeight);
     return font;
+}
+
+QFont PlainOutlines()
+{
+    QFont font = DialogFont();
+    font.setStyleStrategy(
+        static_cast<QFont::StyleStrategy>(QFont::NoAntialias | QFont::ForceOutline));
+    font.setHintingPreference(QFont::PreferNoHinting);
+    font.setKerning(false);
+    return font;
+}
+
+} // namespace
+
+QFont FontOf(HFONT handle)
+{
+    LOGFONTW record;
+    return FontRecord(handle, &record) ? Looking(DialogFont(), record) : DialogFont();
+}
+
+QFont OutlineFontOf(HFONT handle)
+{
+    LOGFONTW record;
+    return FontRecord(handle, &record) ? OutlineFontOf(record) : PlainOutlines();
+}
+
+QFont OutlineFontOf(const LOGFONTW& record)
+{
+    return Looking(PlainOutlines(), record);
 }
 
 } // namespace tavrix::platform

@@ -14,4 +14,10 @@ namespace tavrix::platform
 /// it is when the handle goes.
 QFont FontOf(HFONT font);
 
+/// The same for text in a picture of the program's: hard edges, from outlines as they are, so that
+/// a large size is an exact multiple of a small one, and each sign as far from the next as its own
+/// width says.
+QFont OutlineFontOf(HFONT font);
+QFont OutlineFontOf(const LOGFONTW& record);
+
 } // namespace tavrix::platform
