@@ -18,9 +18,6 @@ namespace tavrix::platform
 namespace
 {
 
-constexpr LRESULT StatePushed = 4;
-constexpr LRESULT StateFocus = 8;
-
 struct ButtonState {
     bool checked = false;
 };
@@ -220,10 +217,10 @@ LRESULT DialogCode(const Window& window)
 
 LRESULT GetState(Window& window)
 {
-    LRESULT state = StateOf(window).checked ? 1 : 0;
+    LRESULT state = StateOf(window).checked ? BST_CHECKED : BST_UNCHECKED;
     if (const QAbstractButton* button = ButtonOf(window)) {
-        state |= button->isDown() ? StatePushed : 0;
-        state |= button->hasFocus() ? StateFocus : 0;
+        state |= button->isDown() ? BST_PUSHED : 0;
+        state |= button->hasFocus() ? BST_FOCUS : 0;
     }
     return state;
 }

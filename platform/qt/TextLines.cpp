@@ -96,16 +96,27 @@ TextLines::TextLines(std::u16string_view text, const TextRuler& measure, Breakin
                      double room)
     : rest(text), ruler(measure), breaking(where), width(room), more(!text.empty())
 {
+    if (breaking != Breaking::Never)
+        FindParagraph();
+    else
+        paragraph = rest;
 }
 
-std::u16string_view TextLines::Fitting(std::u16string_view paragraph)
+void TextLines::FindParagraph()
 {
+    const size_t end = rest.find_first_of(u"\r\n");
+    paragraph = rest.substr(0, end);
+    rest.remove_prefix(paragraph.size());
+}
+
+std::u16string_view TextLines::Fitting()
+{
+    const double limit = width + Tolerance;
     double x = 0;
     size_t at = 0;
     size_t shown = 0;
     while (at < paragraph.size()) {
         const Stretch stretch = NextStretch(paragraph, at);
-        const double limit = width + Tolerance;
         const double behind = ruler.End(paragraph.substr(at, stretch.shown - at), x, limit);
         if (at > 0 && stretch.shown > at && behind > limit)
             break;
@@ -114,32 +125,27 @@ std::u16string_view TextLines::Fitting(std::u16string_view paragraph)
         shown = stretch.shown;
         at = stretch.end;
     }
-    rest.remove_prefix(at);
-    return paragraph.substr(0, shown);
+    const std::u16string_view line = paragraph.substr(0, shown);
+    paragraph.remove_prefix(at);
+    return line;
 }
 
 bool TextLines::Next(std::u16string_view* line)
 {
     if (!more)
         return false;
-    if (breaking == Breaking::Never) {
-        *line = rest;
-        more = false;
-        return true;
-    }
-    const std::u16string_view paragraph = rest.substr(0, rest.find_first_of(u"\r\n"));
     if (breaking == Breaking::AtWords) {
-        const size_t before = rest.size();
-        *line = Fitting(paragraph);
-        if (before - rest.size() < paragraph.size())
+        *line = Fitting();
+        if (!paragraph.empty())
             return true;
     } else {
         *line = paragraph;
-        rest.remove_prefix(paragraph.size());
     }
-    more = !rest.empty();
-    if (more)
+    more = breaking != Breaking::Never && !rest.empty();
+    if (more) {
         rest.remove_prefix(rest.starts_with(u"\r\n") ? 2 : 1);
+        FindParagraph();
+    }
     return true;
 }
 

@@ -58,9 +58,11 @@ public:
     bool Next(std::u16string_view* line);
 
 private:
-    std::u16string_view Fitting(std::u16string_view paragraph);
+    void FindParagraph();
+    std::u16string_view Fitting();
 
-    std::u16string_view rest; // what no line has been made of
+    std::u16string_view paragraph; // what no line has been made of, up to the next end of a line
+    std::u16string_view rest;      // from there on
     const TextRuler& ruler;
     Breaking breaking;
     double width;

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include "platform/core/Gdi.h"
 #include "platform/testing/Testing.h"
 
 #include <gtest/gtest.h>
@@ -417,4 +418,76 @@ TEST(GdiFonts, AFontIsReadBackAsItWasAskedForUntilItIsDeleted)
     EXPECT_EQ(read.lfFaceName[0], 0);
     EXPECT_TRUE(DeleteObject(stock)) << "which does nothing";
     EXPECT_EQ(GetStockObject(SYSTEM_FONT), stock);
+}
+
+TEST(GdiText, TheColourIsBlackAtFirstAndEachContextsOwn)
+{
+    const HDC one = CreateCompatibleDC(nullptr);
+    const HDC other = CreateCompatibleDC(nullptr);
+    EXPECT_EQ(SetTextColor(one, RGB(1, 2, 3)), RGB(0, 0, 0));
+    EXPECT_EQ(SetTextColor(one, 0xFF040506), RGB(1, 2, 3));
+    EXPECT_EQ(SetTextColor(one, 0), COLORREF{0x040506}) << "three bytes alone";
+    EXPECT_EQ(SetTextColor(other, 0), RGB(0, 0, 0));
+    DeleteDC(one);
+    DeleteDC(other);
+    EXPECT_EQ(SetTextColor(one, 0), CLR_INVALID);
+    EXPECT_EQ(SetTextColor(nullptr, 0), CLR_INVALID);
+}
+
+TEST(GdiText, WithoutAToolkitNothingIsDrawnAndNoFontIsThere)
+{
+    const Section section(64, 32, 24);
+    RECT room{0, 0, 64, 32};
+    EXPECT_EQ(DrawTextW(section.dc, TEXT("x"), -1, &room, DT_LEFT), 0);
+    EXPECT_EQ(DrawTextW(section.dc, TEXT("x"), -1, &room, DT_CALCRECT), 0);
+    EXPECT_EQ(room.right, 64);
+    const auto take = [](const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM) -> int { return 1; };
+    EXPECT_EQ(EnumFontFamiliesW(section.dc, nullptr, take, 0), 0);
+}
+
+TEST(GdiText, AMaskColoursThePixelsOfItsBitsAlone)
+{
+    // Eleven pixels: bits 0, 3, 7, 8, 10, and ones beyond the edge that count for nothing.
+    const uint8_t mask[2][4] = {{0x91, 0xBF, 0xFF, 0xFF}, {0, 0x1F, 0, 0}};
+    const std::vector<int> inside{0, 3, 7, 8, 10};
+    for (const int depth : {1, 2, 4, 8, 24, 32})
+        for (const int height : {4, -4}) {
+            const Section section(11, height, depth);
+            // Of an indexed picture the second entry.
+            const COLORREF wanted = depth >= 24 ? RGB(9, 200, 77) : RGB(254, 5, 3);
+            std::memset(section.memory, 0, static_cast<size_t>(section.stride * 4));
+            const COLORREF ground = GetPixel(section.dc, 0, 0);
+            tavrix::platform::Surface surface =
+                static_cast<const tavrix::platform::Bitmap&>(
+                    *tavrix::platform::FindGdiObject(section.bitmap))
+                    .surface;
+            tavrix::platform::PaintMask(surface, 1, 2, &mask[0][0], 4, wanted);
+            for (int y = 0; y < 4; ++y)
+                for (int x = 0; x < 11; ++x) {
+                    const bool set =
+                        y == 1 && std::find(inside.begin(), inside.end(), x) != inside.end();
+                    EXPECT_EQ(GetPixel(section.dc, x, y), set ? wanted : ground)
+                        << depth << " " << x << " " << y;
+                }
+            // The bits beyond the edge of a row stay as they are.
+            const int last = (11 * depth + 7) / 8;
+            for (int i = last; i < section.stride; ++i)
+                EXPECT_EQ(section.Row(1)[i], 0);
+        }
+}
+
+TEST(GdiText, AMaskTakesBitsAwayWhereTheColourIsThatOfTheFirstEntry)
+{
+    Info info(9, 1, 1);
+    info.colors[0] = {255, 255, 255, 0};
+    info.colors[1] = {0, 0, 0, 0};
+    const Section section(info);
+    std::memset(section.memory, 0xFF, 4);
+    const uint8_t mask[4] = {0x81, 0xFF, 0xFF, 0xFF};
+    const tavrix::platform::Surface surface = static_cast<const tavrix::platform::Bitmap&>(
+                                                  *tavrix::platform::FindGdiObject(section.bitmap))
+                                                  .surface;
+    tavrix::platform::PaintMask(surface, 0, 1, mask, 4, RGB(200, 200, 200));
+    EXPECT_EQ(section.Row(0)[0], 0x7E);
+    EXPECT_EQ(section.Row(0)[1], 0x7F) << "one pixel, and what pads the row";
 }

@@ -15,16 +15,18 @@ namespace
 
 constexpr UINT GetCheck = 0x00F0;
 constexpr UINT SetCheck = 0x00F1;
-constexpr UINT GetState = 0x00F2;
 constexpr UINT Click = 0x00F5;
 
 std::vector<std::pair<int, int>> commands; // id, notify code
+std::vector<LRESULT> states;               // of the control, when it told BN_CLICKED
 
-INT_PTR CALLBACK Procedure(HWND, UINT message, WPARAM wParam, LPARAM)
+INT_PTR CALLBACK Procedure(HWND, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message != WM_COMMAND)
         return message == WM_INITDIALOG;
     commands.emplace_back(LOWORD(wParam), HIWORD(wParam));
+    if (HIWORD(wParam) == BN_CLICKED)
+        states.push_back(SendMessageW(reinterpret_cast<HWND>(lParam), BM_GETSTATE, 0, 0));
     return TRUE;
 }
 
@@ -34,6 +36,7 @@ protected:
     Controls()
     {
         commands.clear();
+        states.clear();
         dialog = CreateDialogIndirectParamW(ControlResources(), DialogResource(200), nullptr,
                                             Procedure, 0);
         ShowWindow(dialog, SW_SHOW);
@@ -144,7 +147,7 @@ TEST_F(Controls, AnAutomaticCheckBoxTogglesByAClickAndNotifiesOnlyThen)
     ClickControl(dialog, 1010);
     Pump(20);
     EXPECT_EQ(Send(1010, GetCheck), 1);
-    EXPECT_EQ(Send(1010, GetState), 9) << "checked and focused";
+    EXPECT_EQ(Send(1010, BM_GETSTATE), 9) << "checked and focused";
     EXPECT_EQ(commands.size(), 1u);
     Send(1010, SetCheck, 0);
     EXPECT_EQ(Send(1010, GetCheck), 0);
@@ -250,4 +253,47 @@ TEST(CommonControls, InitialisingNeedsAWholeRecord)
     record.dwSize = sizeof(record) - 1;
     EXPECT_FALSE(InitCommonControlsEx(&record));
     EXPECT_FALSE(InitCommonControlsEx(nullptr));
+}
+
+TEST_F(Controls, ACheckBoxHasTheFocusAndIsNotPushedWhenItTellsItsClick)
+{
+    SetFocus(GetDlgItem(dialog, 1040));
+    EXPECT_EQ(Send(1010, BM_GETSTATE), BST_UNCHECKED);
+    ClickControl(dialog, 1010);
+    ClickControl(dialog, 1010);
+    TypeKey(VK_SPACE);
+    TypeKey(VK_SPACE);
+    Pump(20);
+    EXPECT_EQ(states, (std::vector<LRESULT>{9, 8, 9, 8}));
+    // One that the program marks by itself has not changed by then.
+    states.clear();
+    ClickControl(dialog, 1011);
+    Send(1011, SetCheck, BST_CHECKED);
+    TypeKey(VK_SPACE);
+    Pump(20);
+    EXPECT_EQ(states, (std::vector<LRESULT>{8, 9}));
+}
+
+TEST_F(Controls, AButtonIsPushedWhileThePointerOrTheSpaceBarIsDown)
+{
+    RECT place{};
+    GetWindowRect(GetDlgItem(dialog, 1010), &place);
+    const int x = (place.left + place.right) / 2;
+    const int y = (place.top + place.bottom) / 2;
+    PressScreen(x, y);
+    Pump(20);
+    EXPECT_EQ(Send(1010, BM_GETSTATE), BST_PUSHED | BST_FOCUS);
+    ReleaseScreen(x, y);
+    Pump(20);
+    EXPECT_EQ(Send(1010, BM_GETSTATE), BST_CHECKED | BST_FOCUS);
+    HoldKey(VK_SPACE, true);
+    Pump(20);
+    EXPECT_EQ(Send(1010, BM_GETSTATE), BST_CHECKED | BST_PUSHED | BST_FOCUS);
+    HoldKey(VK_SPACE, false);
+    Pump(20);
+    EXPECT_EQ(Send(1010, BM_GETSTATE), BST_FOCUS);
+    EXPECT_EQ(states, (std::vector<LRESULT>{9, 8}));
+    SetFocus(GetDlgItem(dialog, 1040));
+    EXPECT_EQ(Send(1010, BM_GETSTATE), BST_UNCHECKED);
+    EXPECT_EQ(Send(1040, BM_GETSTATE), BST_FOCUS);
 }
