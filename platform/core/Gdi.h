@@ -34,6 +34,7 @@ struct GdiObject {
     virtual ~GdiObject() = default;
     const Kind kind;
     bool stock = false;       // DeleteObject leaves it alone
+    bool kept = false;        // the clipboard's: DeleteObject refuses it
     HDC selectedIn = nullptr; // bitmaps: the one context that holds it
 };
 

@@ -219,7 +219,7 @@ BOOL WINAPI DeleteObject(HGDIOBJ object)
     if (found->stock)
         return TRUE; // said to do no harm
     // A bitmap stays as long as a context draws to it.
-    if (found->selectedIn != nullptr)
+    if (found->selectedIn != nullptr || found->kept)
         return FALSE;
     return RemoveGdiObject(object);
 }

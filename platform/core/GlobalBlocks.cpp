@@ -1,5 +1,6 @@
-// Global blocks. A handle is the block's address, for movable blocks too: nothing is ever moved,
-// and what they keep of their nature is the count of locks.
+// Global blocks, and the local ones, which are the same. A handle is the block's address, for
+// movable blocks too: nothing is ever moved, and what they keep of their nature is the count of
+// locks.
 
 #include "platform/core/HeapBlocks.h"
 
@@ -38,6 +39,10 @@ HGLOBAL WINAPI GlobalFree(HGLOBAL block)
     HeapBlock* header = Find(block);
     if (header == nullptr)
         return block;
+    if (header->kept != 0) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return block;
+    }
     FreeBlock(GlobalHeapSlot(), header);
     return nullptr;
 }
@@ -76,4 +81,20 @@ SIZE_T WINAPI GlobalSize(HGLOBAL block)
 {
     const HeapBlock* header = Find(block);
     return header == nullptr ? 0 : header->size;
+}
+
+HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T size)
+{
+    // There is no call that would lock a movable one.
+    return GlobalAlloc((flags & LMEM_ZEROINIT) != 0 ? GPTR : GMEM_FIXED, size);
+}
+
+HLOCAL WINAPI LocalFree(HLOCAL block)
+{
+    return GlobalFree(block);
+}
+
+SIZE_T WINAPI LocalSize(HLOCAL block)
+{
+    return GlobalSize(block);
 }

@@ -52,6 +52,7 @@ void* AllocateBlock(HeapSlot& heap, SIZE_T size, bool zeroed)
     block->mark = MarkFor(block);
     block->slot = heap.index;
     block->movable = 0;
+    block->kept = 0;
     block->locks = 0;
     block->previous = nullptr;
     {
@@ -75,6 +76,15 @@ __attribute__((no_sanitize("address", "undefined"))) HeapBlock* BlockOf(const He
     HeapBlock* header = static_cast<HeapBlock*>(const_cast<void*>(block)) - 1;
     if (header->mark != MarkFor(header) || header->slot != heap.index)
         return nullptr;
+    return header;
+}
+
+HeapBlock* SearchBlock(HeapSlot& heap, const void* block)
+{
+    const std::lock_guard<std::mutex> guard(heap.lock);
+    HeapBlock* header = heap.first;
+    while (header != nullptr && header + 1 != block)
+        header = header->next;
     return header;
 }
 

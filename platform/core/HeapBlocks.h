@@ -22,8 +22,9 @@ struct alignas(2 * sizeof(void*)) HeapBlock {
     SIZE_T size;
     uint32_t mark;
     uint16_t slot;
-    uint8_t movable; // global blocks only: GMEM_MOVEABLE was asked for
-    uint8_t locks;   // global blocks only
+    uint8_t movable : 1; // global blocks only: GMEM_MOVEABLE was asked for
+    uint8_t kept : 1;    // global blocks only: the clipboard's, which the program cannot free
+    uint8_t locks;       // global blocks only
 };
 
 struct HeapSlot {
@@ -44,6 +45,8 @@ void* AllocateBlock(HeapSlot& heap, SIZE_T size, bool zeroed);
 /// The header of `block` if it is a block of `heap`; null else. Told from the few bytes before the
 /// pointer, so a pointer with no readable memory before it still faults.
 HeapBlock* BlockOf(const HeapSlot& heap, const void* block);
+/// The same by going through the heap's blocks, so that any pointer may be asked about.
+HeapBlock* SearchBlock(HeapSlot& heap, const void* block);
 /// Gives a block back.
 void FreeBlock(HeapSlot& heap, HeapBlock* block);
 /// Gives back everything.

@@ -3,6 +3,7 @@
 
 #include "platform/core/HostPaths.h"
 #include "platform/host/Resources.h"
+#include "platform/qt/ClipboardEnd.h"
 #include "resources/Embedded.h"
 
 #include <windows.h>
@@ -73,5 +74,8 @@ int main(int argc, char** argv)
 
     const EmbeddedResources resources = GetEmbeddedResources();
     TavrixRegisterResources(nullptr, resources.begin, resources.end);
-    return wWinMain(GetModuleHandleW(nullptr), nullptr, commandLine.data(), SW_SHOWNORMAL);
+    const int result =
+        wWinMain(GetModuleHandleW(nullptr), nullptr, commandLine.data(), SW_SHOWNORMAL);
+    tavrix::platform::LeaveClipboardToDesktop();
+    return result;
 }

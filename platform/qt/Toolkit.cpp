@@ -14,6 +14,7 @@
 #include <QStyleFactory>
 
 #include <clocale>
+#include <cstring>
 
 namespace tavrix::platform
 {
@@ -35,11 +36,19 @@ void UnsetScaling()
 
 QtMessageHandler hostMessages = nullptr;
 
+/// What is wrong with a picture that another program put on the clipboard is no news of ours.
+bool IsOfPictures(const QMessageLogContext& context)
+{
+    return context.category != nullptr &&
+           std::strncmp(context.category, "qt.gui.imageio", std::strlen("qt.gui.imageio")) == 0;
+}
+
 // A machine without a session has no run-time folder, and not every desktop lets a window raise
 // itself or keep its size; the toolkit's notes about it help nobody.
 void FilterMessages(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")) &&
+    if (!IsOfPictures(context) &&
+        !text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")) &&
         !text.startsWith(QLatin1String("This plugin does not support raise()")) &&
         !text.startsWith(QLatin1String("This plugin does not support propagateSizeHints()")))
         hostMessages(type, context, text);

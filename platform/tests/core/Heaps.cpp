@@ -241,6 +241,53 @@ TEST(GlobalBlocks, TheLastUnlockOfAMovableBlockAnswersFalseWithoutAnError)
     EXPECT_EQ(GlobalFree(block), nullptr);
 }
 
+TEST(GlobalBlocks, ALocalBlockIsAGlobalOneAndEachSetOfCallsFreesTheOthers)
+{
+    const size_t before = HeldBytes();
+    const HLOCAL local = LocalAlloc(LMEM_FIXED, 70);
+    const HGLOBAL global = GlobalAlloc(GMEM_MOVEABLE, 30);
+    ASSERT_NE(local, nullptr);
+    ASSERT_NE(global, nullptr);
+    EXPECT_EQ(HeldBytes(), before + 100) << "it counts against the device's memory";
+    EXPECT_EQ(GlobalSize(local), 70u);
+    EXPECT_EQ(LocalSize(global), 30u);
+    EXPECT_EQ(GlobalLock(local), local);
+    EXPECT_EQ(GlobalFree(local), nullptr);
+    EXPECT_EQ(LocalFree(global), nullptr);
+    EXPECT_EQ(HeldBytes(), before);
+}
+
+TEST(GlobalBlocks, AZeroedLocalBlockIsZeroThoughItsMemoryWasUsed)
+{
+    for (int turn = 0; turn < 20; ++turn) {
+        const HLOCAL block = LocalAlloc(LPTR, 3000);
+        EXPECT_TRUE(AllZero(block, 3000));
+        std::memset(block, 0xFF, 3000);
+        EXPECT_EQ(LocalFree(block), nullptr);
+    }
+}
+
+TEST(GlobalBlocks, ALocalBlockThatCannotBeMadeIsNull)
+{
+    const Scope scope;
+    EXPECT_EQ(LocalAlloc(LPTR, ~SIZE_T{0}), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+    SetAllocationFault([](SIZE_T size) { return size == 8; });
+    SetLastError(0);
+    EXPECT_EQ(LocalAlloc(LMEM_FIXED, 8), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+}
+
+TEST(GlobalBlocks, NoneButABlockIsFreedOrMeasuredByTheLocalCalls)
+{
+    EXPECT_EQ(LocalFree(nullptr), nullptr);
+    EXPECT_EQ(LocalSize(nullptr), 0u);
+    alignas(16) unsigned char ours[64] = {};
+    EXPECT_EQ(LocalFree(ours + 32), ours + 32);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(LocalSize(ours + 32), 0u);
+}
+
 TEST(GlobalBlocks, NullIsHarmless)
 {
     EXPECT_EQ(GlobalFree(nullptr), nullptr);
