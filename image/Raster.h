@@ -160,22 +160,27 @@ public:
     i32 Rotated(Raster* target, i32 angle);
 
     // In place, and across (pixel/Mirror.cpp, Transpose.cpp).
-    /// Exchanges the pixels of each row, 3 bytes each, from the first row down. Stops at a line that
-    /// cannot be locked with its status; the rows before it stay changed. WrongState not created.
+    /// Exchanges the pixels of each row, 3 bytes each, from the first row down; where the line ends
+    /// before a pixel does, its partner stays, too. Stops at a line that cannot be locked with its
+    /// status; the rows before it stay changed. WrongState not created.
     i32 FlipHorizontal();
     /// Pixel (x, y), 3 bytes, becomes pixel (y, x) of `target`, which exists with this raster's
-    /// height as its width and the reverse. Holds at most two lines at a time, where neither raster
-    /// can page some more. Gives the first result below Done of a line. BadArgument for null.
-    i32 TransposeTo(Raster* target);
+    /// height as its width and the reverse; what does not lie inside both lines is left out. Holds
+    /// two lines at a time where a raster pages, else a block of them. A line that cannot be locked
+    /// ends it with its status: the pixels before it, row by row, stay written, and the source's
+    /// line stays locked where it was the target's that failed. Otherwise the last line of each is
+    /// left locked. BadArgument for null or this raster itself, WrongState where one was not
+    /// created.
+    [[nodiscard]] i32 TransposeTo(Raster* target);
 
-    // Text (pixel/Text.cpp, TextCells.cpp). On rasters of 24 bits; other depths are written as such,
-    // inside the line.
+    // Text (pixel/Text.cpp, TextCells.cpp). On rasters of 24 bits; other depths are written as
+    // such, inside the line.
     /// Draws `text` in black on white, eight times as large, and lays it over the inclusive
     /// rectangle by the share of black in each pixel: with n black of 64, a the colour's low byte
     /// and w = n * (a + 1), out = ((16384 - w) * old + w * c) >> 14. `size` is the font's height in
-    /// pixels, `format` DrawTextW's. Meant: a rectangle that reaches below the raster draws nothing;
-    /// one that reaches past its right edge draws what fits. Failed when the text could not be
-    /// begun; Done, also when a line could not be locked. User-interface thread.
+    /// pixels, `format` DrawTextW's. Meant: a rectangle that reaches below the raster draws
+    /// nothing; one that reaches past its right edge draws what fits. Failed when the text could
+    /// not be begun; Done, also when a line could not be locked. User-interface thread.
     i32 DrawTextSmooth(const WCHAR* text, u32 color, const WCHAR* fontName, i32 left, i32 top,
                        i32 right, i32 bottom, u32 size, u32 format);
     /// Letter by letter in cells of `cell` pixels, each drawn `scale` times as large (1 to 8, else

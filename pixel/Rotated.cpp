@@ -1,22 +1,10 @@
 // Turning a picture into another raster.
 
 #include "image/Raster.h"
-
-#include <algorithm>
+#include "pixel/Rows.h"
 
 namespace
 {
-
-// Exchanges the pixels of a 24-bit row end for end.
-void ReverseRow(u8* row, u32 width)
-{
-    u8* left = row;
-    u8* right = row + size_t{3} * width;
-    for (u32 i = 0; i < width / 2; ++i, left += 3) {
-        right -= 3;
-        std::swap_ranges(left, left + 3, right);
-    }
-}
 
 // Pixel by pixel, so that source and target may have any depth that has colours and a raster that
 // pages holds one line.
@@ -52,7 +40,7 @@ i32 TurnHalf(Raster* source, Raster* target, u32 width, u32 height)
         status = target->LockLines(static_cast<i32>(y), &row, nullptr);
         if (status < 1)
             return status;
-        ReverseRow(row, width);
+        ReverseRow24(row, width);
     }
     return target->FlipVertical();
 }

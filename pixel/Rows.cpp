@@ -1,5 +1,6 @@
 #include "pixel/Rows.h"
 
+#include <algorithm>
 #include <string.h>
 
 namespace
@@ -95,6 +96,15 @@ void BlendMaskRow24(u8* pixels, const u8* mask, size_t count, const ColorBytes& 
 void BlendMaskRow32(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
 {
     BlendMaskRow<4>(pixels, mask, count, color);
+}
+
+void ReverseRow24(u8* pixels, size_t count)
+{
+    u8* right = pixels + 3 * count;
+    for (size_t i = 0; i < count / 2; ++i, pixels += 3) {
+        right -= 3;
+        std::swap_ranges(pixels, pixels + 3, right);
+    }
 }
 
 void CopyRow24(u8* target, const u8* source, size_t count)

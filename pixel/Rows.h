@@ -71,6 +71,9 @@ void BlendMaskRow24(u8* pixels, const u8* mask, size_t count, const ColorBytes& 
 /// The same; byte 3 stays.
 void BlendMaskRow32(u8* pixels, const u8* mask, size_t count, const ColorBytes& color);
 
+/// Exchanges the pixels end for end.
+void ReverseRow24(u8* pixels, size_t count);
+
 void CopyRow24(u8* target, const u8* source, size_t count);
 void CopyBytes(u8* target, const u8* source, size_t count);
 /// Bytes 0 to 2 of pixels that lie `targetStep` and `step` bytes apart.

@@ -1,0 +1,109 @@
+// Exchanging rows and columns, into another raster.
+
+#include "foundation/MemoryGauge.h"
+#include "image/Raster.h"
+
+#include <algorithm>
+#include <string.h>
+
+namespace
+{
+
+// Lines of a block: enough that a pixel's place in a target line costs little beside its bytes, few
+// enough that a cache line of each fits into the smallest cache.
+constexpr u32 BlockLines = 64;
+
+struct Crossing {
+    Raster* source;
+    Raster* target;
+    u32 width;   // of the source
+    u32 columns; // whole pixels inside a line of the source that lie in its width
+    u32 rows;    // whole pixels inside a line of the target
+};
+
+void CopyPixel(u8* target, const u8* source)
+{
+    memcpy(target, source, 3);
+}
+
+// Two lines at a time. The source's line is held over the whole row: releasing it after each pixel
+// would send it to its file and fetch it again, and come to the same in the end.
+i32 CrossRow(const Crossing& crossing, u32 y)
+{
+    const i32 line = static_cast<i32>(y);
+    u8* read = nullptr;
+    i32 status = crossing.source->LockLines(line, &read, nullptr);
+    if (status < 1)
+        return status;
+    for (u32 x = 0; x < crossing.width; ++x) {
+        const i32 column = static_cast<i32>(x);
+        u8* written = nullptr;
+        status = crossing.target->LockLines(column, &written, nullptr);
+        // The source's line stays locked, until UnlockAll.
+        if (status < 1)
+            return status;
+        if (x < crossing.columns && y < crossing.rows)
+            CopyPixel(written + size_t{3} * y, read + size_t{3} * x);
+        (void)crossing.target->ReleaseLines(column, 1, 0);
+    }
+    (void)crossing.source->ReleaseLines(line, 1, 0);
+    return Done;
+}
+
+// As CrossRow for `count` rows, where no line leaves memory and every line of the target is there.
+// A row that cannot be locked ends it; the rows before it are done.
+i32 CrossBlock(const Crossing& crossing, u32 first, u32 count)
+{
+    u8* read[BlockLines] = {};
+    u32 held = count;
+    const i32 status = crossing.source->LockLines(static_cast<i32>(first), read, &held);
+    const u32 copied = first < crossing.rows ? std::min(held, crossing.rows - first) : 0;
+    for (u32 x = 0; x < crossing.columns && copied > 0; ++x) {
+        const i32 column = static_cast<i32>(x);
+        u8* written = nullptr;
+        const i32 locked = crossing.target->LockLines(column, &written, nullptr);
+        if (locked < 1)
+            return locked;
+        for (u32 i = 0; i < copied; ++i)
+            CopyPixel(written + size_t{3} * (first + i), read[i] + size_t{3} * x);
+        (void)crossing.target->ReleaseLines(column, 1, 0);
+    }
+    // One by one: a run that reached the last line would release none.
+    for (u32 i = 0; i < held; ++i)
+        (void)crossing.source->ReleaseLines(static_cast<i32>(first + i), 1, 0);
+    return status;
+}
+
+// Whether a line that is released goes to its file.
+bool SendsLinesOut(Raster* raster, u32 stride)
+{
+    SwapDirs folders = {};
+    (void)raster->GetSwapDirs(&folders);
+    return folders.primary != nullptr && MemoryGauge::HasRoomFor(stride) < 1;
+}
+
+} // namespace
+
+// The first row fetches every line of the target. Where none leaves memory after that, only a line
+// of the source can still fail, and blocks fetch those in the same order: nobody can tell them from
+// single rows.
+i32 Raster::TransposeTo(Raster* target)
+{
+    if (target == nullptr || target == this)
+        return BadArgument;
+    if (!created || !target->created)
+        return WrongState;
+    if (info.width == 0 || info.height == 0)
+        return Done;
+    const Crossing crossing = {this, target, info.width, std::min(info.width, info.stride / 3),
+                               target->info.stride / 3};
+    const bool single =
+        SendsLinesOut(this, info.stride) || SendsLinesOut(target, target->info.stride);
+    i32 status = CrossRow(crossing, 0);
+    for (u32 y = 1; status > 0 && y < info.height;) {
+        const u32 count = single ? 1 : std::min(BlockLines, info.height - y);
+        status = single ? CrossRow(crossing, y) : CrossBlock(crossing, y, count);
+        y += count;
+    }
+    return status;
+}
