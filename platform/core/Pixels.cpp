@@ -26,6 +26,23 @@ void WriteIndex(uint8_t* row, int depth, int x, unsigned index)
     byte = static_cast<uint8_t>((byte & ~mask) | (index << shift));
 }
 
+/// From one pixel to before another: whole bytes at once.
+void FillIndexes(uint8_t* row, int depth, int first, int behind, unsigned index)
+{
+    const int perByte = 8 / depth;
+    int x = first;
+    for (; x < behind && x % perByte != 0; ++x)
+        WriteIndex(row, depth, x, index);
+    const int bytes = (behind - x) / perByte;
+    if (bytes > 0) {
+        const unsigned repeated = index * (0xFFu / ((1u << depth) - 1));
+        std::memset(row + x / perByte, static_cast<int>(repeated), static_cast<size_t>(bytes));
+        x += bytes * perByte;
+    }
+    for (; x < behind; ++x)
+        WriteIndex(row, depth, x, index);
+}
+
 COLORREF ColorOf(const RGBQUAD& entry)
 {
     return RGB(entry.rgbRed, entry.rgbGreen, entry.rgbBlue);
@@ -166,10 +183,13 @@ void WritePixel(const Surface& surface, int x, int y, COLORREF color)
 
 void FillArea(const Surface& surface, const RECT& area, COLORREF color)
 {
+    const unsigned index = surface.depth < 24 ? NearestIndex(surface, color) : 0;
     for (int y = area.top; y < area.bottom; ++y) {
         if (surface.depth == 32) {
             uint32_t* row = reinterpret_cast<uint32_t*>(surface.Row(y));
             std::fill(row + area.left, row + area.right, PixelWord(color));
+        } else if (surface.depth < 24) {
+            FillIndexes(surface.Row(y), surface.depth, area.left, area.right, index);
         } else {
             for (int x = area.left; x < area.right; ++x)
                 WritePixel(surface, x, y, color);

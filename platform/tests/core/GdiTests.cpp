@@ -264,6 +264,30 @@ TEST(GdiFill, TheRectanglesRightAndBottomAreNotFilledAndItIsClipped)
     DeleteObject(brush);
 }
 
+TEST(GdiFill, OfIndexedPixelsExactlyThoseOfTheRectangleAreFilled)
+{
+    constexpr int Width = 37;
+    const COLORREF before = RGB(255, 0, 0); // the sections' entry 0
+    for (const int depth : {1, 2, 4, 8}) {
+        const int index = depth == 1 ? 1 : (1 << depth) - 2;
+        const COLORREF color =
+            RGB((255 - index) & 255, index * 5 & 255, index * 3 & 255); // and that one
+        const HBRUSH brush = CreateSolidBrush(color);
+        for (int left = 0; left <= Width; ++left)
+            for (int right = left; right <= Width; ++right) {
+                const Section section(Width, 3, depth);
+                const RECT area{left, 1, right, 2};
+                EXPECT_EQ(FillRect(section.dc, &area, brush), 1);
+                for (int y = 0; y < 3; ++y)
+                    for (int x = 0; x < Width; ++x)
+                        ASSERT_EQ(GetPixel(section.dc, x, y),
+                                  y == 1 && x >= left && x < right ? color : before)
+                            << depth << ": " << left << " to " << right << ", " << x << ' ' << y;
+            }
+        DeleteObject(brush);
+    }
+}
+
 TEST(GdiFill, TheHollowBrushPaintsNothing)
 {
     const Section section(2, 2, 24);
