@@ -102,10 +102,20 @@ void TellSize(Window& window)
     }
 }
 
-LRESULT DialogCode(const Window& window)
+/// Enter ends a line in a text of several that asked for it, and is not the dialog's.
+bool WantsKey(const Window& window, const MSG* asked)
+{
+    constexpr DWORD WantReturn = 0x1000; // ES_WANTRETURN
+    constexpr DWORD Both = ES_MULTILINE | WantReturn;
+    return asked != nullptr && asked->message == WM_KEYDOWN && asked->wParam == VK_RETURN &&
+           (window.style & Both) == Both;
+}
+
+LRESULT DialogCode(const Window& window, LPARAM lParam)
 {
     return DLGC_WANTARROWS | DLGC_WANTCHARS |
-           ((window.style & ES_MULTILINE) != 0 ? 0 : DLGC_HASSETSEL);
+           ((window.style & ES_MULTILINE) != 0 ? 0 : DLGC_HASSETSEL) |
+           (WantsKey(window, reinterpret_cast<const MSG*>(lParam)) ? DLGC_WANTMESSAGE : 0);
 }
 
 } // namespace
@@ -161,7 +171,7 @@ LRESULT CALLBACK EditProcedure(HWND handle, UINT message, WPARAM wParam, LPARAM 
         return 0;
     switch (message) {
     case WM_GETDLGCODE:
-        return DialogCode(*window);
+        return DialogCode(*window, lParam);
     case WM_SETFOCUS:
         NotifyParent(handle, EN_SETFOCUS);
         return 0;

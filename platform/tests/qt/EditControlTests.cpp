@@ -546,3 +546,54 @@ TEST_F(EditControl, TemplatesMakeEditFieldsAndListsByNumberAndByName)
     EXPECT_EQ(ControlText(dialog, 1083), u"説明\r\nline");
     DestroyWindow(dialog);
 }
+
+TEST_F(EditControl, EnterEndsALineInADialogOnlyWhereSeveralLinesAskedForIt)
+{
+    const struct {
+        int id;
+        bool takes;
+    } rows[] = {{1310, true}, {1311, false}, {1312, false}};
+    for (const auto& row : rows) {
+        OnModal([&](HWND dialog, bool) {
+            Pump(20);
+            SetFocus(GetDlgItem(dialog, row.id));
+            TypeKey('A');
+            TypeKey(VK_RETURN);
+            EXPECT_EQ(ControlText(dialog, row.id), row.takes ? u"a\r\n" : u"a") << row.id;
+            EXPECT_EQ(IsWindowVisible(dialog), row.takes) << row.id;
+            EndDialog(dialog, 7);
+        });
+        const INT_PTR result = DialogBoxIndirectParamW(
+            ControlResources(), DialogResource(231), parent.handle,
+            [](HWND dialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
+                if (message == WM_COMMAND && wParam == IDOK)
+                    EndDialog(dialog, IDOK);
+                return message == WM_INITDIALOG;
+            },
+            0);
+        EXPECT_EQ(result, row.takes ? 7 : IDOK) << row.id;
+    }
+    OnModal({});
+}
+
+TEST_F(EditControl, EscAndTabStayTheDialogsWhereEnterIsTheTexts)
+{
+    OnModal([&](HWND dialog, bool) {
+        Pump(20);
+        EXPECT_EQ(GetFocus(), GetDlgItem(dialog, 1310));
+        TypeKey(VK_TAB);
+        EXPECT_EQ(GetFocus(), GetDlgItem(dialog, 1311));
+        TypeKey(VK_TAB, MK_SHIFT);
+        TypeKey(VK_ESCAPE);
+    });
+    EXPECT_EQ(DialogBoxIndirectParamW(
+                  ControlResources(), DialogResource(231), parent.handle,
+                  [](HWND dialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
+                      if (message == WM_COMMAND && wParam == IDCANCEL)
+                          EndDialog(dialog, 9);
+                      return message == WM_INITDIALOG;
+                  },
+                  0),
+              9);
+    OnModal({});
+}
