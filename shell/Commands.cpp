@@ -97,6 +97,10 @@ void ClearClipboard(MainFrame& frame, u32)
 {
     frame.ClearClipboard();
 }
+void DrawLetters(MainFrame& frame, u32)
+{
+    frame.DrawLetters();
+}
 void LaunchViewer(MainFrame& frame, u32)
 {
     frame.LaunchViewer();
@@ -172,6 +176,7 @@ constexpr Command commands[] = {
     {CommandColorEraser, Tool},
     {CommandAlphaEraser, Tool},
     {CommandPipette, Tool},
+    {CommandText, DrawLetters},
     {CommandLaunchViewer, LaunchViewer},
     {CommandToolboxWindow, ToolWindow},
     {CommandColorboxWindow, ToolWindow},
