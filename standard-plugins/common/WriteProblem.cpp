@@ -59,6 +59,24 @@ const Row rows[] = {
      PluginFailed,
      {PLUGIN_TEXT("The picture cannot be put into this format."),
       PLUGIN_TEXT("この画像をこの形式に変換できません。")}},
+    {WriteProblem::TrueColor,
+     PluginFailed,
+     {PLUGIN_TEXT("Only pictures of 24 bits a pixel can be changed."),
+      PLUGIN_TEXT("変更できるのは 24 ビットの画像だけです。")}},
+    {WriteProblem::NewSize,
+     PluginFailed,
+     {PLUGIN_TEXT("The new size must be from 1 to 65535 pixels a side, and 1024 megapixels at the "
+                  "most."),
+      PLUGIN_TEXT("新しい大きさは 1 辺 1 から 65535 ピクセル、全体で 1024 "
+                  "メガピクセルまでです。")}},
+    {WriteProblem::Missing,
+     PluginFailed,
+     {PLUGIN_TEXT("The library zimg, which does the scaling, is not installed."),
+      PLUGIN_TEXT("伸縮に必要なライブラリ zimg がインストールされていません。")}},
+    {WriteProblem::Scaling,
+     PluginFailed,
+     {PLUGIN_TEXT("The library zimg could not scale the picture."),
+      PLUGIN_TEXT("ライブラリ zimg が画像を伸縮できませんでした。")}},
 };
 
 constexpr size_t rowCount = sizeof rows / sizeof *rows;

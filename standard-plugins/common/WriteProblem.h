@@ -1,7 +1,7 @@
-// What can go wrong when a picture is written or printed, once for all plugins that do: each
-// problem has a result for the host and a sentence for the user in both languages. The pieces that
-// write (PictureReader, OutputFile) only note the problem; the plugin tells it once, at its end,
-// when everything has been given back.
+// What can go wrong when a picture is written, printed or changed, once for all plugins that do:
+// each problem has a result for the host and a sentence for the user in both languages. The pieces
+// that work (PictureReader, PictureLines, OutputFile) only note the problem; the plugin tells it
+// once, at its end, when everything has been given back.
 #pragma once
 
 #include "standard-plugins/common/PluginInfo.h"
@@ -21,7 +21,11 @@ enum class WriteProblem : uint8_t {
     DiskFull,  // fewer bytes were taken than given
     Writing,   // bytes were refused for another reason
     Replacing, // the finished file could not take its place
-    Codec      // the format's library gave up
+    Codec,     // the format's library gave up
+    TrueColor, // a picture that is to be changed has not 24 bits a pixel
+    NewSize,   // a new size without pixels, or beyond what pictures can have
+    Missing,   // a library that does the work is not installed
+    Scaling    // the library that scales gave up
 };
 
 /// The negative result by which a processing export answers; PluginDone for None.

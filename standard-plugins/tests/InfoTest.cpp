@@ -31,6 +31,7 @@ struct Plugin {
     const char* exports;
 
     bool IsReader() const { return std::string(file).starts_with("INPUT/"); }
+    bool HasDialog() const { return !IsReader() && !std::string(file).starts_with("SCALE/"); }
     std::u16string Identity() const
     {
         std::u16string identity = u"TX_";
@@ -43,6 +44,9 @@ struct Plugin {
 constexpr const char* readerExports =
     "Configure\nGetImage\nGetImageInfo\nGetPluginInfo\nSetLanguage\n";
 constexpr const char* writerExports = "Configure\nGetPluginInfo\nPutImage\nSetLanguage\n";
+constexpr const char* effectExports = "Configure\nEffect\nGetPluginInfo\nSetLanguage\n";
+constexpr const char* adjustExports = "AdjustImage\nConfigure\nGetPluginInfo\nSetLanguage\n";
+constexpr const char* scaleExports = "GetPluginInfo\nScaleImage\nSetLanguage\n";
 constexpr const char* printerExports = "Configure\nGetPluginInfo\nPrint\nSetLanguage\n";
 
 const Plugin plugins[] = {
@@ -55,6 +59,12 @@ const Plugin plugins[] = {
     {"OUTPUT/PNG", u"PNG writer", u"PNG 書き込み", u"PNG image (*.png)", u"PNG 画像 (*.png)",
      u"*.png", writerExports},
     {"PRINT/PDF", u"PDF file", u"PDF ファイル", nullptr, nullptr, nullptr, printerExports},
+    {"EFFECT/GaussianBlur", u"Gaussian Blur...", u"ガウスぼかし...", nullptr, nullptr, nullptr,
+     effectExports},
+    {"ADJUST/BrightnessContrast", u"Brightness and Contrast...", u"明るさとコントラスト...",
+     nullptr, nullptr, nullptr, adjustExports},
+    {"SCALE/Bilinear", u"Bilinear", u"バイリニア", nullptr, nullptr, nullptr, scaleExports},
+    {"SCALE/Lanczos", u"Lanczos", u"ランチョス", nullptr, nullptr, nullptr, scaleExports},
 };
 
 void PrintTo(const Plugin& plugin, std::ostream* out)
@@ -203,14 +213,14 @@ TEST_P(PluginInfo, ExportsTheFunctionsOfItsKindAndNothingElse)
               GetParam().exports);
 }
 
-TEST_P(PluginInfo, NeedsNeitherTheToolkitNorTheCxxLibraryAndTheDeviceOnlyToWrite)
+TEST_P(PluginInfo, NeedsNeitherTheToolkitNorTheCxxLibraryAndTheDeviceOnlyForDialogs)
 {
     const std::string needed =
         OutputOf("objdump -p " + LibraryFile(GetParam().file) + " | grep NEEDED");
     EXPECT_NE(needed.find("NEEDED"), std::string::npos); // the tool answered at all
-    for (const char* library : {"libQt", "libstdc++"})
+    for (const char* library : {"libQt", "libstdc++", "libzimg"})
         EXPECT_EQ(needed.find(library), std::string::npos) << library << " in\n" << needed;
-    EXPECT_EQ(needed.find("libtavrix-platform.so") != std::string::npos, !GetParam().IsReader());
+    EXPECT_EQ(needed.find("libtavrix-platform.so") != std::string::npos, GetParam().HasDialog());
 }
 
 TEST_P(ReaderUse, RefusesMissingArguments)

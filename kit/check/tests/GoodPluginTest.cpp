@@ -82,3 +82,14 @@ TEST(BundledPlugins, ThePdfPrinterPasses)
     ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/PRINT/PDF.dll"}),
                "PDF.dll: TX_PRINT, all checks passed");
 }
+
+TEST(BundledPlugins, ThoseThatChangePicturesPass)
+{
+    ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/EFFECT/GaussianBlur.dll"}),
+               "GaussianBlur.dll: TX_EFFECT, all checks passed");
+    ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/ADJUST/BrightnessContrast.dll"}),
+               "BrightnessContrast.dll: TX_ADJUST, all checks passed");
+    for (const std::string name : {"Bilinear.dll", "Lanczos.dll"})
+        ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/SCALE/" + name}),
+                   name + ": TX_SCALE, all checks passed");
+}

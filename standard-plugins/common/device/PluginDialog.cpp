@@ -17,11 +17,13 @@ struct Asking {
     uint32_t values[mostDialogSettings];
 };
 
-void ShowNumber(HWND window, int control, LRESULT number)
+void ShowNumber(HWND window, const DialogSetting& row, LRESULT value)
 {
+    if (!row.number)
+        return;
     WCHAR text[16];
-    wsprintfW(text, TEXT("%d"), static_cast<int>(number));
-    SetDlgItemTextW(window, control, text);
+    wsprintfW(text, TEXT("%d"), static_cast<int>(value) - static_cast<int>(row.zero));
+    SetDlgItemTextW(window, row.number, text);
 }
 
 LRESULT PositionOf(HWND window, int control)
@@ -40,8 +42,7 @@ void ShowTrackbar(HWND window, const DialogSetting& row, uint32_t value)
     SendDlgItemMessageW(window, row.control, TBM_SETPAGESIZE, 0,
                         static_cast<LPARAM>(page > 1 ? page : 1));
     SendDlgItemMessageW(window, row.control, TBM_SETPOS, TRUE, static_cast<LPARAM>(value));
-    if (row.number)
-        ShowNumber(window, row.number, static_cast<LRESULT>(value));
+    ShowNumber(window, row, static_cast<LRESULT>(value));
 }
 
 void SetCheck(HWND window, int control, bool checked)
@@ -104,8 +105,8 @@ void FollowTrackbars(HWND window, const Asking& asking)
 {
     for (uint32_t i = 0; i < asking.dialog->count; ++i) {
         const DialogSetting& row = asking.dialog->settings[i];
-        if (row.kind == SettingControl::Trackbar && row.number)
-            ShowNumber(window, row.number, PositionOf(window, row.control));
+        if (row.kind == SettingControl::Trackbar)
+            ShowNumber(window, row, PositionOf(window, row.control));
     }
 }
 

@@ -34,6 +34,8 @@ struct DialogSetting {
     int control;
     /// A text beside a trackbar that always shows its number; 0 for none.
     int number;
+    /// The value that this text shows as 0: settings hold no numbers below 0.
+    uint32_t zero = 0;
 };
 
 constexpr uint32_t mostDialogSettings = 16;
