@@ -105,6 +105,14 @@ void LaunchViewer(MainFrame& frame, u32)
 {
     frame.LaunchViewer();
 }
+void ScaleImage(MainFrame& frame, u32)
+{
+    frame.ScaleImage();
+}
+void ResizeCanvas(MainFrame& frame, u32)
+{
+    frame.ResizeCanvas();
+}
 void Undo(MainFrame& frame, u32)
 {
     frame.Undo();
@@ -165,6 +173,8 @@ constexpr Command commands[] = {
     {CommandScrollRight, ScrollKey},
     {CommandScrollUp, ScrollKey},
     {CommandScrollDown, ScrollKey},
+    {CommandResolution, ScaleImage},
+    {CommandSize, ResizeCanvas},
     {CommandUndo, Undo},
     {CommandSelectAll, SelectAll},
     {CommandDeselect, Deselect},
