@@ -105,6 +105,10 @@ void LaunchViewer(MainFrame& frame, u32)
 {
     frame.LaunchViewer();
 }
+void NewImage(MainFrame& frame, u32)
+{
+    frame.NewImage();
+}
 void ScaleImage(MainFrame& frame, u32)
 {
     frame.ScaleImage();
@@ -148,6 +152,7 @@ struct Command {
 
 constexpr Command commands[] = {
     {CommandExit, Exit},
+    {CommandNew, NewImage},
     {CommandOpenFile, OpenFile},
     {CommandReloadOpened, ReloadOpened},
     {CommandReloadSaved, ReloadSaved},

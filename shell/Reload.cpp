@@ -12,7 +12,8 @@ void MainFrame::ReloadOpened()
     } else if (inputPlugin >= 0) {
         // Ends here, where the last address will be fetched again without being asked for.
     } else {
-        // Ends here, where the dialog for a new picture will stand.
+        // A picture without a source can only be made anew.
+        NewImage();
     }
 }
 

@@ -100,12 +100,19 @@ TEST_F(Reloading, AFileThatCannotBeReadAnyMoreIsToldInTheDialogAndThePictureStay
     });
 }
 
-// The addresses and the new pictures that these two branches are for come with later commands.
-TEST_F(Reloading, WithoutAFileNothingIsReadAndNothingTold)
+// The address that the second branch is for comes with a later command.
+TEST_F(Reloading, WithoutAFileThePersonIsAskedForANewPictureAndNothingIsRead)
 {
     RunProgram(u"", [&](MainFrame& frame) {
         const unsigned beeps = Beeps();
+        int asked = 0;
+        person.onDialog = [&](HWND dialog) {
+            ++asked;
+            EXPECT_NE(GetDlgItem(dialog, ControlMode), nullptr);
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        };
         Send(frame, ReloadOpenedCommand);
+        EXPECT_EQ(asked, 1);
         frame.inputPlugin = 0;
         Send(frame, ReloadOpenedCommand);
         Send(frame, ReloadSavedCommand);
@@ -113,6 +120,7 @@ TEST_F(Reloading, WithoutAFileNothingIsReadAndNothingTold)
         EXPECT_FALSE(IsStored(frame, TEXT("ReadConfigures")));
         EXPECT_EQ(frame.imagePresent, 0u);
         EXPECT_EQ(frame.inputPlugin, 0);
+        EXPECT_EQ(asked, 1);
         EXPECT_TRUE(person.TakeBoxes().empty());
         EXPECT_TRUE(person.headlines.empty());
         EXPECT_EQ(Beeps(), beeps);
