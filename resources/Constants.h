@@ -16,6 +16,8 @@
 #define CBS_DROPDOWN 0x2L
 #define CBS_SORT 0x100L
 
+#define LBS_NOTIFY 0x1L
+
 #define TVS_HASBUTTONS 0x1L
 #define TVS_HASLINES 0x2L
 #define TVS_LINESATROOT 0x4L
