@@ -8,6 +8,12 @@ void ShowError(HWND owner, const WCHAR* english, const WCHAR* japanese)
                 MB_ICONHAND);
 }
 
+void TellNoPlaceToPaste(HWND owner)
+{
+    ShowError(owner, TEXT("Coordinates to paste must be pointed."),
+              TEXT("貼り付ける座標が指定されていません"));
+}
+
 // Meant: the icon differs by language.
 void WarnAboutConfigure(HWND owner)
 {

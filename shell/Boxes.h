@@ -8,5 +8,8 @@
 /// An error in the system's language, with the stop icon.
 void ShowError(HWND owner, const WCHAR* english, const WCHAR* japanese);
 
+/// A paste without a selection.
+void TellNoPlaceToPaste(HWND owner);
+
 /// A plugin's settings have failed, and the flow goes on.
 void WarnAboutConfigure(HWND owner);

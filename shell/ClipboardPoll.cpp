@@ -1,5 +1,4 @@
-// What the rest of the desktop offers on the clipboard, asked once a second, and giving up what
-// either clip holds.
+// What the rest of the desktop offers on the clipboard, asked once a second.
 
 #include "resources/Ids.h"
 #include "shell/MainFrame.h"
@@ -16,21 +15,4 @@ void MainFrame::PollClipboard()
     FetchMenus();
     EnableMenuItem(pasteMenu, CommandPasteFromClipboard, MF_BYCOMMAND | state);
     EnableMenuItem(clearMenu, CommandClearClipboard, MF_BYCOMMAND | state);
-}
-
-void MainFrame::ClearClipboard()
-{
-    if (clipboardHasImage == 0 || !OpenClipboard(window))
-        return;
-    EmptyClipboard();
-    CloseClipboard();
-}
-
-void MainFrame::ClearMemory()
-{
-    delete clipImage;
-    clipImage = nullptr;
-    delete clipAllocator;
-    clipAllocator = nullptr;
-    UpdateClipMenus();
 }

@@ -89,6 +89,22 @@ void ToolWindow(MainFrame& frame, u32 id)
 {
     frame.ToggleToolWindow(id);
 }
+void CopyToMemory(MainFrame& frame, u32)
+{
+    frame.CopyToMemory();
+}
+void PasteFromMemory(MainFrame& frame, u32)
+{
+    frame.PasteFromMemory();
+}
+void CopyToClipboard(MainFrame& frame, u32)
+{
+    frame.CopyToClipboard();
+}
+void PasteFromClipboard(MainFrame& frame, u32)
+{
+    frame.PasteFromClipboard();
+}
 void ClearMemory(MainFrame& frame, u32)
 {
     frame.ClearMemory();
@@ -100,6 +116,22 @@ void ClearClipboard(MainFrame& frame, u32)
 void DrawLetters(MainFrame& frame, u32)
 {
     frame.DrawLetters();
+}
+void ReverseHorizontally(MainFrame& frame, u32)
+{
+    frame.ReverseHorizontally();
+}
+void ReverseVertically(MainFrame& frame, u32)
+{
+    frame.ReverseVertically();
+}
+void TurnHalf(MainFrame& frame, u32)
+{
+    frame.TurnHalf();
+}
+void TurnQuarter(MainFrame& frame, u32 id)
+{
+    frame.TurnQuarter(id);
 }
 void LaunchViewer(MainFrame& frame, u32)
 {
@@ -183,8 +215,17 @@ constexpr Command commands[] = {
     {CommandUndo, Undo},
     {CommandSelectAll, SelectAll},
     {CommandDeselect, Deselect},
+    {CommandCopyToMemory, CopyToMemory},
+    {CommandPasteFromMemory, PasteFromMemory},
+    {CommandCopyToClipboard, CopyToClipboard},
+    {CommandPasteFromClipboard, PasteFromClipboard},
     {CommandClearMemory, ClearMemory},
     {CommandClearClipboard, ClearClipboard},
+    {CommandReverseHorizontal, ReverseHorizontally},
+    {CommandReverseVertical, ReverseVertically},
+    {CommandRotate180, TurnHalf},
+    {CommandRotateClockwise, TurnQuarter},
+    {CommandRotateCounterClockwise, TurnQuarter},
     {CommandScroll, Tool},
     {CommandSelectRectangle, Tool},
     {CommandBrush, Tool},

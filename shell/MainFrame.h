@@ -81,22 +81,28 @@ public:
     void UpdateScreenChecks();
     void UpdateWindowChecks();
 
-    // The clips, and the sibling viewer (shell/ClipboardPoll.cpp, LaunchViewer.cpp).
-    /// The clipboard's offer has changed, or not: grays or enables what depends on it.
-    void PollClipboard();
-    /// Empties the clipboard, if it offers a picture.
-    void ClearClipboard();
+    // The clips (shell/MemoryClip.cpp, ClipboardClip.cpp, ClipboardPoll.cpp). Copies take the
+    // selection, or without one the picture's size; pastes need a selection, whose top left they go
+    // to. None takes a snapshot.
+    /// The clip has the size of the selection or the picture and begins at the selection's corner
+    /// even where no selection counts: what lies beyond the picture is black. Asks where memory is
+    /// short, when the old clip is gone already.
+    void CopyToMemory();
+    /// All of the clip, cut at the picture's edges alone.
+    void PasteFromMemory();
     /// Gives the memory clip up.
     void ClearMemory();
-
-    // Copying and pasting (shell/MemoryClip.cpp, ClipboardClip.cpp). Copies take the selection, or
-    // the whole picture without one; pastes need a selection, whose top left they go to.
-    void CopyToMemory();
-    void PasteFromMemory();
-    /// Asks for the format first.
+    /// Asks for the format first. Without a selection it begins at the picture's corner.
     void CopyToClipboard();
+    /// A picture of 24 bits, cut at the selection's edges. Its row 0 goes with the picture's line 0
+    /// wherever the selection begins, its column 0 to the selection's left.
     void PasteFromClipboard();
-    /// Starts the sibling viewer on the current file.
+    /// Empties the clipboard, if it offers a picture.
+    void ClearClipboard();
+    /// The clipboard's offer has changed, or not: grays or enables what depends on it.
+    void PollClipboard();
+
+    /// Starts the sibling viewer on the current file (shell/LaunchViewer.cpp).
     void LaunchViewer();
 
     // The entries of plugins, by their position in the menu.
@@ -126,6 +132,8 @@ public:
         i32 height;
     };
     SelectedPart GetSelectedPart() const;
+    /// The same, with the picture's size where the selection does not count (shell/MemoryClip.cpp).
+    SelectedPart GetPartToCopy() const;
     /// Drops the work copy and its allocator, if there are any.
     void DropWorkImage();
 
@@ -137,10 +145,13 @@ public:
     void ScaleImage();
     /// Another canvas: pixels are added or cut off at the edges.
     void ResizeCanvas();
+    /// In place, as the next two. A line that cannot be locked ends the reversing of lines, which
+    /// it tells, and nothing else.
     void ReverseHorizontally();
     void ReverseVertically();
     void TurnHalf();
-    /// By the command: CommandRotateClockwise or CommandRotateCounterClockwise.
+    /// By the command: CommandRotateClockwise or CommandRotateCounterClockwise. Asks where memory
+    /// is short. Leaves the picture as it is after a failure.
     void TurnQuarter(u32 command);
     /// Text into the selection's corners, whether it counts or not.
     void DrawLetters();
