@@ -265,6 +265,27 @@ TEST_F(TransposeTo, WithTheSourceOnFilesEachOfItsLinesComesInOnce)
     PlentyOfMemory();
 }
 
+TEST_F(TransposeTo, OfASourceOnFilesOneLineAtATimeIsInMemory)
+{
+    CountingAllocator memory;
+    Raster source(&memory);
+    MakeRaster(source, 40, 70, 24, 3, Paging::Under); // lines of 120 bytes
+    Raster target;
+    MakeRaster(target, 70, 40, 24, 9, Paging::None); // of 212
+    for (i32 line = 0; line < 69; ++line)
+        ASSERT_EQ(source.ReleaseLines(line, 1, 1), 1);
+    ShortMemory();
+    size_t fewest = 69;
+    memory.fails = [&](int, u32) {
+        fewest = std::min(fewest, FilesIn(FirstFolder).size());
+        return false;
+    };
+    EXPECT_EQ(source.TransposeTo(&target), Done);
+    memory.fails = nullptr;
+    EXPECT_GE(fewest, 68u);
+    PlentyOfMemory();
+}
+
 TEST_F(TransposeTo, WhereRastersCouldPageAndNeedNotItIsTheWalkAll)
 {
     for (const u32 height : {3u, 70u, 131u}) {
@@ -359,6 +380,29 @@ TEST_F(TransposeTo, AnyShortageOfMemoryEndsItWhereTheWalkEnds)
         ++failures;
     }
     EXPECT_EQ(failures, 30) << "two blocks for each of 14 lines and one";
+}
+
+// The target's lines come and go for every pixel.
+TEST_F(TransposeTo, AnyLineThatFindsNoMemoryEndsItWhereTheWalkEndsWhereTheTargetPages)
+{
+    for (int number = 1;; ++number) {
+        Make make = {4, 9, 24, Paging::None, Paging::Under};
+        int lines = 0;
+        make.squeeze = [&lines] {
+            lines = 0;
+            ShortMemory();
+        };
+        // Lines of 28 bytes; no table and no name has as many.
+        make.fails = [&lines, number](int, u32 size) { return size == 28 && ++lines == number; };
+        const Seen seen = ExpectAsTheWalk(make);
+        if (seen.status == Done) {
+            // Three of four lines leave memory after each of nine rows; the first was there.
+            EXPECT_EQ(number, 3 * 8 + 1);
+            break;
+        }
+        ASSERT_EQ(seen.status, NoMemory);
+        ASSERT_LT(number, 100);
+    }
 }
 
 TEST_F(TransposeTo, ALostLineOfTheSourceEndsItWithNothingDoneWhereTheWalkEnds)
