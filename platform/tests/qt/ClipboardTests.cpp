@@ -406,6 +406,26 @@ TEST(ClipboardData, ARefusalLeavesWhatIsThere)
     EXPECT_EQ(PixelsOf(SeenAs("image/bmp", "BMP")), SixColours);
 }
 
+TEST(ClipboardData, WhatTheDesktopDoesNotTakeStaysTheCallers)
+{
+    const size_t before = HeldBytes();
+    const Opened opened;
+    // Another one is quicker.
+    const auto quicker =
+        QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, [] {
+            if (!Seen()->hasText())
+                QGuiApplication::clipboard()->setText("text");
+        });
+    const HGLOBAL block = BlockOf(SixPixels);
+    EXPECT_EQ(SetClipboardData(CF_DIB, block), nullptr);
+    QObject::disconnect(quicker);
+    EXPECT_FALSE(IsClipboardFormatAvailable(CF_DIB));
+    EXPECT_TRUE(CloseClipboard());
+    EXPECT_EQ(BytesOf(block), SixPixels);
+    EXPECT_EQ(GlobalFree(block), nullptr);
+    EXPECT_EQ(HeldBytes(), before);
+}
+
 TEST(ClipboardData, OtherProgramsGetTheBlocksBytesAsAFile)
 {
     const Opened opened;
@@ -599,12 +619,16 @@ TEST(ClipboardData, APictureThatClaimsToBeHugeIsNotDecodedAndNothingIsSaid)
 {
     const Opened opened;
     testing::internal::CaptureStderr();
-    // The first is what the claim is made in: two rows of it would fit.
     for (const auto& [width, height] :
          {std::pair{30000u, 30000u}, {1000000u, 1000000u}, {0x7FFFFFFFu, 1u}, {12000u, 12000u}}) {
         OfferFile("image/png", PngClaiming(width, height));
         EXPECT_EQ(GetClipboardData(CF_DIB), nullptr) << width;
     }
+    // This one is as large as it claims, if in one bit a pixel.
+    QImage wide(12000, 12000, QImage::Format_Mono);
+    wide.fill(0);
+    OfferFile("image/png", FileOf(wide, "PNG"));
+    EXPECT_EQ(GetClipboardData(CF_DIB), nullptr);
     QByteArray bmp = FileOf(SixPixelsImage(), "BMP");
     bmp[19] = bmp[23] = 0x75; // 30,000 and some
     OfferFile("image/bmp", bmp);
