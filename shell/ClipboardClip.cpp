@@ -122,6 +122,9 @@ void MakeBitmap(const BITMAPINFOHEADER& header, u64 bytes, Offer* offer)
 // The picture's first line becomes the last row.
 void FillRows(Raster& image, const MainFrame::SelectedPart& part, bool selected, const Offer& offer)
 {
+    // What found no memory may be of any size.
+    if (offer.rows.first == nullptr)
+        return;
     const i64 rowBytes = static_cast<i64>(RowBytes(part.width));
     const i64 left = selected ? part.left : 0;
     const i64 top = selected ? part.top : 0;
@@ -181,9 +184,10 @@ bool PasteBlock(MainFrame& frame, const Bytes<const u8>& block)
     const i64 rowBytes = header.biWidth > 0 ? static_cast<i64>(RowBytes(header.biWidth)) : 0;
     ForLines(*frame.image, y0, y1, [&](i64 y, const Bytes<u8>& line) {
         const i64 row = i64{header.biHeight} - y - 1;
-        const i64 at = HeaderBytes + row * rowBytes;
-        if (row < 0 || row >= header.biHeight || at >= block.count)
+        if (rowBytes == 0 || row < 0 || row >= header.biHeight ||
+            row > (block.count - HeaderBytes) / rowBytes)
             return;
+        const i64 at = HeaderBytes + row * rowBytes;
         const Bytes<const u8> source = {block.first + at, std::min(rowBytes, block.count - at)};
         CopyInside(line, 3 * x0, source, 0, 3 * (x1 - x0 + 1));
     });

@@ -111,12 +111,12 @@ std::vector<Block> PlainPaste(MainFrame& frame, const Block& block)
         if (source < 0 || source >= header.biHeight)
             continue;
         for (i64 byte = 0; byte < 3 * (x1 - x0 + 1); ++byte) {
-            const i64 from = HeaderSize + source * StrideOf(header.biWidth) + byte;
+            const u64 from = static_cast<u64>(HeaderSize + byte) +
+                             static_cast<u64>(source) * static_cast<u64>(StrideOf(header.biWidth));
             const i64 to = 3 * x0 + byte;
-            if (byte < StrideOf(header.biWidth) && from < static_cast<i64>(block.size()) &&
+            if (byte < StrideOf(header.biWidth) && from < block.size() &&
                 MayTouch(to, info.stride, info.depth))
-                lines[static_cast<size_t>(y)][static_cast<size_t>(to)] =
-                    block[static_cast<size_t>(from)];
+                lines[static_cast<size_t>(y)][static_cast<size_t>(to)] = block[from];
         }
     }
     return lines;
@@ -684,7 +684,7 @@ TEST(ClipboardClip, CornersThatNoDragLeavesAreSurvived)
         const f64 far = std::numeric_limits<f64>::infinity();
         const f64 rows[][4] = {{29, 34, 10, 20},   {-5, -5, 4, 4},         {70, 70, 80, 80},
                                {-far, 0, far, 10}, {far, far, -far, -far}, {0, -far, 4, far},
-                               {0, 0, -1, 2e9},    {-9, 3, -2, 9}};
+                               {0, 0, -1, 2e9},    {0, 0, far, far},       {-9, 3, -2, 9}};
         for (const auto& row : rows) {
             Offer(frame, MakeBlock(10, 10));
             Select(frame, row[0], row[1], row[2], row[3]);

@@ -68,11 +68,18 @@ bool HasClipEntries(MainFrame& frame)
     return !gray;
 }
 
+/// A run on the picture. The clip is the process's to give back, here the test's.
+void RunAndClear(std::vector<Step> steps)
+{
+    steps.push_back([](MainFrame& frame) { frame.ClearMemory(); });
+    RunOnPicture(steps);
+}
+
 } // namespace
 
 TEST(MemoryClip, TheSelectionIsCopiedItsCornersIncluded)
 {
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         const Answering answering;
         EXPECT_FALSE(HasClipEntries(frame));
         Select(frame, 3.99, 7.5, 12.01, 9.99);
@@ -91,24 +98,24 @@ TEST(MemoryClip, TheSelectionIsCopiedItsCornersIncluded)
         EXPECT_TRUE(answering.Boxes().empty());
         ExpectPicture(*frame.image);
         EXPECT_EQ(frame.selectionActive, 1u);
-    });
+    }});
 }
 
 TEST(MemoryClip, WithoutASelectionItTakesThePictureFromTheCornerOfTheLastOneOn)
 {
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         Send(frame, Copy);
         ExpectClip(frame, 0, 0, PictureWidth, PictureHeight);
         Select(frame, 20.7, 11, 30, 30);
         frame.Deselect();
         Send(frame, Copy);
         ExpectClip(frame, 20, 11, PictureWidth, PictureHeight);
-    });
+    }});
 }
 
 TEST(MemoryClip, HasAHeapOfItsOwnAndDroppingItGivesAllBack)
 {
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         const auto before = tavrix::platform::CountHoldings();
         for (int i = 0; i < 3; ++i) {
             Send(frame, Copy);
@@ -120,13 +127,13 @@ TEST(MemoryClip, HasAHeapOfItsOwnAndDroppingItGivesAllBack)
         EXPECT_EQ(tavrix::platform::CountHoldings().heaps, before.heaps);
         EXPECT_EQ(tavrix::platform::CountHoldings().heapBytes, before.heapBytes);
         EXPECT_FALSE(HasClipEntries(frame));
-    });
+    }});
 }
 
 TEST(MemoryClip, TheQuestionComesAtFourBytesAPixelWhenTheOldClipIsGone)
 {
     Scope scope;
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         for (const LANGID language : {LANGID{1033}, LANGID{1041}})
             for (const int answer : {IDNO, IDCANCEL}) {
                 SetLanguage(language);
@@ -166,13 +173,13 @@ TEST(MemoryClip, TheQuestionComesAtFourBytesAPixelWhenTheOldClipIsGone)
         SetFreeMemory(PictureWidth * PictureHeight * 4 + 1);
         Send(frame, Copy);
         EXPECT_EQ(yes.Boxes().size(), 2u);
-    });
+    }});
 }
 
 TEST(MemoryClip, WhatCannotBeAllocatedIsToldByItsOwnTextInBothLanguages)
 {
     Scope scope;
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         const struct {
             SIZE_T size;
             const char16_t* english;
@@ -205,13 +212,13 @@ TEST(MemoryClip, WhatCannotBeAllocatedIsToldByItsOwnTextInBothLanguages)
                 EXPECT_EQ(tavrix::platform::CountHoldings().heaps, before.heaps - 1);
                 EXPECT_TRUE(HasClipEntries(frame));
             }
-    });
+    }});
 }
 
 TEST(MemoryClip, WithoutMemoryForItsLinesThereIsAClipThatPastesNothing)
 {
     Scope scope;
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         const Answering answering(IDYES);
         SetFreeMemory(0);
         MemoryGauge::Sample();
@@ -223,13 +230,13 @@ TEST(MemoryClip, WithoutMemoryForItsLinesThereIsAClipThatPastesNothing)
         Select(frame, 5, 5, 9, 9);
         Send(frame, Paste);
         ExpectPicture(*frame.image);
-    });
+    }});
 }
 
 TEST(MemoryClip, PastingNeedsASelectionAndSaysSoInBothLanguages)
 {
     Scope scope;
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         for (const bool clip : {false, true})
             for (const LANGID language : {LANGID{1033}, LANGID{1041}}) {
                 if (clip)
@@ -251,13 +258,13 @@ TEST(MemoryClip, PastingNeedsASelectionAndSaysSoInBothLanguages)
         Send(frame, Paste); // nothing to paste
         EXPECT_TRUE(answering.Boxes().empty());
         ExpectPicture(*frame.image);
-    });
+    }});
 }
 
 TEST(MemoryClip, AllOfTheClipLandsAtTheSelectionsCornerAndOnlyThePictureCutsIt)
 {
     SwitchUndoOn();
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         const Answering answering;
         ASSERT_NO_FATAL_FAILURE(MakeClip(frame, 20, 10, 0x336699));
         const struct {
@@ -283,7 +290,7 @@ TEST(MemoryClip, AllOfTheClipLandsAtTheSelectionsCornerAndOnlyThePictureCutsIt)
         Select(frame, 7, 8, 30, 30);
         Send(frame, Paste);
         ExpectPasted(frame, {7, 8, 7, 8}, 0x336699);
-    });
+    }});
 }
 
 TEST(MemoryClip, TheKeysCopyAndPasteAndTheScreenShowsIt)
@@ -291,29 +298,28 @@ TEST(MemoryClip, TheKeysCopyAndPasteAndTheScreenShowsIt)
     WriteSettings(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\n");
     int left = 0;
     int top = 0;
-    RunOnPicture(std::vector<Step>{
-        [](MainFrame& frame) {
-            Select(frame, 0, 0, 9, 9);
-            TypeKey('C', MK_CONTROL);
-        },
-        [&](MainFrame& frame) {
-            ExpectClip(frame, 0, 0, 10, 10);
-            left = (640 - PictureWidth) / 2;
-            top = static_cast<int>(frame.clientOriginY) + static_cast<int>(-frame.scrollY);
-            Select(frame, 30, 20, 30, 20);
-            TypeKey('V', MK_CONTROL);
-        },
-        [&](MainFrame& frame) {
-            EXPECT_EQ(PixelOf(*frame.image, 34, 23), TestColor(4, 3));
-            EXPECT_EQ(ScreenPixels().At(left + 34, top + 23), TestColor(4, 3));
-            EXPECT_EQ(ScreenPixels().At(left + 40, top + 23), TestColor(40, 23));
-        }});
+    RunAndClear({[](MainFrame& frame) {
+                     Select(frame, 0, 0, 9, 9);
+                     TypeKey('C', MK_CONTROL);
+                 },
+                 [&](MainFrame& frame) {
+                     ExpectClip(frame, 0, 0, 10, 10);
+                     left = (640 - PictureWidth) / 2;
+                     top = static_cast<int>(frame.clientOriginY) + static_cast<int>(-frame.scrollY);
+                     Select(frame, 30, 20, 30, 20);
+                     TypeKey('V', MK_CONTROL);
+                 },
+                 [&](MainFrame& frame) {
+                     EXPECT_EQ(PixelOf(*frame.image, 34, 23), TestColor(4, 3));
+                     EXPECT_EQ(ScreenPixels().At(left + 34, top + 23), TestColor(4, 3));
+                     EXPECT_EQ(ScreenPixels().At(left + 40, top + 23), TestColor(40, 23));
+                 }});
 }
 
 TEST(MemoryClip, OutlivesAnotherPicture)
 {
     const std::string other = WriteTestPng(33, 22, "other.png");
-    RunOnPicture([&](MainFrame& frame) {
+    RunAndClear({[&](MainFrame& frame) {
         const Answering answering;
         Select(frame, 40, 40, 49, 49);
         Send(frame, Copy);
@@ -324,12 +330,12 @@ TEST(MemoryClip, OutlivesAnotherPicture)
         Select(frame, 1, 2, 1, 2);
         Send(frame, Paste);
         EXPECT_EQ(PixelOf(*frame.image, 4, 6), TestColor(43, 44));
-    });
+    }});
 }
 
 TEST(MemoryClip, APictureOfOtherDepthsIsSurvived)
 {
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         const Answering answering;
         for (const u32 depth : {8u, 16u, 32u}) {
             ASSERT_EQ(frame.image->Create(33, 21, depth, nullptr, nullptr), Done);
@@ -340,12 +346,12 @@ TEST(MemoryClip, APictureOfOtherDepthsIsSurvived)
             EXPECT_EQ(InfoOf(*frame.image).depth, depth);
         }
         EXPECT_TRUE(answering.Boxes().empty());
-    });
+    }});
 }
 
 TEST(MemoryClip, CornersThatNoDragLeavesAreSurvived)
 {
-    RunOnPicture([](MainFrame& frame) {
+    RunAndClear({[](MainFrame& frame) {
         const Answering answering(IDNO);
         const f64 far = std::numeric_limits<f64>::infinity();
         const f64 rows[][4] = {{29, 34, 10, 20},   {-5, -5, 4, 4},         {70, 70, 80, 80},
@@ -356,7 +362,7 @@ TEST(MemoryClip, CornersThatNoDragLeavesAreSurvived)
             Send(frame, Paste);
         }
         EXPECT_EQ(InfoOf(*frame.image).width, u32{PictureWidth});
-    });
+    }});
 }
 
 TEST(MemoryClip, WithoutAPictureNothingIsPasted)
