@@ -30,6 +30,9 @@ i32 Raster::TakeFrom(Raster* source)
     i32 status = Create(from.width, 0, from.depth, folders.primary, folders.secondary);
     if (status < 0)
         return status;
+    // A source whose records found no memory can name billions of lines, and has not one.
+    if (from.height > 0 && source->records == 0)
+        return NoMemory;
     const u32 portion = from.height / TakenInPortions;
     for (u32 line = 0; line < from.height;) {
         // A source that could not be made whole names more lines than it has; there can be

@@ -511,6 +511,20 @@ TEST_F(RasterTest, TakeFromARasterNeverCreatedIsRefused)
     EXPECT_EQ(target.TakeFrom(&source), -1);
 }
 
+// It names four billion lines: each of them would be taken over as a blank one.
+TEST_F(RasterTest, TakeFromARasterWhoseRecordsFoundNoMemoryEndsAtOnce)
+{
+    Raster source;
+    Raster target;
+    ASSERT_LT(source.Create(3, 4000000000u, 24, nullptr, nullptr), 0);
+    EXPECT_EQ(target.TakeFrom(&source), NoMemory);
+    RasterInfo info = {};
+    info.size = sizeof info;
+    EXPECT_EQ(target.GetInfo(&info), Done);
+    EXPECT_EQ(info.width, 3u);
+    EXPECT_EQ(info.height, 0u);
+}
+
 TEST_F(RasterTest, ARasterCanBeCreatedAgainAndAgain)
 {
     CountingAllocator memory;
