@@ -1,6 +1,7 @@
 // New: a blank picture in place of the one there is, of the size of what could be pasted into it.
 
 #include "resources/Ids.h"
+#include "shell/DibSize.h"
 #include "shell/MainFrame.h"
 #include "view/NewDialog.h"
 
@@ -15,21 +16,14 @@ u32 FillColor(u32 background)
     return background < 3 ? fillColors[background] : fillColors[0];
 }
 
-/// The size of the picture on the clipboard, if it offers one. Other programs put it there: it is
-/// read only as far as it goes, and a width below zero is none.
+/// The size of the picture on the clipboard, if it offers one.
 void ReadClipboardSize(HWND owner, RasterInfo* info)
 {
     if (!OpenClipboard(owner))
         return;
     const HANDLE block = GetClipboardData(CF_DIB);
-    if (block != nullptr && LocalSize(block) >= sizeof(BITMAPINFOHEADER)) {
-        const auto& header = *static_cast<const BITMAPINFOHEADER*>(block);
-        const u32 height = static_cast<u32>(header.biHeight);
-        if (header.biWidth >= 0) {
-            info->width = static_cast<u32>(header.biWidth);
-            info->height = header.biHeight < 0 ? 0 - height : height; // its lines run downwards
-        }
-    }
+    if (block != nullptr)
+        (void)ReadDibSize(block, LocalSize(block), &info->width, &info->height);
     CloseClipboard();
 }
 
