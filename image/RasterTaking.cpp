@@ -35,10 +35,6 @@ i32 Raster::TakeFrom(Raster* source)
         return NoMemory;
     const u32 portion = from.height / TakenInPortions;
     for (u32 line = 0; line < from.height;) {
-        // A source that could not be made whole names more lines than it has; there can be
-        // billions.
-        if (source->records == 0 || (source->lineCount == 0 && !source->swapped[0]))
-            return NoMemory;
         const u32 removable = from.height - 1 - line;
         u32 taken = 0;
         status = Done;
