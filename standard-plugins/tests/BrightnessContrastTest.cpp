@@ -163,10 +163,14 @@ TEST_F(BrightnessContrast, FailuresAreTold)
     EXPECT_EQ(Process(&deep), -1);
     EXPECT_EQ(OnlyMessage(), u"変更できるのは 24 ビットの画像だけです。");
     EXPECT_EQ(CurrentWriterHost().captions.back(), u"明るさとコントラスト");
-    PretendMemory(1000);
-    Raster paged;
-    Fill(&paged, 30, 60, 24, Wild);
-    FailLineFilesFrom(20);
-    EXPECT_EQ(Process(&paged), -101);
-    EXPECT_EQ(OnlyMessage(), noLineTextJapanese);
+    // A single line that is lost is a failure too.
+    for (const bool onward : {true, false}) {
+        PretendMemory(1000);
+        Raster paged;
+        Fill(&paged, 30, 60, 24, Wild);
+        FailLineFilesFrom(20, onward);
+        EXPECT_EQ(Process(&paged), -101);
+        tavrix::testing::SetFileFault(nullptr);
+        EXPECT_EQ(OnlyMessage(), noLineTextJapanese);
+    }
 }

@@ -146,16 +146,16 @@ TEST(Changing, ThePictureAndASelectionAreBlurredAndTakenBack)
                     },
                     TakeBack,
                     [&](MainFrame& frame) {
+                        Choose(frame, frame.effectMenu, u"Gaussian Blur...",
+                               [](HWND) { TypeKey(VK_ESCAPE); });
+                        ExpectPicture(frame, {}, nullptr, 0);
+                    },
+                    [&](MainFrame& frame) {
                         Select(frame, Selected);
                         Choose(frame, frame.effectMenu, u"Gaussian Blur...", type);
                         ExpectPicture(frame, Selected, Blurred, allowed);
                     },
-                    TakeBack,
-                    [&](MainFrame& frame) {
-                        Choose(frame, frame.effectMenu, u"Gaussian Blur...",
-                               [](HWND) { TypeKey(VK_ESCAPE); });
-                        ExpectPicture(frame, {}, nullptr, 0);
-                    }});
+                    TakeBack});
 }
 
 TEST(Changing, ThePictureAndASelectionAreMadeBrighterAndTakenBack)

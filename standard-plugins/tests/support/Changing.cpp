@@ -54,13 +54,16 @@ size_t LineFiles()
     return count;
 }
 
-void FailLineFilesFrom(int attempt)
+void FailLineFilesFrom(int attempt, bool onward)
 {
     const auto left = std::make_shared<int>(attempt);
     tavrix::testing::SetFileFault(
-        [left](tavrix::platform::FileOperation operation, const WCHAR* path, DWORD*) {
-            return operation == tavrix::platform::FileOperation::Write &&
-                   std::u16string(path).starts_with(u"\\Temp\\") && --*left < 0;
+        [left, onward](tavrix::platform::FileOperation operation, const WCHAR* path, DWORD*) {
+            if (operation != tavrix::platform::FileOperation::Write ||
+                !std::u16string(path).starts_with(u"\\Temp\\"))
+                return false;
+            --*left;
+            return onward ? *left < 0 : *left == -1;
         });
 }
 

@@ -92,8 +92,8 @@ private:
     i32 found = 0;
 };
 
-/// Of the writes of lines' files the n-th fails, and all behind it.
-void FailLineFilesFrom(int attempt);
+/// Of the writes of lines' files the n-th fails, and all behind it or none of them.
+void FailLineFilesFrom(int attempt, bool onward = true);
 
 constexpr const char16_t* noLineText =
     u"A line of the picture cannot be had; memory or temporary space is short.";
