@@ -29,12 +29,15 @@ void ReverseLines(MainFrame& frame)
               TEXT("メモリ、および作業用ストレージが不足しました。リロードを行ってください。"));
 }
 
-// Each pair for itself: one that cannot be exchanged does not stop the others.
+// Lines that are not there cannot be exchanged, and the others are all the same. From the middle
+// outwards, since what is missing is at the end: of a picture that could not be made whole, which
+// names up to billions of lines, the first failure is the last pair that has to be tried.
 void ReverseOrder(Raster& image)
 {
     const u32 height = InfoOf(image).height;
-    for (u32 i = 0; i < height / 2; ++i)
-        (void)image.SwapLines(static_cast<i32>(i), static_cast<i32>(height - 1 - i));
+    for (u32 i = height / 2; i > 0; --i)
+        if (image.SwapLines(static_cast<i32>(i - 1), static_cast<i32>(height - i)) < Done)
+            return;
 }
 
 /// The picture with rows and columns exchanged, which is the caller's. Null after telling why not.
