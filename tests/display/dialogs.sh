@@ -41,7 +41,7 @@ differs() {
 # some where the program is slower than the keys.)
 type_text() {
     if [[ $1 == *[!\ -~]* ]]; then
-        printf %s "$1" | xclip -selection clipboard
+        printf %s "$1" | xclip -selection clipboard >/dev/null 2>&1
         xdotool key ctrl+v
     else
         xdotool type --delay 60 "$1"
