@@ -233,8 +233,9 @@ TEST_F(TextTest, BeforeTheLettersThereIsNoInk)
         const size_t rowBytes = static_cast<size_t>(width + 3) / 4 * 4;
         ASSERT_EQ(found.size(), rowBytes * 16);
         for (size_t i = 0; i < found.size(); ++i) {
-            if (i % rowBytes < static_cast<size_t>(width))
+            if (i % rowBytes < static_cast<size_t>(width)) {
                 EXPECT_EQ(found[i], 0) << width << ": " << i;
+            }
         }
     }
 }
@@ -292,6 +293,8 @@ TEST_F(TextTest, CornersOutOfOrderAndSizesOfNoBitmapFail)
     Twin twin(8, 6, 24, 5);
     for (const PixelRect at :
          {PixelRect{5, 1, 4, 3}, PixelRect{1, 4, 3, 3}, PixelRect{7, 5, 0, 0},
+          // So far out of order that the difference comes round.
+          PixelRect{0x7FFFFFFF, 0, -0x7FFFFFFF - 1, 0}, PixelRect{0, 0x7FFFFFFF, 0, -0x7FFFFFFF},
           PixelRect{0, 0, 0x10000000, 0}, PixelRect{0, 0, 0, 0x10000000},
           PixelRect{0, 0, 0x0FFFFFFE, 8}, PixelRect{0, 0, 0x7FFFFFFF, 0x7FFFFFFF},
           PixelRect{-0x7FFFFFFF, -0x7FFFFFFF, 0x7FFFFFFF, 0x7FFFFFFF}}) {
