@@ -560,14 +560,13 @@ TEST_F(EditControl, EnterEndsALineInADialogOnlyWhereSeveralLinesAskedForIt)
             TypeKey('A');
             TypeKey(VK_RETURN);
             EXPECT_EQ(ControlText(dialog, row.id), row.takes ? u"a\r\n" : u"a") << row.id;
-            EXPECT_EQ(IsWindowVisible(dialog), row.takes) << row.id;
-            EndDialog(dialog, 7);
+            PostMessageW(dialog, WM_COMMAND, 7, 0);
         });
         const INT_PTR result = DialogBoxIndirectParamW(
             ControlResources(), DialogResource(231), parent.handle,
             [](HWND dialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
-                if (message == WM_COMMAND && wParam == IDOK)
-                    EndDialog(dialog, IDOK);
+                if (message == WM_COMMAND && (wParam == IDOK || wParam == 7))
+                    EndDialog(dialog, static_cast<INT_PTR>(wParam));
                 return message == WM_INITDIALOG;
             },
             0);
@@ -585,15 +584,16 @@ TEST_F(EditControl, EscAndTabStayTheDialogsWhereEnterIsTheTexts)
         EXPECT_EQ(GetFocus(), GetDlgItem(dialog, 1311));
         TypeKey(VK_TAB, MK_SHIFT);
         TypeKey(VK_ESCAPE);
+        PostMessageW(dialog, WM_COMMAND, 7, 0);
     });
     EXPECT_EQ(DialogBoxIndirectParamW(
                   ControlResources(), DialogResource(231), parent.handle,
                   [](HWND dialog, UINT message, WPARAM wParam, LPARAM) -> INT_PTR {
-                      if (message == WM_COMMAND && wParam == IDCANCEL)
-                          EndDialog(dialog, 9);
+                      if (message == WM_COMMAND && (wParam == IDCANCEL || wParam == 7))
+                          EndDialog(dialog, static_cast<INT_PTR>(wParam));
                       return message == WM_INITDIALOG;
                   },
                   0),
-              9);
+              IDCANCEL);
     OnModal({});
 }
