@@ -52,7 +52,7 @@ public:
     static inline HWND waited = nullptr; // the dialog
 
 private:
-    static constexpr UINT Milliseconds = 5000;
+    static constexpr UINT Milliseconds = 60000; // a loaded machine takes its time
     static void CALLBACK Give(HWND, UINT, UINT_PTR, DWORD)
     {
         ADD_FAILURE() << "the dialog does not end";

@@ -196,6 +196,7 @@ TEST_F(EditLetters, DrawPushesTheSizeTheTextAndTheFont)
 
 TEST_F(EditLetters, GivingUpPushesNothing)
 {
+    fonts.made = {{u"Aspen", 4}};
     const std::function<void(const Dialog&)> ways[] = {
         [](const Dialog& dialog) { ClickControl(dialog.window, 2); },
         [](const Dialog& dialog) { PostMessageW(dialog.window, WM_COMMAND, 2, 0); },
