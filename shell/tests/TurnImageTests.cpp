@@ -326,52 +326,6 @@ TEST(TurnImage, AQuarterThatFailsOnALineIsToldInBothLanguagesAndLeavesThePicture
     });
 }
 
-// What the picture names and what it has differ where memory ran out while it was made. Held
-// against the walk over all pairs.
-TEST(TurnImage, OfAPictureThatWasNotMadeWholeTheLinesThatAreThereChangePlaces)
-{
-    Scope scope;
-    RunOnPicture([](MainFrame& frame) {
-        const auto make = [](Raster& raster, u32 height, int allowed) {
-            int left = allowed;
-            SetAllocationFault([&](SIZE_T) { return left-- <= 0; });
-            const i32 made = raster.Create(2, height, 24, nullptr, nullptr);
-            SetAllocationFault(nullptr);
-            for (u32 y = 0; y < height; ++y) {
-                u8* row = nullptr;
-                if (raster.LockLines(static_cast<i32>(y), &row, nullptr) == Done)
-                    row[0] = static_cast<u8>(y + 1);
-            }
-            return made;
-        };
-        const auto marks = [](Raster& raster, u32 height) {
-            std::vector<int> found;
-            for (u32 y = 0; y < height; ++y) {
-                u8* row = nullptr;
-                const bool there = raster.LockLines(static_cast<i32>(y), &row, nullptr) == Done;
-                found.push_back(there ? row[0] : -1);
-            }
-            return found;
-        };
-        int broken = 0;
-        for (const u32 height : {8u, 9u})
-            for (int allowed = 0; allowed < 40; ++allowed) {
-                SCOPED_TRACE(::testing::Message() << height << ", " << allowed);
-                Raster plain;
-                broken += make(plain, height, allowed) < Done;
-                (void)make(*frame.image, height, allowed);
-                ASSERT_EQ(marks(*frame.image, height), marks(plain, height));
-                for (u32 i = 0; i < height / 2; ++i)
-                    (void)plain.SwapLines(static_cast<i32>(i), static_cast<i32>(height - 1 - i));
-                const Answering answering;
-                Send(frame, Vertical);
-                EXPECT_TRUE(answering.Boxes().empty());
-                EXPECT_EQ(marks(*frame.image, height), marks(plain, height));
-            }
-        EXPECT_GT(broken, 10);
-    });
-}
-
 TEST(TurnImage, OfBillionsOfLinesThatAreNotThereNoneIsWaitedFor)
 {
     Scope scope;
