@@ -246,11 +246,12 @@ TEST(NewImage, APictureBeyondAllMemoryIsSurvivedByTheViewTheToolsAndTheRest)
         const struct {
             u32 width;
             u32 height;
-        } sizes[] = {{4000000000u, 3},           {3, 4000000000u}, {4000000000u, 4000000000u},
-                     {4294967295u, 4294967295u}, {20000000, 2},    {100000, 100000}};
+        } sizes[] = {{4000000000u, 3}, {3, 4000000000u}, {1000, 900}};
         for (const auto& size : sizes) {
             SCOPED_TRACE(size.width);
-            SetFreeMemory(0xA0000); // no line finds room
+            // No line finds room. What the hook reports does not shrink, so that a size which the
+            // snapshot below could really be asked for has to be a small one.
+            SetFreeMemory(0xA0000);
             MemoryGauge::Sample();
             sizer.Enter(size.width, size.height);
             sizer.end = IDOK;
