@@ -21,7 +21,7 @@ constexpr u32 height = 211;
 /// A writer and how it is set.
 struct Form {
     const char* name;
-    const char* library;
+    const char* pluginFile;
     const char* file;
     const char16_t* setting; // set to 1
     const char16_t* caption;
@@ -92,7 +92,7 @@ protected:
         std::filesystem::remove(folder / "first");
     }
 
-    void Start(u32 language) { Load(GetParam().library, language); }
+    void Start(u32 language) { Load(GetParam().pluginFile, language); }
 
     void ExpectUntouched(const std::string& what)
     {
