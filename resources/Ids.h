@@ -43,6 +43,8 @@
 #define DialogPrintEnglish 172
 #define DialogClipboardJapanese 173
 #define DialogClipboardEnglish 174
+#define DialogUrlJapanese 175
+#define DialogUrlEnglish 176
 #define DialogAboutJapanese 177
 
 /* Controls of the progress dialog. */
@@ -67,6 +69,9 @@
 #define ControlAboutAddress 1007
 #define ControlPaletteState 1085
 #define ControlPaletteRefresh 1086
+
+/* Control of the dialog for an address. */
+#define ControlUrl 1087
 
 /* Controls of the dialogs about a picture's size: New, Size and Resolution. */
 #define ControlWidth 1005

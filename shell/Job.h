@@ -6,6 +6,7 @@
 // modal loop, and that alone keeps commands away from the picture and the plugin.
 #pragma once
 
+#include "foundation/BlockStream.h"
 #include "foundation/Stream.h"
 #include "image/Raster.h"
 #include "plugin/AdjustPlugin.h"
@@ -40,6 +41,11 @@ struct LoadArguments {
     const WCHAR* path; // always null: the plugin reads the stream
     Stream* stream;
     Raster* target;
+};
+
+/// The arguments of JobReceive.
+struct ReceiveArguments {
+    BlockStream* destination; // takes the object and its name
 };
 
 /// The arguments of JobSave and JobVirtualSave.

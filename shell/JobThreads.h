@@ -6,6 +6,8 @@
 #include <windows.h>
 
 DWORD WINAPI LoadJobThread(LPVOID parameter);
+/// Receives an object; waits no moment first.
+DWORD WINAPI ReceiveJobThread(LPVOID parameter);
 DWORD WINAPI SaveJobThread(LPVOID parameter);
 /// Tells the sizes in a message box on the dialog before it ends.
 DWORD WINAPI VirtualSaveJobThread(LPVOID parameter);

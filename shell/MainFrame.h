@@ -163,10 +163,17 @@ public:
     /// Opens the plugin information dialog.
     void ShowPlugins();
 
-    // Opening (shell/OpenImages.cpp, OpenAs.cpp, Reload.cpp). Paths are device paths.
+    // Opening (shell/OpenImages.cpp, OpenAs.cpp, OpenUrl.cpp, OpenIrObex.cpp, Reload.cpp). Paths are
+    // device paths.
     /// Null asks the user for a file. Otherwise opens what the command line or a hand-over names;
     /// silent when it cannot be opened or no plugin's patterns hold its extension.
     void OpenFile(const WCHAR* path);
+    /// A picture from a web server, decoded while it comes. Asks for the address, unless `reload`
+    /// is 1: then the last one is fetched again. The opened path stays as it is.
+    void OpenUrl(i32 reload);
+    /// A picture that another device sends. Waits for it, then decodes it. The opened path stays as
+    /// it is.
+    void OpenIrObex();
     /// Reads the picture again from where it came: the file, the address, or anew.
     void ReloadOpened();
     /// Reads the file that was last written.

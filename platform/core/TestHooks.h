@@ -17,6 +17,20 @@ namespace tavrix::platform
 /// which a replaced file (Replacement.h) takes its place.
 enum class FileOperation { Create, Open, Read, Write, Sync, Rename, SyncFolder };
 
+/// The calls on sockets that a test can make fail.
+enum class SocketOperation {
+    Create,
+    Option,
+    Name,    // the own address
+    Resolve, // the address behind a host's name
+    Bind,
+    Listen,
+    Accept,
+    Connect,
+    Send,
+    Receive
+};
+
 struct TestHooks {
     std::mutex lock;                             // guards every field that is not atomic
     std::atomic<bool> active{false};             // false: nobody looks further
@@ -37,6 +51,9 @@ struct TestHooks {
     std::function<bool(SIZE_T size)> allocationFault;
     /// Asked before each thread is made: true lets it fail. Called under the lock.
     std::function<bool()> threadFault;
+    /// Asked before each call on a socket: true lets it fail. `*length` is the number of bytes to
+    /// send or to receive at most, and can be lowered; null for other calls. Called under the lock.
+    std::function<bool(SocketOperation, int* length)> socketFault;
     /// Counts what the program asked for.
     std::atomic<unsigned> idleTimerResets{0};
     std::atomic<unsigned> beeps{0};

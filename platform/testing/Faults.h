@@ -32,7 +32,8 @@ enum class FaultKind {
     ShortRead,  // one byte fewer than there are
     Write,      // nothing is written
     ShortWrite, // one byte fewer
-    Thread      // making a thread
+    Thread,     // making a thread
+    Socket      // a call on a socket
 };
 
 /// How far a fault reaches: the n-th operation of its kind alone, or all from there on.

@@ -39,6 +39,8 @@ void SetAllocationFault(std::function<bool(SIZE_T size)> fault);
 
 /// Asked before each thread is made.
 void SetThreadFault(std::function<bool()> fault);
+/// Asked before each call on a socket (see TestHooks::socketFault).
+void SetSocketFault(std::function<bool(platform::SocketOperation, int* length)> fault);
 
 /// The host path behind a device path, in UTF-8, for looking from outside. Empty when it has none.
 std::string HostPath(const WCHAR* devicePath);

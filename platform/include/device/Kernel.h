@@ -129,6 +129,10 @@ CE_API HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stackSi
                                   LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD flags,
                                   LPDWORD threadId);
 CE_API BOOL WINAPI GetExitCodeThread(HANDLE thread, LPDWORD exitCode);
+/// Ends a thread that waits in a call of this interface: on a socket, an object or the clock. It
+/// runs no code of its own any more, not even destructors. A thread that is at work goes on to its
+/// next such call or its end; the caller waits for that, five seconds at most, then FALSE.
+CE_API BOOL WINAPI TerminateThread(HANDLE thread, DWORD exitCode);
 CE_API DWORD WINAPI GetCurrentThreadId(void);
 CE_API DWORD WINAPI GetCurrentProcessId(void);
 CE_API DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds);
@@ -137,6 +141,14 @@ CE_API HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manualRes
 CE_API HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL initialOwner, LPCWSTR name);
 CE_API BOOL WINAPI ReleaseMutex(HANDLE mutex);
 CE_API void WINAPI Sleep(DWORD milliseconds);
+/// A lock of this process that its holder may take again.
+typedef struct _CRITICAL_SECTION {
+    ULONG_PTR reserved[8];
+} CRITICAL_SECTION, *LPCRITICAL_SECTION;
+CE_API void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION section);
+CE_API void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION section);
+CE_API void WINAPI EnterCriticalSection(LPCRITICAL_SECTION section);
+CE_API void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION section);
 
 // Processes. A program is a file by its device path; with CREATE_SUSPENDED it begins only at
 // ResumeThread on the record's thread.

@@ -135,6 +135,10 @@ ArmedFault::ArmedFault(FaultKind faultKind, unsigned faultNumber, FaultReach rea
         SetAllocationFault([number = number, reach](SIZE_T) { return Fires(number, reach); });
     else if (kind == FaultKind::Thread)
         SetThreadFault([number = number, reach] { return Fires(number, reach); });
+    else if (kind == FaultKind::Socket)
+        SetSocketFault([number = number, reach](platform::SocketOperation, int*) {
+            return Fires(number, reach);
+        });
     else
         ArmFile(kind, number, reach);
 }
@@ -145,6 +149,8 @@ void ArmedFault::Disarm()
         SetAllocationFault(nullptr);
     else if (kind == FaultKind::Thread)
         SetThreadFault(nullptr);
+    else if (kind == FaultKind::Socket)
+        SetSocketFault(nullptr);
     else
         SetFileFault(nullptr);
 }

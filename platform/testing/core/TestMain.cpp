@@ -31,9 +31,9 @@ void MakeHome()
 void SetSurroundings()
 {
     for (const char* name : {"TAVRIX_SCREEN", "TAVRIX_LANG", "TAVRIX_MEMORY", "TAVRIX_STORAGE_CARD",
-                             "TAVRIX_SHOT", "TAVRIX_FULLSCREEN", "TAVRIX_STARTUP_LOG", "DISPLAY",
-                             "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "QT_SCALE_FACTOR",
-                             "QT_FONT_DPI", "QT_AUTO_SCREEN_SCALE_FACTOR"})
+                             "TAVRIX_IR", "TAVRIX_SHOT", "TAVRIX_FULLSCREEN", "TAVRIX_STARTUP_LOG",
+                             "DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS",
+                             "QT_SCALE_FACTOR", "QT_FONT_DPI", "QT_AUTO_SCREEN_SCALE_FACTOR"})
         unsetenv(name);
     setenv("HOME", home.c_str(), 1);
     setenv("XDG_DATA_HOME", (home / "data").c_str(), 1);

@@ -56,6 +56,7 @@ void Reset()
     hooks.fileFault = nullptr;
     hooks.allocationFault = nullptr;
     hooks.threadFault = nullptr;
+    hooks.socketFault = nullptr;
     hooks.diskSpace.reset();
     hooks.modalStarted = nullptr;
     hooks.idleTimerResets = 0;
@@ -104,6 +105,11 @@ void SetAllocationFault(std::function<bool(SIZE_T size)> fault)
 void SetThreadFault(std::function<bool()> fault)
 {
     Bend([&fault](platform::TestHooks& hooks) { hooks.threadFault = std::move(fault); });
+}
+
+void SetSocketFault(std::function<bool(platform::SocketOperation, int* length)> fault)
+{
+    Bend([&fault](platform::TestHooks& hooks) { hooks.socketFault = std::move(fault); });
 }
 
 void SetDiskSpace(unsigned long long bytes)
