@@ -1,6 +1,8 @@
 // A time-out of the interface as a point of the host's steady clock.
 #pragma once
 
+#include "platform/core/ThreadEnding.h"
+
 #include <windows.h>
 
 #include <chrono>
@@ -23,15 +25,21 @@ public:
 
     bool HasPassed() const { return end && std::chrono::steady_clock::now() >= *end; }
 
-    /// Waits until `ready` answers true; false when the time came first.
+    /// Waits until `ready` answers true; false when the time came first, or the thread's end.
     template <class Ready>
     bool WaitOn(std::condition_variable& condition, std::unique_lock<std::mutex>& held,
                 Ready ready) const
     {
+        ThreadEnding* const ending = ThreadEnding::Current();
+        const ThreadEnding::Place place(ending, &condition);
+        const auto over = [ending, &ready] {
+            return ready() || (ending != nullptr && ending->IsAsked());
+        };
         if (end)
-            return condition.wait_until(held, *end, ready);
-        condition.wait(held, ready);
-        return true;
+            condition.wait_until(held, *end, over);
+        else
+            condition.wait(held, over);
+        return ready();
     }
 
 private:

@@ -3,6 +3,7 @@
 #include "platform/core/Deadline.h"
 #include "platform/core/HandleTable.h"
 #include "platform/core/TestHooks.h"
+#include "platform/core/ThreadEnding.h"
 
 #include <pthread.h>
 #include <unistd.h>
@@ -74,16 +75,32 @@ public:
         return finished ? exitCode : STILL_ACTIVE;
     }
 
+    /// Asks the thread to end until it has; false when it goes on for too long.
+    bool End(DWORD code)
+    {
+        const Deadline deadline(EndPatience);
+        for (;;) {
+            ending.Ask(code);
+            if (Wait(EndBeat) == WAIT_OBJECT_0)
+                return true;
+            const ThreadEnding* const own = ThreadEnding::Current();
+            if (deadline.HasPassed() || (own != nullptr && own->IsAsked()))
+                return false;
+        }
+    }
+
     const DWORD id = NextThreadId();
 
 private:
+    enum : DWORD { EndPatience = 5000, EndBeat = 10 }; // milliseconds
+
     static void* Run(void* reference)
     {
         const std::unique_ptr<std::shared_ptr<ThreadObject>> owned(
             static_cast<std::shared_ptr<ThreadObject>*>(reference));
         ThreadObject& self = **owned;
         currentThreadId = self.id;
-        const DWORD code = self.start(self.parameter);
+        const DWORD code = self.ending.Run(self.start, self.parameter);
         const std::lock_guard<std::mutex> held(self.lock);
         self.exitCode = code;
         self.finished = true;
@@ -93,6 +110,7 @@ private:
 
     LPTHREAD_START_ROUTINE start;
     LPVOID parameter;
+    ThreadEnding ending;
     pthread_t thread{};
     bool started = false; // the creator's and the destructor's alone
     std::mutex lock;      // guards what follows
@@ -109,6 +127,20 @@ bool IsThreadFaulty()
         return false;
     const std::lock_guard<std::mutex> guard(hooks.lock);
     return hooks.threadFault && hooks.threadFault();
+}
+
+BOOL EndThread(HANDLE handle, DWORD exitCode)
+{
+    const std::shared_ptr<ThreadObject> thread = FindObjectAs<ThreadObject>(handle);
+    if (thread == nullptr) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    if (!thread->End(exitCode)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    }
+    return TRUE;
 }
 
 } // namespace
@@ -153,6 +185,13 @@ BOOL WINAPI GetExitCodeThread(HANDLE handle, LPDWORD exitCode)
     return TRUE;
 }
 
+BOOL WINAPI TerminateThread(HANDLE handle, DWORD exitCode)
+{
+    const BOOL ended = EndThread(handle, exitCode);
+    ThreadEnding::EndIfAsked(); // the caller itself
+    return ended;
+}
+
 DWORD WINAPI GetCurrentThreadId(void)
 {
     if (currentThreadId == 0)
@@ -167,11 +206,15 @@ DWORD WINAPI GetCurrentProcessId(void)
 
 void WINAPI Sleep(DWORD milliseconds)
 {
+    ThreadEnding* const ending = ThreadEnding::Current();
     if (milliseconds == 0)
         std::this_thread::yield();
+    else if (ending != nullptr)
+        ending->Sleep(milliseconds);
     else if (milliseconds == INFINITE)
         for (;;)
             pause();
     else
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    ThreadEnding::EndIfAsked();
 }

@@ -71,13 +71,11 @@ struct hostent {
 #define SOL_SOCKET 0xFFFF
 #define SO_REUSEADDR 0x0004
 #define SO_KEEPALIVE 0x0008
-#define SO_BROADCAST 0x0020
 #define SO_LINGER 0x0080
 #define SO_SNDBUF 0x1001
 #define SO_RCVBUF 0x1002
 #define SO_SNDTIMEO 0x1005 // milliseconds, DWORD
 #define SO_RCVTIMEO 0x1006
-#define SO_ERROR 0x1007
 #define SO_TYPE 0x1008
 #define SOMAXCONN 5
 
@@ -94,7 +92,7 @@ CE_API SOCKET WINAPI accept(SOCKET socket, struct sockaddr* address, int* length
 CE_API int WINAPI connect(SOCKET socket, const struct sockaddr* address, int length)
     CE_SOCKET_NAME(connect);
 CE_API int WINAPI shutdown(SOCKET socket, int how) CE_SOCKET_NAME(shutdown);
-/// Sends all of the buffer, or less only where a time-out or an error comes first.
+/// Sends all of the buffer, and less only where a time-out comes first.
 CE_API int WINAPI send(SOCKET socket, const char* buffer, int length, int flags)
     CE_SOCKET_NAME(send);
 CE_API int WINAPI recv(SOCKET socket, char* buffer, int length, int flags) CE_SOCKET_NAME(recv);
