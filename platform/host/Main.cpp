@@ -30,6 +30,8 @@ void PrintHelp()
                  "  TAVRIX_LANG=ja|en       language, else the locale's\n"
                  "  TAVRIX_MEMORY=16M       memory that the device pretends to have\n"
                  "  TAVRIX_STORAGE_CARD=DIR second folder for pictures that do not fit\n"
+                 "  TAVRIX_IR=tcp:PORT      where devices send objects to: also tcp,\n"
+                 "                          tcp:ADDRESS:PORT or unix:PATH\n"
                  "  TAVRIX_SHOT=FILE.png    write a picture of the device screen and end\n";
 }
 
