@@ -14,18 +14,21 @@ public:
     /// Takes over an accepted handle.
     explicit IrdaSocket(SOCKET accepted);
 
+    // BadArgument for null.
+
     [[nodiscard]] i32 Bind(const char* serviceName);
     /// `deviceId` has 4 bytes.
     [[nodiscard]] i32 Connect(const u8* deviceId, const char* serviceName);
     /// With a backlog of 2.
     [[nodiscard]] i32 Listen();
-    /// BadArgument for null. The caller deletes the new object.
+    /// The caller deletes the new object.
     [[nodiscard]] i32 Accept(IrdaSocket** accepted);
-    /// BadArgument for null; else as Socket::AcceptAsync.
+    /// Else as Socket::AcceptAsync.
     [[nodiscard]] i32 AcceptAsync(SOCKET* accepted);
 
     /// The first device in range: its 4 bytes of id, and its name, at most `capacity` - 1
-    /// characters. NothingDone when there is none; the name is then left alone. BadArgument.
+    /// characters. NothingDone when there is none; the name is then left alone. BadArgument for
+    /// null and for a capacity of 0.
     [[nodiscard]] i32 GetFirstDevice(u8* deviceId, WCHAR* name, u32 capacity);
     /// The same without the id. On a connected socket the first device is the peer.
     [[nodiscard]] i32 GetPeerName(WCHAR* name, u32 capacity);

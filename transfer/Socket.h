@@ -2,7 +2,8 @@
 // runs on a thread of its own, reports through an event, and is ended with its thread when it is no
 // longer wanted. The object owns the handle. Made and destroyed on one thread at a time; between
 // starting an asynchronous accept and seeing it completed the owner touches neither the caller's
-// handle word nor the socket.
+// handle word nor the socket. A connection is the caller's once IsCompleted has told of it; one
+// that an accept brings in the moment in which it is given up is nobody's and is closed.
 //
 // No error number of the device is kept: every failure is a result code.
 #pragma once
@@ -11,6 +12,8 @@
 #include "foundation/Result.h"
 
 #include <winsock.h>
+
+#include <atomic>
 
 class Socket
 {
@@ -50,8 +53,9 @@ public:
     /// null `accepted`, and when the object cannot be made.
     [[nodiscard]] i32 Accept(sockaddr* address, i32* length, Socket** accepted);
     /// Starts to wait on a thread of its own and returns. What the arguments point to must live
-    /// until the end is seen by IsCompleted, or until Close. Failed for a null `accepted`, with the
-    /// last one uncollected, and without a thread; one that still runs is given up.
+    /// until the end is seen by IsCompleted, or until the call is given up. Failed for a null
+    /// `accepted`, with the last one uncollected, and without a thread; one that still runs is
+    /// given up.
     [[nodiscard]] i32 AcceptAsync(sockaddr* address, i32* length, SOCKET* accepted);
 
     /// `*sent`, which may be null, is the number of bytes sent.
@@ -70,21 +74,22 @@ public:
 
 private:
     void Prepare();
-    [[nodiscard]] i32 Guard();
+    [[nodiscard]] i32 Guard(SOCKET* accepted);
     void EndWorker();
+    void DropUnseen();
     static DWORD WINAPI AcceptWorker(LPVOID parameter);
 
     // What the worker reads. The first, second and last pointers never change.
     struct AcceptCall {
-        SOCKET* handle;
+        const std::atomic<SOCKET>* handle;
         Event* completed;
-        SOCKET* accepted;
+        SOCKET* accepted; // null once the end was seen: from then on the word is the caller's alone
         sockaddr* address;
         i32* length;
         i32* result;
     };
 
-    SOCKET handle;
+    std::atomic<SOCKET> handle; // a worker that only begins may look at it while it is closed
     HANDLE workerThread;
     i32 workerResult;
     Event completed;

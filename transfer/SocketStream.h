@@ -1,7 +1,8 @@
 // A TCP connection as a stream: no name, no size, no position. Calls block, or run each on a thread
 // of its own once EnableAsync was called: then they return at once, IsCompleted and GetResult tell
-// the end, and what the arguments point to must live until then or until Close. One call at a time.
-// A closed stream is not opened again.
+// the end, and what the arguments point to must live until then or until the call is given up. One
+// call at a time. What a call leaves behind in the moment in which it is given up is nobody's, a
+// connection included. A closed stream is not opened again.
 #pragma once
 
 #include "foundation/Stream.h"
@@ -27,7 +28,8 @@ public:
     i32 GetReceiveTimeout() const { return receiveTimeout; }
     /// From now on Send, Recv and Accept do not block. Done.
     i32 EnableAsync();
-    /// Failed when not asynchronous; else as Socket::IsCompleted for the last call.
+    /// Failed when not asynchronous; else as Socket::IsCompleted for the last call, also when
+    /// closed.
     [[nodiscard]] i32 IsCompleted(i32 reset);
     /// What the last completed asynchronous call gave.
     i32 GetResult() const { return workerResult; }
@@ -46,7 +48,8 @@ public:
 
     // Failed with the last asynchronous call uncollected; one that still runs is given up.
 
-    /// `sent` may be null. Asynchronous: Done once the thread runs, Failed without one.
+    /// `sent` may be null. Asynchronous: Done once the thread runs, also on a closed stream, of
+    /// which GetResult then tells; Failed without one.
     [[nodiscard]] i32 Send(const void* buffer, u32 length, u32* sent);
     /// `got` may be null: 0 bytes with Done mean that the peer has closed.
     [[nodiscard]] i32 Recv(void* buffer, u32 length, u32* got);
@@ -75,12 +78,16 @@ private:
         u32 length;
         u32* count;
         sockaddr_in* address;
-        SocketStream** accepted;
+        SocketStream** accepted; // null once the end was seen: then the word is the caller's alone
         i32* result;
     };
 
+    void Prepare();
+    void ClearAddress();
+    void FillAddress(u32 hostAddress, u16 port);
     [[nodiscard]] i32 Guard();
     void EndWorker();
+    void DropUnseen();
     [[nodiscard]] i32 Start(LPTHREAD_START_ROUTINE worker);
     static DWORD WINAPI SendWorker(LPVOID parameter);
     static DWORD WINAPI RecvWorker(LPVOID parameter);
