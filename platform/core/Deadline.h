@@ -35,10 +35,10 @@ public:
         const auto over = [ending, &ready] {
             return ready() || (ending != nullptr && ending->IsAsked());
         };
-        if (end)
-            condition.wait_until(held, *end, over);
-        else
+        if (!end)
             condition.wait(held, over);
+        else if (!HasPassed()) // the host takes its time to find out
+            condition.wait_until(held, *end, over);
         return ready();
     }
 
