@@ -285,11 +285,14 @@ SOCKET WINAPI accept(SOCKET socket, sockaddr* address, int* length)
 {
     const SOCKET accepted =
         WithoutThrowing(INVALID_SOCKET, [&] { return AcceptOn(socket, address, length); });
-    // Nobody would learn of a connection that comes together with the thread's end.
+    // Nobody would learn of a connection that comes together with the thread's end. One look for
+    // both: a thread that is asked behind it goes on to its next call, with the connection.
     const ThreadEnding* const ending = ThreadEnding::Current();
-    if (accepted != INVALID_SOCKET && ending != nullptr && ending->IsAsked())
-        closesocket(accepted);
-    ThreadEnding::EndIfAsked();
+    if (ending != nullptr && ending->IsAsked()) {
+        if (accepted != INVALID_SOCKET)
+            closesocket(accepted);
+        ThreadEnding::EndIfAsked();
+    }
     return accepted;
 }
 
