@@ -34,7 +34,7 @@ i32 BlockList::Contains(const Node* node) const
 
 i32 BlockList::Insert(void* data, Node* after)
 {
-    if (after != nullptr && Contains(after) < Done)
+    if (after != nullptr && after != tail && Contains(after) < Done)
         return BadArgument;
     Node* node = new (std::nothrow) Node;
     if (node == nullptr)
@@ -46,6 +46,8 @@ i32 BlockList::Insert(void* data, Node* after)
     // The `prev` of the node that follows is meant to stay as it is: the list grows at its tail,
     // and nobody walks it backwards.
     link = node;
+    if (node->next == nullptr)
+        tail = node;
     return Done;
 }
 
@@ -61,9 +63,6 @@ i32 BlockList::GetTail(Node** out) const
 {
     if (out == nullptr)
         return BadArgument;
-    Node* tail = head;
-    while (tail != nullptr && tail->next != nullptr)
-        tail = tail->next;
     *out = tail;
     return Done;
 }
@@ -94,6 +93,8 @@ i32 BlockList::Remove(Node* node)
     (before != nullptr ? before->next : head) = node->next;
     if (node->next != nullptr)
         node->next->prev = before;
+    else
+        tail = before;
     (void)OnRemove(node->data);
     delete node;
     // Meant, though the node is gone: callers do not look at it.

@@ -44,4 +44,5 @@ public:
 
 private:
     Node* head = nullptr;
+    Node* tail = nullptr;
 };

@@ -5,7 +5,11 @@
 
 #include <string.h>
 
-BlockStream::BlockStream() : isOpen(0), blockSize(0), blockCount(0), position(0), size(0) {}
+BlockStream::BlockStream()
+    : isOpen(0), blockSize(0), blockCount(0), reached(nullptr), reachedIndex(0), position(0),
+      size(0)
+{
+}
 
 BlockStream::~BlockStream()
 {
@@ -133,6 +137,8 @@ i32 BlockStream::Close()
     name.Clear();
     blockSize = 0;
     blockCount = 0;
+    reached = nullptr;
+    reachedIndex = 0;
     position = 0;
     size = 0;
     return Done;
@@ -141,10 +147,18 @@ i32 BlockStream::Close()
 /// Null when there are not so many.
 BlockList::Node* BlockStream::BlockAt(u32 index) const
 {
-    BlockList::Node* block = nullptr;
-    (void)blocks.GetHead(&block);
-    for (u32 i = 0; i < index && block != nullptr; ++i)
+    BlockList::Node* block = reached;
+    u32 at = reachedIndex;
+    if (block == nullptr || index < at) {
+        (void)blocks.GetHead(&block);
+        at = 0;
+    }
+    for (; at < index && block != nullptr; ++at)
         block = block->next;
+    if (block != nullptr) {
+        reached = block;
+        reachedIndex = at;
+    }
     return block;
 }
 

@@ -1,7 +1,7 @@
 // A stream in memory that grows as it is written: for received objects and text whose size nobody
 // knows beforehand. Its bytes lie in blocks of equal size, each an allocation of its own from the
 // device's global heap, so that no large block is ever moved. Reaching a place walks the blocks
-// from the first on; the streams are small.
+// from the last one reached or from the first on: reading and writing on cost the same everywhere.
 #pragma once
 
 #include "foundation/BlockList.h"
@@ -48,6 +48,8 @@ private:
     DualString name;
     u32 blockSize;
     u32 blockCount;
+    mutable BlockList::Node* reached; // where the last walk ended; null at first
+    mutable u32 reachedIndex;
     u32 position; // never past `size`
     u32 size;
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <vector>
 
 namespace
@@ -153,6 +154,34 @@ TEST(BlockList, RemovesInFrontInTheMiddleAndAtTheTail)
     EXPECT_EQ((std::vector<void*>{&c}), DataOf(list));
     EXPECT_EQ(-1, list.Remove(third));
     EXPECT_TRUE(DataOf(list).empty());
+}
+
+TEST(BlockList, TheTailIsTheLastWhateverCameAndWent)
+{
+    std::mt19937 random(7);
+    int places[200];
+    BlockList list;
+    std::vector<void*> expected;
+    for (int step = 0; step < 4000; ++step) {
+        const size_t at = random() % (expected.size() + 1);
+        BlockList::Node* node = nullptr;
+        (void)list.GetHead(&node);
+        for (size_t i = 1; i < at; ++i)
+            node = node->next;
+        if (random() % 2 == 0 && expected.size() < 200) {
+            void* const data = &places[random() % 200];
+            ASSERT_EQ(1, list.Insert(data, at == 0 ? nullptr : node));
+            expected.insert(expected.begin() + static_cast<long>(at), data);
+        } else if (at > 0) {
+            (void)list.Remove(node);
+            expected.erase(expected.begin() + static_cast<long>(at) - 1);
+        }
+        ASSERT_EQ(expected, DataOf(list));
+        BlockList::Node* tail = nullptr;
+        ASSERT_EQ(1, list.GetTail(&tail));
+        ASSERT_EQ(expected.empty() ? nullptr : expected.back(), tail ? tail->data : nullptr);
+        ASSERT_TRUE(tail == nullptr || tail->next == nullptr);
+    }
 }
 
 TEST(BlockList, RemoveGoesByTheOrderAndNotByPrev)

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 using tavrix::testing::Scope;
@@ -261,6 +262,67 @@ TEST(BlockStream, ABlockLargerThanAnyMemoryIsRefusedByTheWrite)
     EXPECT_EQ(-2, WriteText(stream, "x", &length));
     EXPECT_EQ(0u, length);
     EXPECT_EQ(0u, SizeOf(stream));
+}
+
+TEST(BlockStream, AnyOrderOfSeekingReadingAndWritingGivesWhatATextWould)
+{
+    std::mt19937 random(11);
+    for (const u32 blockSize : {1u, 3u, 16u}) {
+        BlockStream stream;
+        ASSERT_EQ(1, stream.Open(blockSize, nullptr));
+        std::string expected;
+        size_t position = 0;
+        for (int step = 0; step < 3000; ++step) {
+            const size_t count = random() % 40;
+            u32 length = static_cast<u32>(count);
+            switch (random() % 3) {
+            case 0: {
+                const i64 to = static_cast<i64>(random() % (expected.size() + 1));
+                ASSERT_EQ(1, stream.Seek(&to, nullptr, 0));
+                position = static_cast<size_t>(to);
+                break;
+            }
+            case 1: {
+                const std::string bytes = Pattern(count + random() % 9).substr(0, count);
+                ASSERT_EQ(1, stream.Write(bytes.data(), &length));
+                ASSERT_EQ(count, length);
+                expected.replace(position, std::min(count, expected.size() - position), bytes);
+                position += count;
+                break;
+            }
+            default: {
+                std::string bytes(count, '\0');
+                (void)stream.Read(bytes.data(), &length);
+                ASSERT_EQ(expected.substr(position, count), bytes.substr(0, length));
+                position += length;
+                break;
+            }
+            }
+        }
+    }
+}
+
+// Were each write a walk over all blocks, this would take some minutes.
+TEST(BlockStream, FiftyMegabytesInSmallPiecesComeBackWhole)
+{
+    constexpr u32 Piece = 505;
+    constexpr u32 Pieces = (50u << 20) / Piece;
+    const std::string pattern = Pattern(Piece);
+    BlockStream stream;
+    ASSERT_EQ(1, stream.Open(1024, nullptr));
+    for (u32 i = 0; i < Pieces; ++i) {
+        u32 length = Piece;
+        ASSERT_EQ(1, stream.Write(pattern.data(), &length));
+    }
+    const i64 start = 0;
+    ASSERT_EQ(1, stream.Seek(&start, nullptr, 0));
+    std::string piece(Piece, '\0');
+    for (u32 i = 0; i < Pieces; ++i) {
+        u32 length = Piece;
+        ASSERT_EQ(1, stream.Read(piece.data(), &length));
+        ASSERT_EQ(pattern, piece) << i;
+    }
+    EXPECT_EQ(1, stream.Close());
 }
 
 TEST(BlockStream, CanBeGivenOutAndTakenBack)
