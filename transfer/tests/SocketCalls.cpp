@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <utility>
 
 namespace
 {
@@ -113,8 +114,11 @@ SOCKET __wrap_tavrix_accept(SOCKET socket, sockaddr* address, int* length)
     Note(std::string("accept ") +
          (address == nullptr && length == nullptr ? "null" : "address" + Number(*length)));
     const SOCKET accepted = __real_tavrix_accept(socket, address, length);
-    if (SocketCalls* const calls = current)
+    if (SocketCalls* const calls = current) {
         calls->accepted = accepted;
+        if (accepted != INVALID_SOCKET)
+            calls->Note("taken");
+    }
     return accepted;
 }
 
@@ -156,9 +160,9 @@ HANDLE __wrap_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manual, BOOL set
 BOOL __wrap_TerminateThread(HANDLE thread, DWORD exitCode)
 {
     Note("TerminateThread " + Hex(&exitCode, 4));
-    const SocketCalls* const calls = current;
+    SocketCalls* const calls = current;
     if (calls != nullptr && calls->beforeTerminate)
-        calls->beforeTerminate(thread);
+        std::exchange(calls->beforeTerminate, nullptr)(thread);
     return __real_TerminateThread(thread, exitCode);
 }
 

@@ -19,13 +19,13 @@ public:
     SocketCalls& operator=(const SocketCalls&) = delete;
 
     /// Calls in their order, in words: "WSAStartup 101", "bind 16 ...", with the bytes of addresses
-    /// in hexadecimal.
+    /// in hexadecimal. "taken" is behind an accept that gave a connection.
     std::vector<std::string> Log();
     /// The entries that begin with `word`, joined by "; ".
     std::string Entries(const std::string& word);
     void Note(const std::string& entry);
 
-    /// Comes before a thread is ended, on the thread that ends it.
+    /// Comes once before a thread is ended, on the thread that ends it.
     std::function<void(HANDLE thread)> beforeTerminate;
     /// Stands in for the answer about devices in range; what getsockopt answers.
     std::function<int(char* value, int* length)> devices;

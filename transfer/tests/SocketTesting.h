@@ -10,6 +10,7 @@
 
 #include <winsock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <iterator>
 #include <string>
@@ -33,6 +34,17 @@ inline long CountThreads()
 {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
                          std::filesystem::directory_iterator());
+}
+
+/// The same once those that have just ended are gone from the host's count, too.
+inline long CountSettledThreads()
+{
+    long least = CountThreads();
+    for (int look = 0; look < 10; ++look) {
+        Sleep(1);
+        least = std::min(least, CountThreads());
+    }
+    return least;
 }
 
 inline sockaddr_in OwnPlace(u16 port)
@@ -67,6 +79,17 @@ u16 ListenSomewhere(Listener& listener)
     if (listener.Bind(Plain(place), sizeof(place)) < 0 || listener.Listen(4) < 0)
         return 0;
     return PortOf(listener.Handle());
+}
+
+/// A socket that listens on a free port of this process, to be adopted.
+inline SOCKET MakeListener(u16& port)
+{
+    const SOCKET listener = socket(AF_INET, SOCK_STREAM, 0);
+    const sockaddr_in place = OwnPlace(0);
+    EXPECT_EQ(0, bind(listener, Plain(place), sizeof(place)));
+    EXPECT_EQ(0, listen(listener, 4));
+    port = PortOf(listener);
+    return listener;
 }
 
 /// A peer of the test's on a port of this process.
