@@ -103,6 +103,7 @@ private:
     [[nodiscard]] i32 Ask(PropertyList* extra, const WCHAR* credentials, HttpHead& head);
     [[nodiscard]] i32 BuildRequest(const WCHAR* positionText, const WCHAR* credentials);
     [[nodiscard]] i32 SendRequest();
+    [[nodiscard]] i32 ReadHead(HttpHead& head);
     [[nodiscard]] i32 AskAgain(HttpHead& head);
     [[nodiscard]] i32 AskForLogin(Login& login);
     void TakeContentEnd();

@@ -41,15 +41,16 @@ i32 StoreHeader(char* line, PropertyList& headers)
     return Done;
 }
 
-} // namespace
-
-i32 ReadHeaderLines(LineReader& reader, PropertyList& headers)
+/// As ReadHeaderLines. `*isBroken` is set to 1 when the stream fails.
+i32 ReadLines(LineReader& reader, PropertyList& headers, i32* isBroken)
 {
     char line[HeaderLineSize + 1];
     for (;;) {
         u32 length = 0;
-        if (ReadTerminatedLine(reader, line, HeaderLineSize, &length) < NothingDone)
+        if (ReadTerminatedLine(reader, line, HeaderLineSize, &length) < NothingDone) {
+            *isBroken = 1;
             return Failed;
+        }
         if (length == 0)
             return Done;
         const i32 result = StoreHeader(line, headers);
@@ -58,9 +59,17 @@ i32 ReadHeaderLines(LineReader& reader, PropertyList& headers)
     }
 }
 
+} // namespace
+
+i32 ReadHeaderLines(LineReader& reader, PropertyList& headers)
+{
+    i32 isBroken = 0;
+    return ReadLines(reader, headers, &isBroken);
+}
+
 i32 ReadHttpHead(Stream* source, PropertyList& headers, HttpHead& head)
 {
-    head = {-1, 0};
+    head = {-1, 0, 0};
     // One byte, so that none of the body is taken out of the stream.
     LineReader reader(nullptr, 1);
     const i32 attached = reader.Attach(source);
@@ -70,8 +79,11 @@ i32 ReadHttpHead(Stream* source, PropertyList& headers, HttpHead& head)
     u32 length = 0;
     u32 fields[3] = {};
     // What a failing stream gave until then is looked at all the same.
-    (void)ReadTerminatedLine(reader, line, StatusLineSize, &length);
+    if (ReadTerminatedLine(reader, line, StatusLineSize, &length) < NothingDone)
+        head.isBroken = 1;
     head.fields = ScanStatusLine(line, fields);
     head.status = fields[2];
-    return ReadHeaderLines(reader, headers) == NoMemory ? NoMemory : Done;
+    if (head.isBroken != 0)
+        return Done;
+    return ReadLines(reader, headers, &head.isBroken) == NoMemory ? NoMemory : Done;
 }

@@ -11,9 +11,10 @@
 enum : u32 { StatusLineSize = 64, HeaderLineSize = 1024 };
 
 struct HttpHead {
-    i32 fields; // of the status line that could be read: 3 for one that is whole, -1 for an empty
-                // one
-    u32 status; // its code, with fewer fields 0
+    i32 fields;   // of the status line that could be read: 3 for one that is whole, -1 for an empty
+                  // one
+    u32 status;   // its code, with fewer fields 0
+    i32 isBroken; // 1 when the stream failed before the head's end
 };
 
 /// Reads the status line into `head` and the header lines into `headers`, which is not cleared: by

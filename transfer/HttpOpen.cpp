@@ -21,8 +21,7 @@ i32 HttpClient::Open(const WCHAR* wantedUrl, u16* status, PropertyList* extra)
         return BadArgument;
     if (socket == nullptr || headers == nullptr || headers->Count() < 0)
         return NoMemory;
-    // The cell more than an address has is for the "/" that may be missing at its end.
-    WCHAR address[UrlSize + 1];
+    WCHAR address[UrlSize];
     Login login = {};
     (void)CopyText(address, UrlSize, wantedUrl);
     i32 result = TakeUrl(address);
@@ -58,8 +57,9 @@ i32 HttpClient::Open(const WCHAR* wantedUrl, u16* status, PropertyList* extra)
     }
 }
 
-/// Takes the address apart, and appends the "/" that it lacks behind its host. That "/" is missing
-/// in `path` and is there when the same address is tried again with a password: meant.
+/// Takes the address apart, and appends the "/" that it lacks behind its host, if it has room. That
+/// "/" is missing in `path` and is there when the same address is tried again with a password:
+/// meant.
 i32 HttpClient::TakeUrl(WCHAR* address)
 {
     if (Keep(url, address) < Done)
@@ -73,7 +73,7 @@ i32 HttpClient::TakeUrl(WCHAR* address)
         return NoMemory;
     const WCHAR* const start = found + (useProxy != 0 ? 3 : 7);
     if (FindChar(start, '/') < Done)
-        (void)AppendText(address, UrlSize + 1, TEXT("/"));
+        (void)AppendText(address, UrlSize, TEXT("/"));
     WCHAR name[HostSize];
     (void)CopyText(name, HostSize, start, '/');
     return Keep(host, name);
@@ -91,7 +91,16 @@ i32 HttpClient::Ask(PropertyList* extra, const WCHAR* credentials, HttpHead& hea
         result = FindServer();
     if (result > NothingDone)
         result = SendRequest();
-    return result > NothingDone ? ReadHttpHead(socket, *headers, head) : result;
+    return result > NothingDone ? ReadHead(head) : result;
+}
+
+i32 HttpClient::ReadHead(HttpHead& head)
+{
+    const i32 result = ReadHttpHead(socket, *headers, head);
+    // What a socket that failed once would still give is not what follows the head.
+    if (head.isBroken != 0)
+        (void)socket->Close();
+    return result;
 }
 
 i32 HttpClient::BuildRequest(const WCHAR* positionText, const WCHAR* credentials)

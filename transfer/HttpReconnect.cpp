@@ -74,5 +74,5 @@ i32 HttpClient::AskAgain(HttpHead& head)
     i32 result = BuildRequest(text, TEXT(""));
     if (result > NothingDone)
         result = SendRequest();
-    return result > NothingDone ? ReadHttpHead(socket, *headers, head) : result;
+    return result > NothingDone ? ReadHead(head) : result;
 }

@@ -275,7 +275,8 @@ TEST(Base64, AgreesWithTheHostsProgram)
             expected +=
                 byte == '\n' ? std::string("\r\n") : std::string(1, static_cast<char>(byte));
         ASSERT_EQ(0, pclose(program));
-        if (length % 57 != 0)
+        const bool isLineFull = (length + 2) / 3 % 19 == 0;
+        if (!isLineFull)
             expected.resize(expected.size() - 2);
         EXPECT_EQ(expected, Encoded(bytes)) << length;
     }
