@@ -256,18 +256,6 @@ TEST(HttpFaults, AServerThatResetsAfterAnyByteIsSeenNoLaterThanInTheBody)
     }
 }
 
-TEST(HttpFaults, ARedirectInACircleGoesOnUntilTheServerEnds)
-{
-    const std::string there = MovedTo("http://" + OwnAddress() + "/b");
-    std::vector<std::string> answers(60, there);
-    answers.push_back("");
-    HttpServer server(answers);
-    HttpClient client;
-    EXPECT_EQ((Opened{-1, 77}), OpenUrl(client, UrlOf("/a")));
-    EXPECT_EQ(61, server.Count());
-    ExpectClosed(client);
-}
-
 TEST(HttpFaults, AHeadOf600LinesAndOneOf64KilobytesAreTaken)
 {
     std::string head = "HTTP/1.0 200 OK\r\n";
