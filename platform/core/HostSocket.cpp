@@ -209,6 +209,9 @@ int HostSocket::Send(const char* bytes, int length)
 
 int HostSocket::Receive(char* bytes, int length, bool peek)
 {
+    // The host tells an end where a connection was refused.
+    if (stream && !connected)
+        return -1;
     for (;;) {
         const ssize_t got = ::recv(First(), bytes, static_cast<size_t>(length),
                                    MSG_DONTWAIT | (peek ? MSG_PEEK : 0));
