@@ -1,18 +1,29 @@
 #include "SocketCalls.h"
 
-#include <atomic>
 #include <cstdio>
+#include <mutex>
 #include <utility>
 
 namespace
 {
 
-std::atomic<SocketCalls*> current{nullptr};
+// The object of the test, which may go while a thread still makes a call: guarded. Its hooks are
+// the test's own thread's alone.
+std::mutex lock;
+SocketCalls* current = nullptr;
 
 void Note(const std::string& entry)
 {
-    if (SocketCalls* const calls = current)
-        calls->Note(entry);
+    const std::lock_guard<std::mutex> guard(lock);
+    if (current != nullptr)
+        current->log.push_back(entry);
+}
+
+/// The object as the test's own thread sees it.
+SocketCalls* Current()
+{
+    const std::lock_guard<std::mutex> guard(lock);
+    return current;
 }
 
 std::string Number(long value)
@@ -35,18 +46,14 @@ std::string Hex(const void* bytes, int length)
 
 SocketCalls::SocketCalls()
 {
+    const std::lock_guard<std::mutex> guard(lock);
     current = this;
 }
 
 SocketCalls::~SocketCalls()
 {
-    current = nullptr;
-}
-
-void SocketCalls::Note(const std::string& entry)
-{
     const std::lock_guard<std::mutex> guard(lock);
-    log.push_back(entry);
+    current = nullptr;
 }
 
 std::vector<std::string> SocketCalls::Log()
@@ -114,11 +121,11 @@ SOCKET __wrap_tavrix_accept(SOCKET socket, sockaddr* address, int* length)
     Note(std::string("accept ") +
          (address == nullptr && length == nullptr ? "null" : "address" + Number(*length)));
     const SOCKET accepted = __real_tavrix_accept(socket, address, length);
-    if (SocketCalls* const calls = current) {
-        calls->accepted = accepted;
-        if (accepted != INVALID_SOCKET)
-            calls->Note("taken");
-    }
+    if (accepted != INVALID_SOCKET)
+        Note("taken");
+    const std::lock_guard<std::mutex> guard(lock);
+    if (current != nullptr)
+        current->accepted = accepted;
     return accepted;
 }
 
@@ -137,7 +144,7 @@ int __wrap_closesocket(SOCKET socket)
 int __wrap_tavrix_getsockopt(SOCKET socket, int level, int name, char* value, int* length)
 {
     Note("getsockopt" + Number(level) + Number(name) + Number(*length));
-    const SocketCalls* const calls = current;
+    const SocketCalls* const calls = Current();
     if (calls != nullptr && calls->devices)
         return calls->devices(value, length);
     return __real_tavrix_getsockopt(socket, level, name, value, length);
@@ -151,16 +158,18 @@ int __wrap_tavrix_setsockopt(SOCKET socket, int level, int name, const char* val
 
 HANDLE __wrap_CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manual, BOOL set, LPCWSTR name)
 {
-    const SocketCalls* const calls = current;
-    if (calls != nullptr && calls->failEvents)
-        return nullptr;
+    {
+        const std::lock_guard<std::mutex> guard(lock);
+        if (current != nullptr && current->failEvents)
+            return nullptr;
+    }
     return __real_CreateEventW(security, manual, set, name);
 }
 
 BOOL __wrap_TerminateThread(HANDLE thread, DWORD exitCode)
 {
     Note("TerminateThread " + Hex(&exitCode, 4));
-    SocketCalls* const calls = current;
+    SocketCalls* const calls = Current();
     if (calls != nullptr && calls->beforeTerminate)
         std::exchange(calls->beforeTerminate, nullptr)(thread);
     return __real_TerminateThread(thread, exitCode);

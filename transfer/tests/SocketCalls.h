@@ -5,8 +5,8 @@
 
 #include <winsock.h>
 
+#include <atomic>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -23,18 +23,15 @@ public:
     std::vector<std::string> Log();
     /// The entries that begin with `word`, joined by "; ".
     std::string Entries(const std::string& word);
-    void Note(const std::string& entry);
 
     /// Comes once before a thread is ended, on the thread that ends it.
     std::function<void(HANDLE thread)> beforeTerminate;
     /// Stands in for the answer about devices in range; what getsockopt answers.
     std::function<int(char* value, int* length)> devices;
     /// No event can be made.
-    bool failEvents = false;
+    std::atomic<bool> failEvents{false};
     /// The handle that accept gave last.
     SOCKET accepted = INVALID_SOCKET;
-
-private:
-    std::mutex lock;
+    /// Looked at by Log while threads are about.
     std::vector<std::string> log;
 };
