@@ -11,11 +11,9 @@ const JobKind kinds[] = {
      TEXT("Failed to load an image file, might be broken or unknown-format."),
      TEXT("画像ファイルがロードできません。ファイルが壊れているか未対応の画像形式です。"),
      LoadJobThread},
-    // Runs nothing as long as the program has no receiver: its dialog closes at once, and the error
-    // text is told.
     {JobReceive, TEXT("Loading an object from IrDA..."),
      TEXT("赤外線デバイスから読み込んでいます..."), TEXT("Failed to receive an object."),
-     TEXT("受信に失敗しました。"), nullptr},
+     TEXT("受信に失敗しました。"), ReceiveJobThread},
     {JobSave, TEXT("Storing an image..."), TEXT("画像を書き込んでいます..."),
      TEXT("Failed to write an image on file. System doesn't have enough work memory or storage."),
      TEXT("画像ファイルが書き出せません。作業用メモリが足りない、または書き込み先に十分な空き容量が"

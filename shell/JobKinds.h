@@ -11,7 +11,7 @@ struct JobKind {
     const WCHAR* japaneseStatus;
     const WCHAR* error; // shown when the work fails; null for a kind that tells no failure
     const WCHAR* japaneseError;
-    LPTHREAD_START_ROUTINE run; // gets the argument block; null counts as a thread that failed
+    LPTHREAD_START_ROUTINE run; // gets the argument block
 };
 
 /// The row of a kind; null for a kind that does not exist.

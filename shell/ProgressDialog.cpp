@@ -45,9 +45,7 @@ void Start(HWND dialog, JobRecord* record)
         EnableWindow(GetDlgItem(dialog, ControlAbort), TRUE);
         BringWindowToTop(dialog);
     }
-    progressState.thread = kind->run == nullptr
-                               ? nullptr
-                               : CreateThread(nullptr, 0, kind->run, record->arguments, 0, nullptr);
+    progressState.thread = CreateThread(nullptr, 0, kind->run, record->arguments, 0, nullptr);
     if (progressState.thread == nullptr)
         EndDialog(dialog, 0);
 }

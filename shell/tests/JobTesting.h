@@ -120,7 +120,8 @@ inline i32 RunKind(MainFrame& frame, u32 kind, const Blocks& blocks = {})
         return RunLoaded(frame, kind, frame.inputPlugins,
                          LoadArguments{frame.inputPlugins, nullptr, nullptr, image});
     case JobReceive: {
-        JobRecord record = {kind, nullptr};
+        ReceiveArguments arguments = {nullptr}; // which fails at once
+        JobRecord record = {kind, &arguments};
         return RunJob(frame.window, frame.instance, &record);
     }
     case JobSave:
