@@ -14,6 +14,7 @@
 #define ES_WANTRETURN 0x1000L
 
 #define CBS_DROPDOWN 0x2L
+#define CBS_AUTOHSCROLL 0x40L
 #define CBS_SORT 0x100L
 
 #define LBS_NOTIFY 0x1L
