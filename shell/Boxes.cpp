@@ -8,6 +8,19 @@ void ShowError(HWND owner, const WCHAR* english, const WCHAR* japanese)
                 MB_ICONHAND);
 }
 
+void ShowEnglishError(HWND owner, const WCHAR* text, u32 flags)
+{
+    MessageBoxW(owner, text, TEXT("ERROR"), flags);
+}
+
+void TellNoInputPlugin(HWND owner)
+{
+    MessageBoxW(owner,
+                InLanguage(TEXT("No INPUT plugin is installed"),
+                           TEXT("読み込みプラグインがインストールされていません。")),
+                InLanguage(TEXT("WARNING"), TEXT("警告")), MB_ICONEXCLAMATION);
+}
+
 void TellNoPlaceToPaste(HWND owner)
 {
     ShowError(owner, TEXT("Coordinates to paste must be pointed."),

@@ -8,6 +8,12 @@
 /// An error in the system's language, with the stop icon.
 void ShowError(HWND owner, const WCHAR* english, const WCHAR* japanese);
 
+/// An error in English whatever the language, as some flows tell some of theirs: meant.
+void ShowEnglishError(HWND owner, const WCHAR* text, u32 flags = MB_ICONHAND);
+
+/// Nothing can be opened at all.
+void TellNoInputPlugin(HWND owner);
+
 /// A paste without a selection.
 void TellNoPlaceToPaste(HWND owner);
 

@@ -16,6 +16,14 @@ void OpenFile(MainFrame& frame, u32)
 {
     frame.OpenFile(nullptr);
 }
+void OpenUrl(MainFrame& frame, u32)
+{
+    frame.OpenUrl(0);
+}
+void OpenIrObex(MainFrame& frame, u32)
+{
+    frame.OpenIrObex();
+}
 void ReloadOpened(MainFrame& frame, u32)
 {
     frame.ReloadOpened();
@@ -186,6 +194,8 @@ constexpr Command commands[] = {
     {CommandExit, Exit},
     {CommandNew, NewImage},
     {CommandOpenFile, OpenFile},
+    {CommandOpenUrl, OpenUrl},
+    {CommandOpenIrObex, OpenIrObex},
     {CommandReloadOpened, ReloadOpened},
     {CommandReloadSaved, ReloadSaved},
     {CommandSave, Save},

@@ -92,10 +92,7 @@ void MainFrame::OpenFile(const WCHAR* path)
         return;
     }
     if (inputExtensions->Count() == 0) {
-        MessageBoxW(window,
-                    InLanguage(TEXT("No INPUT plugin is installed"),
-                               TEXT("読み込みプラグインがインストールされていません。")),
-                    InLanguage(TEXT("WARNING"), TEXT("警告")), MB_ICONEXCLAMATION);
+        TellNoInputPlugin(window);
         return;
     }
     u32 filterIndex = AllFilesFilter;

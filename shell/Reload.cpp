@@ -10,7 +10,9 @@ void MainFrame::ReloadOpened()
         // Meant: the plugin is that of the last Open, which need not be the one that read the file.
         (void)LoadFromFile(openedPath, inputPlugin, 0);
     } else if (inputPlugin >= 0) {
-        // Ends here, where the last address will be fetched again without being asked for.
+        // Whatever the picture came from last: an object that was received leaves the address
+        // before it, and a new picture leaves the plugin.
+        OpenUrl(1);
     } else {
         // A picture without a source can only be made anew.
         NewImage();

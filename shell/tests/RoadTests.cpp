@@ -1,20 +1,21 @@
 // What each road of opening changes of the frame and the settings, and what it leaves: a row for
 // each road, a column for each thing.
 
-#include "shell/tests/RoadTesting.h"
+#include "shell/tests/WireTesting.h"
 
-using namespace roadtest;
+using namespace wiretest;
 
 namespace
 {
 
 struct Road {
     const char* name;
-    std::function<void(MainFrame&, Person&)> take;
+    std::function<void(MainFrame&, Surfer&)> take;
     std::u16string opened; // behind it
     i32 plugin;
     u32 filter;
     u32 configures;
+    std::u16string address = u"http://kept/";
 };
 
 constexpr u32 FilterBefore = 1;
@@ -33,9 +34,10 @@ TEST(Roads, EachChangesWhatItsRowSaysAndNothingElse)
     MakeSource("before.ccc", 'b');
     MakeSource("new.aaa", 'n');
     MakeSource("saved.bbb", 's');
-    WriteSettings(u"[Tavrix]\r\nLastURL=http://kept/\r\n");
+    Site site;
+    site.Set("/new.aaa", Answer("w"));
     const auto command = [](u32 id, std::optional<Choice> choice) {
-        return [id, choice](MainFrame& frame, Person& person) {
+        return [id, choice](MainFrame& frame, Surfer& person) {
             if (choice)
                 person.choices.push_back(*choice);
             Send(frame, id);
@@ -45,22 +47,37 @@ TEST(Roads, EachChangesWhatItsRowSaysAndNothingElse)
         {"Open", command(OpenCommand, Choose(u"new.aaa", 0)), u"\\new.aaa", 0, 0, 1},
         {"Open, all files", command(OpenCommand, Choose(u"new.aaa", -1)), u"\\new.aaa", 0,
          4294967295u, 1},
-        {"the command line", [](MainFrame& frame, Person&) { frame.OpenFile(u"\\new.aaa"); },
+        {"the command line", [](MainFrame& frame, Surfer&) { frame.OpenFile(u"\\new.aaa"); },
          u"\\new.aaa", 0, 4294967295u, 1},
-        {"a hand-over", [](MainFrame& frame, Person&) { HandOver(frame, u"\\new.aaa"); },
+        {"a hand-over", [](MainFrame& frame, Surfer&) { HandOver(frame, u"\\new.aaa"); },
          u"\\new.aaa", 0, 4294967295u, 1},
         {"Open As", command(FirstOpenAs, Choose(u"new.aaa")), u"\\new.aaa", PluginBefore,
          FilterBefore, 1},
         {"Reload opened", command(ReloadOpenedCommand, {}), u"\\before.ccc", PluginBefore,
          FilterBefore, 0},
         {"Reload saved", command(ReloadSavedCommand, {}), u"\\saved.bbb", 1, FilterBefore, 1},
+        {"URL",
+         [](MainFrame& frame, Surfer& person) {
+             person.visits.push_back(AddressOf("/new.aaa"));
+             Send(frame, UrlCommand);
+         },
+         u"\\before.ccc", 0, FilterBefore, 1, AddressOf("/new.aaa")},
+        {"URL reload",
+         [](MainFrame& frame, Surfer&) {
+             frame.settings->SetText(TEXT("Tavrix"), TEXT("LastURL"),
+                                     AddressOf("/new.aaa").c_str());
+             frame.openedPath[0] = 0;
+             Send(frame, ReloadOpenedCommand);
+         },
+         u"", 0, FilterBefore, 1, AddressOf("/new.aaa")},
     };
-    Person person;
+    Surfer person;
     RunProgram(u"", [&](MainFrame& frame) {
         u32 runs = 0;
         for (const Road& road : roads) {
             SetPaths(frame, u"\\before.ccc", u"\\saved.bbb");
             frame.inputPlugin = PluginBefore;
+            frame.settings->SetText(TEXT("Tavrix"), TEXT("LastURL"), TEXT("http://kept/"));
             frame.settings->SetUInt(TEXT("Tavrix"), TEXT("DefOpenPlugin"), FilterBefore);
             Ask(frame, TEXT("ReadConfigures"), 0);
             person.choices.clear();
@@ -73,7 +90,7 @@ TEST(Roads, EachChangesWhatItsRowSaysAndNothingElse)
             EXPECT_EQ(Saved(frame), u"\\saved.bbb") << road.name;
             const WCHAR* address = nullptr;
             EXPECT_EQ(frame.settings->GetText(TEXT("Tavrix"), TEXT("LastURL"), &address), Done);
-            EXPECT_EQ(std::u16string(address), u"http://kept/") << road.name;
+            EXPECT_EQ(std::u16string(address), road.address) << road.name;
         }
         EXPECT_TRUE(person.TakeBoxes().empty());
     });

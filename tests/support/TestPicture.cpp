@@ -17,6 +17,23 @@ uint32_t TestColor(int x, int y)
     return red << 16 | green << 8 | blue;
 }
 
+uint32_t TestSquareColor(int x, int y)
+{
+    return TestColor(x / 16 * 16, y / 16 * 16);
+}
+
+std::string WriteTestJpeg(int width, int height, const std::string& name)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            image.setPixel(x, y, 0xFF000000U | TestSquareColor(x, y));
+    const std::string path = TestHome() + "/" + name;
+    if (!image.save(QString::fromStdString(path), "JPEG", 100))
+        std::abort();
+    return path;
+}
+
 std::string WriteTestPng(int width, int height, const std::string& name)
 {
     QImage image(width, height, QImage::Format_RGB32);

@@ -10,6 +10,10 @@ namespace tavrix::testing
 
 /// The colour of pixel (x, y) of every test picture, 0xRRGGBB. Never black.
 uint32_t TestColor(int x, int y);
+/// The same in flat squares of 16 pixels, of which a JPEG loses next to nothing.
+uint32_t TestSquareColor(int x, int y);
+/// Writes a picture of flat squares as JPEG below the test's home; answers its host path.
+std::string WriteTestJpeg(int width, int height, const std::string& name = "picture.jpg");
 /// Writes a picture of that formula as PNG below the test's home; answers its host path.
 std::string WriteTestPng(int width, int height, const std::string& name = "picture.png");
 /// The first `numerator`/`denominator` of a file, under a new name in the same folder.
