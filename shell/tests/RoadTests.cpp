@@ -36,6 +36,7 @@ TEST(Roads, EachChangesWhatItsRowSaysAndNothingElse)
     MakeSource("saved.bbb", 's');
     Site site;
     site.Set("/new.aaa", Answer("w"));
+    const std::string infrared = UseInfraredPath();
     const auto command = [](u32 id, std::optional<Choice> choice) {
         return [id, choice](MainFrame& frame, Surfer& person) {
             if (choice)
@@ -70,6 +71,12 @@ TEST(Roads, EachChangesWhatItsRowSaysAndNothingElse)
              Send(frame, ReloadOpenedCommand);
          },
          u"", 0, FilterBefore, 1, AddressOf("/new.aaa")},
+        {"IrOBEX",
+         [&](MainFrame& frame, Surfer&) {
+             const Sender sender(infrared, PushOf(u"new.aaa", "i"));
+             Send(frame, IrObexCommand);
+         },
+         u"\\before.ccc", 0, FilterBefore, 1},
     };
     Surfer person;
     RunProgram(u"", [&](MainFrame& frame) {
