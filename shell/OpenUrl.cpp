@@ -53,9 +53,7 @@ void MainFrame::OpenUrl(i32 reload)
         return;
     }
     ReadLastUrl(*settings, address);
-    // Meant: only a dialog that was given up ends it. Where none could be made the last address
-    // is asked for.
-    if (reload != 1 && ShowUrlDialog(window, instance, address) == NothingDone)
+    if (reload != 1 && ShowUrlDialog(window, instance, address) < Done)
         return;
     settings->SetText(ProgramSection, LastUrl, address);
     AddReferer(headers, address, base);

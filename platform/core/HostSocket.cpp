@@ -209,15 +209,19 @@ int HostSocket::Send(const char* bytes, int length)
 
 int HostSocket::Receive(char* bytes, int length, bool peek)
 {
-    // The host tells an end where a connection was refused.
-    if (stream && !connected)
+    // The host tells an end where a connection was refused, and behind an error that it has told.
+    if (stream && (!connected || broken))
         return -1;
     for (;;) {
         const ssize_t got = ::recv(First(), bytes, static_cast<size_t>(length),
                                    MSG_DONTWAIT | (peek ? MSG_PEEK : 0));
         if (got >= 0)
             return static_cast<int>(got);
-        if (!IsToWait(errno) || Await(POLLIN, receiveTimeout) != Wait::Ready)
+        if (!IsToWait(errno)) {
+            broken = true;
+            return -1;
+        }
+        if (Await(POLLIN, receiveTimeout) != Wait::Ready)
             return -1;
     }
 }

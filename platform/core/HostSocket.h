@@ -93,6 +93,7 @@ private:
     std::atomic<bool> closed{false};
     std::atomic<bool> listening{false};
     std::atomic<bool> connected{false};
+    std::atomic<bool> broken{false}; // an error was received, and nothing comes behind it
     std::atomic<DWORD> sendTimeout{0};
     std::atomic<DWORD> receiveTimeout{0};
     std::string boundPath; // a file that goes with the listener

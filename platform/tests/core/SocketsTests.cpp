@@ -250,6 +250,7 @@ TEST(Sockets, AResetShowsAsAFailureOfReceivingAndSending)
     pair.peer.Reset();
     char text[4] = {};
     EXPECT_EQ(SOCKET_ERROR, recv(pair.handle, text, 4, 0));
+    EXPECT_EQ(SOCKET_ERROR, recv(pair.handle, text, 4, 0)) << "and never as an end behind it";
     // Nor does it end the process.
     EXPECT_TRUE(Eventually([&] { return send(pair.handle, text, 4, 0) == SOCKET_ERROR; }));
 }
