@@ -264,6 +264,39 @@ TEST(HttpHead, AHeadCutAtAnyByteGivesWhatWasInIt)
     }
 }
 
+TEST(HttpHead, AStreamThatFailedOnceIsNotReadOn)
+{
+    struct Stumbling final : public Stream {
+        i32 Read(void* buffer, u32* length) override
+        {
+            if (++reads == failing)
+                return Failed;
+            *static_cast<char*>(buffer) = text[next++];
+            *length = 1;
+            return Done;
+        }
+        i32 GetName(WCHAR*, i32) override { return Failed; }
+        i32 GetSize(u64*) override { return Failed; }
+        i32 Seek(const i64*, u64*, u32) override { return Failed; }
+        i32 Write(const void*, u32*) override { return Failed; }
+        i32 Close() override { return Done; }
+
+        const std::string text = "HTTP/1.0 200 :\nA: 1\nB: 2\n\n";
+        size_t next = 0;
+        int reads = 0, failing = 0;
+    };
+    for (const int failing : {1, 14, 15, 16, 21, 26}) {
+        Stumbling source;
+        source.failing = failing;
+        PropertyList headers;
+        HttpHead head = {77, 77, 77};
+        EXPECT_EQ(1, ReadHttpHead(&source, headers, head));
+        EXPECT_EQ(1, head.isBroken) << failing;
+        EXPECT_EQ(failing, source.reads);
+        EXPECT_EQ(failing > 20 ? 1 + (failing > 25) : 0, headers.Count()) << failing;
+    }
+}
+
 TEST(HttpHead, TakesNoMoreThanAByteAtATime)
 {
     TextStream source("HTTP/1.0 200\nA: 1\n\nbody", End::Empty);

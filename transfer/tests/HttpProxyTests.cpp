@@ -160,9 +160,15 @@ TEST(HttpProxy, WithoutItThereIsNoAddressToAskAgain)
     ASSERT_EQ(1, UseProxy(client, proxy));
     ASSERT_EQ((Opened{1, 200}), OpenUrl(client, u"http://a.invalid/x"));
     EXPECT_EQ(1, client.ClearProxy());
+    const Scope scope;
+    int tries = 0;
+    SetSocketFault([&](SocketOperation operation, int*) {
+        tries += operation == SocketOperation::Connect;
+        return false;
+    });
     EXPECT_EQ(-1, client.Reconnect());
+    EXPECT_EQ(0, tries);
     ExpectClosed(client);
-    EXPECT_EQ(1, proxy.Count());
 }
 
 TEST(HttpProxy, NobodyAtItsAddressFails)

@@ -123,11 +123,12 @@ inline std::string ReadBody(HttpClient& client)
     return result < 0 ? body + "failed" : body;
 }
 
-/// What GetSize tells, or its negative result.
+/// What GetSize tells, or its negative result. An end that is none must not be told.
 inline i64 SizeTold(HttpClient& client)
 {
     u64 size = 0;
     const i32 result = client.GetSize(&size);
+    EXPECT_FALSE(result == 1 && size == UINT64_MAX);
     return result < 1 ? result : static_cast<i64>(size);
 }
 
