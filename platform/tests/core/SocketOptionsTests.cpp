@@ -21,6 +21,9 @@ int Set(SOCKET handle, int name, DWORD value)
                       sizeof(value));
 }
 
+/// How often the host's resolver was asked.
+std::atomic<int> questions{0};
+
 constexpr DWORD Refused = 0xDEADBEEF;
 
 DWORD Get(SOCKET handle, int name)
@@ -50,6 +53,18 @@ ULONG AddressOf(const char* name)
 }
 
 } // namespace
+
+extern "C" {
+
+int __real_getaddrinfo(const char* name, const char* service, const void* hints, void* found);
+
+int __wrap_getaddrinfo(const char* name, const char* service, const void* hints, void* found)
+{
+    ++questions;
+    return __real_getaddrinfo(name, service, hints, found);
+}
+
+} // extern "C"
 
 TEST(SocketOptions, ComeBackAsTheyWereSet)
 {
@@ -188,12 +203,16 @@ TEST(HostNames, StandForAddresses)
     EXPECT_EQ(0x7F010203u, AddressOf("127.1.2.3"));
 }
 
-TEST(HostNames, ThatNoHostCanHaveStandForNothing)
+TEST(HostNames, ThatNoHostCanHaveStandForNothingAndNobodyIsAsked)
 {
+    EXPECT_NE(nullptr, gethostbyname("localhost"));
+    const int before = questions;
+    EXPECT_NE(0, before);
     for (const char* name : {"", "host:8080", "127.0.0.1:80", "local host", "local/host", "[::1]",
                              "host\n", "h\x82\xA0st", "*", "user@localhost"})
         EXPECT_EQ(nullptr, gethostbyname(name)) << name;
     EXPECT_EQ(nullptr, gethostbyname(nullptr));
+    EXPECT_EQ(before, questions);
 }
 
 TEST(HostNames, AreNotFoundWhereATestLetsItFail)
