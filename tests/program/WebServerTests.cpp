@@ -186,6 +186,34 @@ TEST(WebServers, WhatNginxHasNotOrHasUnderAnotherNameIsTold)
     });
 }
 
+TEST(WebServers, PicturesComeFromLighttpdByTheirAddresses)
+{
+    Scope scope;
+    SetLanguage(1041);
+    InstallBundledPlugins();
+    const std::string settings = TestHome() + "/lighttpd.conf";
+    // By itself it takes no line that ends in LF alone.
+    std::ofstream(settings) << "server.document-root = \"" + MakeSite() + "\"\nserver.bind = \"" +
+                                   OwnAddress() +
+                                   "\"\nserver.port = 80\n"
+                                   "server.http-parseopts = (\"header-strict\" => \"disable\")\n"
+                                   "mimetype.assign = (\".png\" => \"image/png\")\n";
+    const Daemon server("/usr/sbin/lighttpd", {"-D", "-f", settings}, 80);
+    Person person;
+    RunProgram(u"", [&](MainFrame& frame) {
+        person.Visit(frame, "/picture.png");
+        ExpectPicture(frame, Width, Height, Png);
+        person.Visit(frame, "/picture.jpg");
+        ExpectPicture(frame, Width, Height, Jpeg);
+        person.Visit(frame, "/large.png");
+        ExpectPicture(frame, LargeSide, LargeSide, Formula{NoiseColor});
+        EXPECT_TRUE(StatusTexts().empty());
+        person.Visit(frame, "/missing.png");
+        EXPECT_EQ(StatusTexts().size(), 1u);
+        EXPECT_TRUE(person.TakeBoxes().empty());
+    });
+}
+
 // This server takes the address, and lines that end in LF alone, but not where a range is asked for
 // in such a line.
 TEST(WebServers, AServerThatRefusesTheRequestGivesAPictureThatCannotBeRead)
