@@ -105,8 +105,9 @@ std::string NginxSettings(const std::string& site)
     const std::string home = TestHome();
     const std::string work = home + "/nginx-work";
     fs::create_directories(work);
-    std::string text = "daemon off;\nmaster_process off;\npid " + home + "/nginx.pid;\nerror_log " +
-                       home + "/nginx-error.log;\nevents {}\nhttp {\naccess_log off;\n";
+    std::string text = "user root root;\ndaemon off;\nmaster_process off;\npid " + home +
+                       "/nginx.pid;\nerror_log " + home +
+                       "/nginx-error.log;\nevents {}\nhttp {\naccess_log off;\n";
     for (const char* use : {"client_body", "proxy", "fastcgi", "uwsgi", "scgi"})
         text += std::string(use) + "_temp_path " + work + "/" + use + ";\n";
     const std::string own = "http://" + OwnAddress();
