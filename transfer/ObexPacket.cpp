@@ -122,7 +122,7 @@ i32 TakeBody(MemoryStream& parser, const u8* payload, ObexObject& object, bool* 
     object.received += count;
     u32 progress[2] = {object.received, object.length};
     object.Tell(ObexProgress, progress);
-    return count == wanted ? Done : NothingDone;
+    return Done; // behind a Body that was cut nothing is left to read
 }
 
 } // namespace
