@@ -1,6 +1,7 @@
 // The accepting half of Socket, and how a call that waits on a thread of its own is given up.
 
 #include "transfer/Socket.h"
+#include "transfer/WorkerThread.h"
 
 #include <new>
 
@@ -33,11 +34,7 @@ void Socket::EndWorker()
 {
     if (workerThread == nullptr)
         return;
-    (void)TerminateThread(workerThread, static_cast<DWORD>(-1));
-    // What it works on is about to be used again: not before it is gone for certain.
-    (void)WaitForSingleObject(workerThread, INFINITE);
-    (void)CloseHandle(workerThread);
-    workerThread = nullptr;
+    EndWorkerThread(workerThread);
     (void)completed.Reset();
     DropUnseen();
 }

@@ -1,6 +1,7 @@
 // The calls of SocketStream that may wait: on the caller's thread, or each on one of its own.
 
 #include "transfer/SocketStream.h"
+#include "transfer/WorkerThread.h"
 
 #include <new>
 
@@ -40,11 +41,7 @@ void SocketStream::EndWorker()
 {
     if (workerThread == nullptr)
         return;
-    (void)TerminateThread(workerThread, static_cast<DWORD>(-1));
-    // What it works on is about to be used again: not before it is gone for certain.
-    (void)WaitForSingleObject(workerThread, INFINITE);
-    (void)CloseHandle(workerThread);
-    workerThread = nullptr;
+    EndWorkerThread(workerThread);
     (void)completed.Reset();
     DropUnseen();
 }
