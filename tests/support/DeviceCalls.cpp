@@ -66,7 +66,8 @@ void AddHappening(const std::string& line)
 void WatchFiles()
 {
     SetFileFault([](platform::FileOperation operation, const WCHAR* path, DWORD*) {
-        const char* const names[] = {"create ", "open ", "read ", "write "};
+        const char* const names[] = {"create ", "open ",   "read ",       "write ",
+                                     "sync ",   "rename ", "sync folder "};
         AddHappening(names[static_cast<size_t>(operation)] + Utf8(path));
         return false;
     });
