@@ -4,6 +4,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -180,6 +181,7 @@ std::shared_ptr<HostSocket> HostSocket::Accept(InternetAddress* peer)
                 *peer = DeviceAddress(from);
             accepted->sockets.push_back(std::move(taken));
             accepted->connected = true;
+            accepted->SendAtOnce();
             return accepted;
         }
     } while (Await(POLLIN, receiveTimeout) == Wait::Ready);
@@ -224,6 +226,15 @@ int HostSocket::Receive(char* bytes, int length, bool peek)
         if (Await(POLLIN, receiveTimeout) != Wait::Ready)
             return -1;
     }
+}
+
+void HostSocket::SendAtOnce() const
+{
+    // The protocols of the infrared link answer each other in small pieces, which the host would
+    // keep back. A path has no such delay, and no such option.
+    const int on = 1;
+    if (IsInfrared())
+        setsockopt(First(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
 }
 
 bool HostSocket::Shutdown(int how)

@@ -81,6 +81,7 @@ private:
     /// Until one of the host's sockets can be used for `events`, at most so long (0: for ever).
     Wait Await(short events, DWORD milliseconds) const;
     bool ConnectHost(int socket, const void* address, unsigned length) const;
+    void SendAtOnce() const;
     bool BindPlace(const InfraredEndpoint& endpoint);
     int First() const { return sockets.empty() ? -1 : sockets.front().Get(); }
 

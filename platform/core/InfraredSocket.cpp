@@ -141,8 +141,10 @@ bool HostSocket::ConnectService(std::string_view service)
                 continue;
             sockets.push_back(std::move(opened));
             connected = ConnectHost(First(), host.Get(), host.length);
-            if (connected)
+            if (connected) {
+                SendAtOnce();
                 return true;
+            }
             sockets.clear();
         }
     return false;
