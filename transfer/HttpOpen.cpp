@@ -25,8 +25,10 @@ i32 HttpClient::Open(const WCHAR* wantedUrl, u16* status, PropertyList* extra)
     Login login = {};
     (void)CopyText(address, UrlSize, wantedUrl);
     i32 result = TakeUrl(address);
-    if (result > NothingDone)
+    if (result > NothingDone) {
         (void)Reset();
+        serverAddress = 0;
+    }
     for (;; result = TakeUrl(address)) {
         // A bad address changes no more than what GetUrl gives; a redirect's is one like others.
         if (result < Done)

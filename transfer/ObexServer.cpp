@@ -180,5 +180,7 @@ i32 ObexServer::Close()
     delete client;
     client = nullptr;
     connected = 0;
+    packetLength = 0;
+    (void)parser.Close();
     return Done;
 }

@@ -5,6 +5,18 @@
 
 #include <new>
 
+namespace
+{
+
+/// The device counts in 31 bits, and may always send and receive less.
+i32 AsCount(u32 length)
+{
+    constexpr u32 Most = 0x7FFFFFFF;
+    return static_cast<i32>(length < Most ? length : Most);
+}
+
+} // namespace
+
 i32 SocketStream::EnableAsync()
 {
     asynchronous = 1;
@@ -83,7 +95,7 @@ i32 SocketStream::Send(const void* buffer, u32 length, u32* sent)
         return Start(SendWorker);
     }
     i32 count = 0;
-    const i32 result = socket.Send(buffer, static_cast<i32>(length), &count, 0);
+    const i32 result = socket.Send(buffer, AsCount(length), &count, 0);
     if (sent != nullptr)
         *sent = static_cast<u32>(count);
     return result;
@@ -103,7 +115,7 @@ i32 SocketStream::Recv(void* buffer, u32 length, u32* got)
         return Start(RecvWorker);
     }
     i32 count = 0;
-    const i32 result = socket.Recv(buffer, static_cast<i32>(length), &count, 0);
+    const i32 result = socket.Recv(buffer, AsCount(length), &count, 0);
     if (got != nullptr)
         *got = static_cast<u32>(count);
     return result;
@@ -148,7 +160,7 @@ DWORD WINAPI SocketStream::SendWorker(LPVOID parameter)
 {
     const Call* const call = static_cast<const Call*>(parameter);
     i32 count = 0;
-    *call->result = call->socket->Send(call->buffer, static_cast<i32>(call->length), &count, 0);
+    *call->result = call->socket->Send(call->buffer, AsCount(call->length), &count, 0);
     if (call->count != nullptr)
         *call->count = static_cast<u32>(count);
     (void)call->completed->Set();
@@ -159,7 +171,7 @@ DWORD WINAPI SocketStream::RecvWorker(LPVOID parameter)
 {
     const Call* const call = static_cast<const Call*>(parameter);
     i32 count = 0;
-    *call->result = call->socket->Recv(call->buffer, static_cast<i32>(call->length), &count, 0);
+    *call->result = call->socket->Recv(call->buffer, AsCount(call->length), &count, 0);
     if (call->count != nullptr)
         *call->count = static_cast<u32>(count);
     (void)call->completed->Set();

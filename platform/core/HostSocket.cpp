@@ -21,6 +21,7 @@ namespace
 {
 
 constexpr int Kind = SOCK_CLOEXEC | SOCK_NONBLOCK;
+constexpr int Beat = 20; // milliseconds
 
 sockaddr_in HostAddress(const InternetAddress& address)
 {
@@ -105,6 +106,9 @@ HostSocket::Wait HostSocket::Await(short events, DWORD milliseconds) const
                 return Wait::TimedOut;
             left = static_cast<int>(std::min<long long>(rest, 0x7FFFFFFF));
         }
+        // Without a descriptor to be woken by it has to look.
+        if (ending != nullptr && entries[1].fd < 0 && (left < 0 || left > Beat))
+            left = Beat;
         if (poll(entries.data(), count, left) < 0 && errno != EINTR)
             return Wait::Over;
         for (size_t at = 2; at < count; ++at)
@@ -137,7 +141,7 @@ bool HostSocket::ConnectHost(int socket, const void* address, unsigned length) c
 
 bool HostSocket::Connect(const InternetAddress& address)
 {
-    if (IsInfrared())
+    if (IsInfrared() || (stream && connected))
         return false;
     const sockaddr_in host = HostAddress(address);
     connected = ConnectHost(First(), &host, sizeof(host));
@@ -174,8 +178,8 @@ std::shared_ptr<HostSocket> HostSocket::Accept(InternetAddress* peer)
                 return {};
             if (!taken.IsOpen())
                 continue;
-            // Nobody would ever learn of it: the connection goes with the thread.
-            if (EndIsAsked())
+            // Nobody would ever learn of it: the connection goes with the thread or the listener.
+            if (closed || EndIsAsked())
                 return {};
             if (peer != nullptr && !IsInfrared())
                 *peer = DeviceAddress(from);
@@ -217,6 +221,9 @@ int HostSocket::Receive(char* bytes, int length, bool peek)
     for (;;) {
         const ssize_t got = ::recv(First(), bytes, static_cast<size_t>(length),
                                    MSG_DONTWAIT | (peek ? MSG_PEEK : 0));
+        // What a socket that is closed meanwhile shows is no end of the peer's.
+        if (closed)
+            return -1;
         if (got >= 0)
             return static_cast<int>(got);
         if (!IsToWait(errno)) {

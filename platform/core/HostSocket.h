@@ -87,8 +87,8 @@ private:
 
     const Family family;
     const bool stream;
-    // More than one only where an infrared service listens on several addresses. Set before the
-    // first call that waits, never changed behind it.
+    // More than one only where an infrared service listens on several addresses. Not changed once
+    // the socket listens or is connected.
     std::vector<Descriptor> sockets;
     Descriptor closing; // readable once closed
     std::atomic<bool> closed{false};

@@ -61,11 +61,11 @@ HostEndpoint ReadEndpoint(const InfraredEndpoint& endpoint)
     return host;
 }
 
-Descriptor OpenFor(const HostEndpoint& endpoint)
+Descriptor OpenFor(const HostEndpoint& endpoint, int kind = SOCK_STREAM)
 {
     if (endpoint.length == 0)
         return Descriptor();
-    return Descriptor(::socket(endpoint.Family(), SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    return Descriptor(::socket(endpoint.Family(), kind | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
 /// A listener that has died leaves its file behind, which would be in the way for ever.
@@ -74,7 +74,8 @@ void RemoveStaleFile(const HostEndpoint& endpoint, const std::string& path)
     struct stat found = {};
     if (lstat(path.c_str(), &found) != 0 || !S_ISSOCK(found.st_mode))
         return;
-    const Descriptor probe = OpenFor(endpoint);
+    // Asked as no stream, so that one who does listen takes it for no client.
+    const Descriptor probe = OpenFor(endpoint, SOCK_DGRAM);
     if (::connect(probe.Get(), endpoint.Get(), endpoint.length) != 0 && errno == ECONNREFUSED)
         unlink(path.c_str());
 }

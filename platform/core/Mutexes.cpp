@@ -77,6 +77,12 @@ private:
 
 thread_local OwnedMutexes ownedHere;
 
+bool IsEnding()
+{
+    const ThreadEnding* const ending = ThreadEnding::Current();
+    return ending != nullptr && ending->IsAsked();
+}
+
 DWORD MutexObject::Wait(DWORD milliseconds)
 {
     const Deadline deadline(milliseconds);
@@ -94,7 +100,7 @@ DWORD MutexObject::Wait(DWORD milliseconds)
     const bool wasAbandoned = abandoned;
     held.unlock();
     while (shared != nullptr && !shared->TryOwn()) {
-        if (deadline.HasPassed()) {
+        if (deadline.HasPassed() || IsEnding()) {
             held.lock();
             SetFree(wasAbandoned);
             return WAIT_TIMEOUT;

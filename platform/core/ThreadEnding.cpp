@@ -20,7 +20,9 @@ DWORD ThreadEnding::Run(LPTHREAD_START_ROUTINE routine, LPVOID parameter)
     currentEnding = this;
     if (setjmp(start) != 0)
         return code;
-    return routine(parameter);
+    const DWORD result = routine(parameter);
+    currentEnding = nullptr; // what the thread leaves to its very end is not ended any more
+    return result;
 }
 
 ThreadEnding* ThreadEnding::Current()

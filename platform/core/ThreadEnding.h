@@ -1,7 +1,8 @@
 // How a thread is ended from outside. The host has nothing for it that leaves the process sound, so
-// a thread ends itself: it is asked to, every wait of the device's interface on it is over at once,
-// and the call in which it waited does not return but leaves the thread's routine as if by a jump.
-// Destructors of the routine's own frames do not run, as on the device.
+// a thread ends itself: it is asked to, its wait for an object, the clock or a socket is over at
+// once (not that for a critical section), and the call in which it waited does not return but
+// leaves the thread's routine by a jump. Destructors of the routine's own frames do not run, as on
+// the device.
 #pragma once
 
 #include "platform/core/HostFiles.h"

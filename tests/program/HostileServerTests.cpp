@@ -118,25 +118,34 @@ TEST(HostileServer, ThatResetsHalfWayIsToldAsABrokenPicture)
 
 TEST(HostileServer, ThatSendsOneByteASecondIsWaitedForWhileTheWindowLives)
 {
-    // A timer is served while the worker waits.
-    static std::atomic<unsigned> beats;
-    const auto dawdle = [](Connection& connection) {
-        connection.Write(PlainHead);
-        SetTimer(nullptr, 0, 100, [](HWND, UINT, UINT_PTR, DWORD) { ++beats; });
-        for (size_t at = 0; at < 10; ++at) {
-            connection.Write(PictureBytes().substr(at, 1));
-            if (!connection.Pause(1000))
-                return;
-        }
-        connection.Write(PictureBytes().substr(10));
-    };
-    Visit(dawdle, "/slow.png", [](MainFrame& frame, Person& person) {
+    HideToolWindows();
+    InstallBundledPlugins();
+    (void)PictureBytes();
+    const WireServer server(80, With([](Connection& connection) {
+                                connection.Write(PlainHead);
+                                for (size_t at = 0; at < 10; ++at) {
+                                    connection.Write(PictureBytes().substr(at, 1));
+                                    if (!connection.Pause(1000))
+                                        return;
+                                }
+                                connection.Write(PictureBytes().substr(10));
+                            }));
+    Person person;
+    const auto visit = [&person](MainFrame& frame) {
+        // A timer is served while the worker waits.
+        static unsigned beats;
+        beats = 0;
+        const UINT_PTR timer =
+            SetTimer(nullptr, 0, 100, [](HWND, UINT, UINT_PTR, DWORD) { ++beats; });
+        person.Visit(frame, "/slow.png");
+        KillTimer(nullptr, timer);
         EXPECT_TRUE(person.TakeBoxes().empty());
         EXPECT_TRUE(StatusTexts().empty());
         EXPECT_GE(ProgressDialogTime(), 9000u);
         EXPECT_GE(beats, 10u);
         ExpectPicture(frame, Width, Height, Png);
-    });
+    };
+    EXPECT_EQ(RunProgram(u"", visit), 0);
 }
 
 TEST(HostileServer, ThatSendsEveryByteAloneGivesThePictureAsItIs)

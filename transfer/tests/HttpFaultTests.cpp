@@ -150,6 +150,21 @@ TEST(HttpFaults, AConnectionThatCannotBeReplacedEndsTheClient)
     EXPECT_EQ((Opened{1, 200}), OpenUrl(client, UrlOf("/a"))) << "after Reset there is one again";
 }
 
+TEST(HttpFaults, AConnectionThatCannotBeHadForARedirectEndsTheOpen)
+{
+    HttpServer server({MovedTo("http://" + OwnAddress() + "/b"), Good("body")});
+    HttpClient client;
+    // The first is the one of the Open, the second the redirect's.
+    int connections = 0;
+    SetAllocationFault(
+        [&connections](SIZE_T size) { return size == sizeof(SocketStream) && ++connections == 2; });
+    EXPECT_EQ((Opened{-2, 77}), OpenUrl(client, UrlOf("/a")));
+    SetAllocationFault(nullptr);
+    EXPECT_EQ(1, server.Count());
+    ExpectClosed(client);
+    EXPECT_EQ((Opened{1, 200}), OpenUrl(client, UrlOf("/a")));
+}
+
 TEST(HttpFaults, ARequestThatGoesOutInPiecesIsWhole)
 {
     const Scope scope;

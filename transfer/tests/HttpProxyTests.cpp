@@ -61,6 +61,20 @@ TEST(HttpProxy, SeekingAsksItToo)
               proxy.Request(1));
 }
 
+TEST(HttpProxy, GivenUpLeavesNoServerToSeekOnAlsoWhereOneWasAskedBefore)
+{
+    HttpServer before({Good("before")});
+    HttpServer proxy({Good("body")}, 0);
+    HttpClient client;
+    ASSERT_EQ((Opened{1, 200}), OpenUrl(client, UrlOf("/x")));
+    ASSERT_EQ(1, UseProxy(client, proxy));
+    ASSERT_EQ((Opened{1, 200}), OpenUrl(client, u"http://a.invalid/x"));
+    ASSERT_EQ(1, client.ClearProxy());
+    EXPECT_EQ(-1, SeekTo(client, 0));
+    EXPECT_EQ(1, before.Count());
+    EXPECT_EQ(1, proxy.Count());
+}
+
 TEST(HttpProxy, StaysWithTheClient)
 {
     HttpServer proxy({Good("body")}, 0);

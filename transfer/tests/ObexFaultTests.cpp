@@ -8,8 +8,7 @@ using namespace obextest;
 namespace
 {
 
-// Long enough for a client to get in on a slow machine. A receiver whose event could not be made
-// never learns of its client and waits that long.
+// Long enough for a client to get in on a slow machine.
 constexpr u32 Seconds = 3;
 
 /// An exchange that a fault may end anywhere. The client sends all at once and waits for no answer.

@@ -40,8 +40,6 @@ struct Incoming {
     const std::vector<Told>& Events() const { return listener.told; }
 };
 
-using Events = std::vector<Told>;
-
 /// Where the parser stands behind a CONNECT.
 u64 ConnectReadsUpTo(const std::string& bytes)
 {

@@ -183,4 +183,14 @@ inline std::string Rest(Connection& client)
     return HexOf(client.ReadAll());
 }
 
+using Events = std::vector<Told>;
+
+// A CONNECT of version 1.0 with packets of 1,024 bytes, and its answer.
+inline const char Connect[] = "80 00 07 10 00 04 00";
+inline const char Connected[] = "A0 00 07 10 00 02 00";
+inline const char Continue[] = "90 00 03";
+inline const char Success[] = "A0 00 03";
+// A name "a.png".
+inline const char NameHeader[] = "01 00 0F 00 61 00 2E 00 70 00 6E 00 67 00 00";
+
 } // namespace obextest

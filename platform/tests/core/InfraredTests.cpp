@@ -197,6 +197,19 @@ TEST(Infrared, OnePlaceHasOneListener)
     }
 }
 
+TEST(Infrared, OneWhoComesLateIsNoClientOfTheOneWhoListens)
+{
+    const Setting place("unix:" + FreshFolder() + "/infrared");
+    const InfraredSocket listener;
+    ASSERT_EQ(0, BindTo(listener));
+    ASSERT_EQ(0, listen(listener, 2));
+    EXPECT_EQ(SOCKET_ERROR, BindTo(InfraredSocket()));
+    const DWORD milliseconds = 50;
+    ASSERT_EQ(0, setsockopt(listener, SOL_SOCKET, SO_RCVTIMEO,
+                            reinterpret_cast<const char*>(&milliseconds), sizeof(milliseconds)));
+    EXPECT_EQ(INVALID_SOCKET, accept(listener, nullptr, nullptr));
+}
+
 TEST(Infrared, APathIsThisUsersAloneAndGoesWithItsListener)
 {
     namespace fs = std::filesystem;

@@ -255,6 +255,18 @@ TEST(Sockets, AResetShowsAsAFailureOfReceivingAndSending)
     EXPECT_TRUE(Eventually([&] { return send(pair.handle, text, 4, 0) == SOCKET_ERROR; }));
 }
 
+TEST(Sockets, AConnectionIsNotMadeTwiceAndGoesOnAfterTheAttempt)
+{
+    OwnPair pair;
+    const WireServer other(0, [](Connection&, int) {});
+    EXPECT_EQ(SOCKET_ERROR, ConnectAt(pair.handle, Own(), other.Port()));
+    EXPECT_EQ(SOCKET_ERROR, ConnectAt(pair.handle, Own(), 1));
+    ASSERT_TRUE(pair.peer.Write("on"));
+    char text[2] = {};
+    EXPECT_GT(recv(pair.handle, text, 2, 0), 0);
+    EXPECT_EQ('o', text[0]);
+}
+
 TEST(Sockets, ShuttingOneHalfDownLeavesTheOtherOpen)
 {
     char text[4] = {};

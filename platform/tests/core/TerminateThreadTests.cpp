@@ -6,6 +6,10 @@
 
 #include <handheld.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -41,6 +45,34 @@ TEST(TerminateThread, EndsAThreadThatSleeps)
         });
         EndWhileItWaits(thread, 77);
     }
+}
+
+TEST(TerminateThread, EndsAReceivingThreadAlsoWhereTheHostHasNoMoreDescriptors)
+{
+    OwnPair pair;
+    rlimit before = {};
+    getrlimit(RLIMIT_NOFILE, &before);
+    std::atomic<bool> receiving{false};
+    DeviceThread thread([&] {
+        // The lowest that is free is the one that a new descriptor would get.
+        const int lowest = dup(0);
+        close(lowest);
+        const rlimit none = {static_cast<rlim_t>(lowest), before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+        receiving = true;
+        char text[4];
+        return static_cast<DWORD>(recv(pair.handle, text, 4, 0));
+    });
+    // Nobody can look into the thread's state now.
+    EXPECT_TRUE(Eventually([&receiving] { return receiving.load(); }));
+    Sleep(200);
+    const BOOL ended = TerminateThread(thread.Handle(), 5);
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_TRUE(ended);
+    if (!ended)
+        pair.peer.Close();
+    EXPECT_EQ(5u, thread.ExitCode());
+    EXPECT_FALSE(thread.HasReturned());
 }
 
 TEST(TerminateThread, LeavesNoThreadBehind)
