@@ -8,9 +8,11 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <thread>
 
 using namespace wirepictures;
+namespace fs = std::filesystem;
 
 namespace
 {
@@ -139,6 +141,19 @@ TEST_F(ObexClients, WhatObexftpSendsIsShownAlsoUnderAJapaneseName)
         }
         ExpectNoWord(3);
         EXPECT_EQ(frame.openedPath[0], 0);
+    });
+}
+
+TEST_F(ObexClients, AnObjectOfFiftyMegabytesIsShown)
+{
+    constexpr int Side = 4096;
+    EXPECT_GT(fs::file_size(WriteNoisePng(Side, "fifty.png")), 50000000u);
+    RunProgram(u"", [&](MainFrame& frame) {
+        Client client =
+            Push("obexftp -n " + OwnAddress() + ":650 -U none -H -S -p fifty.png 2>/dev/null");
+        Receive(frame);
+        ExpectPicture(frame, Side, Side, Formula{NoiseColor});
+        ExpectNoWord(1);
     });
 }
 

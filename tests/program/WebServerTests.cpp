@@ -16,75 +16,6 @@ constexpr int Width = 100;
 constexpr int Height = 80;
 constexpr int LargeSide = 1024;
 
-/// Numbers without a pattern, so that no encoder makes the picture small.
-uint32_t NoiseColor(int x, int y)
-{
-    const auto seed = static_cast<uint32_t>(y * LargeSide + x) * 2654435761u;
-    return (seed ^ seed >> 13) * 2246822519u >> 8;
-}
-
-/// A picture of noise as the plainest of files: the data of a PNG may be stored as they are.
-class LargePng
-{
-public:
-    static void Write(const std::string& path)
-    {
-        std::string lines;
-        for (int y = 0; y < LargeSide; ++y) {
-            lines.push_back(0); // no filter
-            for (int x = 0; x < LargeSide; ++x)
-                for (const int shift : {16, 8, 0})
-                    lines.push_back(static_cast<char>(NoiseColor(x, y) >> shift & 255));
-        }
-        std::ofstream file(path, std::ios::binary);
-        file << "\x89PNG\r\n\x1A\n";
-        file << Chunk("IHDR",
-                      Number(LargeSide) + Number(LargeSide) + std::string("\x8\x2\0\0\0", 5));
-        file << Chunk("IDAT", Stored(lines));
-        file << Chunk("IEND", "");
-    }
-
-private:
-    static std::string Number(uint32_t value)
-    {
-        std::string bytes;
-        for (const int shift : {24, 16, 8, 0})
-            bytes.push_back(static_cast<char>(value >> shift & 255));
-        return bytes;
-    }
-
-    static std::string Chunk(const std::string& type, const std::string& data)
-    {
-        uint32_t crc = 0xFFFFFFFF;
-        for (const char byte : type + data) {
-            crc ^= static_cast<unsigned char>(byte);
-            for (int bit = 0; bit < 8; ++bit)
-                crc = crc >> 1 ^ ((crc & 1) != 0 ? 0xEDB88320u : 0);
-        }
-        return Number(static_cast<uint32_t>(data.size())) + type + data + Number(~crc);
-    }
-
-    static std::string Stored(const std::string& data)
-    {
-        std::string stream = "\x78\x01";
-        for (size_t at = 0; at < data.size(); at += 65535) {
-            const size_t count = std::min<size_t>(65535, data.size() - at);
-            stream.push_back(at + count == data.size() ? 1 : 0);
-            for (const size_t word : {count, ~count})
-                for (const int shift : {0, 8})
-                    stream.push_back(static_cast<char>(word >> shift & 255));
-            stream.append(data, at, count);
-        }
-        uint32_t low = 1;
-        uint32_t high = 0;
-        for (const char byte : data) {
-            low = (low + static_cast<unsigned char>(byte)) % 65521;
-            high = (high + low) % 65521;
-        }
-        return stream + Number(high << 16 | low);
-    }
-};
-
 /// The pages of the server, below the test's home.
 std::string MakeSite()
 {
@@ -95,7 +26,7 @@ std::string MakeSite()
     WriteTestPng(Width, Height, "site/picture.zzz");
     WriteTestPng(Width, Height, "site/sub folder/a b.png");
     WriteTestJpeg(Width, Height, "site/picture.jpg");
-    LargePng::Write(site + "/large.png");
+    WriteNoisePng(LargeSide, "site/large.png");
     return site;
 }
 

@@ -46,6 +46,28 @@ std::string WriteTestPng(int width, int height, const std::string& name)
     return path;
 }
 
+uint32_t NoiseColor(int x, int y)
+{
+    const auto seed = (static_cast<uint32_t>(y) << 16 | static_cast<uint32_t>(x)) * 2654435761u;
+    return (seed ^ seed >> 13) * 2246822519u >> 8;
+}
+
+std::string WriteNoisePng(int side, const std::string& name)
+{
+    QImage image(side, side, QImage::Format_RGB888);
+    for (int y = 0; y < side; ++y) {
+        uchar* pixel = image.scanLine(y);
+        for (int x = 0; x < side; ++x)
+            for (const int shift : {16, 8, 0})
+                *pixel++ = static_cast<uchar>(NoiseColor(x, y) >> shift & 255);
+    }
+    const std::string path = TestHome() + "/" + name;
+    // At this quality nothing is compressed.
+    if (!image.save(QString::fromStdString(path), "PNG", 100))
+        std::abort();
+    return path;
+}
+
 std::string TruncateFile(const std::string& path, int numerator, int denominator)
 {
     namespace fs = std::filesystem;

@@ -16,6 +16,10 @@ uint32_t TestSquareColor(int x, int y);
 std::string WriteTestJpeg(int width, int height, const std::string& name = "picture.jpg");
 /// Writes a picture of that formula as PNG below the test's home; answers its host path.
 std::string WriteTestPng(int width, int height, const std::string& name = "picture.png");
+/// Noise, which no encoder makes smaller: a colour by its place. Never black but by chance.
+uint32_t NoiseColor(int x, int y);
+/// A square picture of it as a PNG file of side * side * 3 bytes and little more.
+std::string WriteNoisePng(int side, const std::string& name);
 /// The first `numerator`/`denominator` of a file, under a new name in the same folder.
 std::string TruncateFile(const std::string& path, int numerator, int denominator);
 
