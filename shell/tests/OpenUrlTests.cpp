@@ -56,10 +56,7 @@ std::string RequestFor(const std::string& page, const std::string& referer)
            "\nRange: bytes=0-\nReferer: " + referer + "\n\n";
 }
 
-std::vector<std::string> Lines(const std::vector<std::string>& lines)
-{
-    return lines;
-}
+using Requests = std::vector<std::string>;
 
 } // namespace
 
@@ -77,7 +74,7 @@ TEST_F(OpeningUrl, ThePictureOfTheTypedAddressIsReadFromTheConnectionItself)
         EXPECT_EQ(person.headlines, std::vector<std::u16string>{u"Loading an image..."});
         EXPECT_TRUE(person.TakeBoxes().empty());
         EXPECT_EQ(site.TakeRequests(),
-                  Lines({RequestFor("/one.aaa", "http://" + OwnAddress() + "/")}));
+                  (Requests{RequestFor("/one.aaa", "http://" + OwnAddress() + "/")}));
         EXPECT_EQ(LastUrl(frame), AddressOf("/one.aaa"));
         EXPECT_EQ(Opened(frame), u"");
         EXPECT_EQ(frame.inputPlugin, 0);
@@ -145,7 +142,7 @@ TEST_F(OpeningUrl, TheServerHearsWhereTheAddressBegins)
     RunProgram(u"", [&](MainFrame& frame) {
         for (const auto& row : rows) {
             Visit(frame, AddressOf(row.page));
-            EXPECT_EQ(site.TakeRequests(), Lines({RequestFor(row.page, row.referer)}));
+            EXPECT_EQ(site.TakeRequests(), (Requests{RequestFor(row.page, row.referer)}));
         }
     });
 }
@@ -265,7 +262,7 @@ TEST_F(OpeningUrl, ARedirectIsFollowedAndTheTypedAddressCounts)
         EXPECT_EQ(LastUrl(frame), AddressOf("/moved.aaa"));
         const std::string base = "http://" + OwnAddress() + "/";
         EXPECT_EQ(site.TakeRequests(),
-                  Lines({RequestFor("/moved.aaa", base), RequestFor("/two.bbb", base)}));
+                  (Requests{RequestFor("/moved.aaa", base), RequestFor("/two.bbb", base)}));
     });
 }
 
@@ -343,7 +340,7 @@ TEST_F(OpeningUrl, ReloadFetchesTheLastAddressAgainWithThePluginsSettings)
         EXPECT_EQ(person.shown.size(), 1u) << "asked for the first time alone";
         EXPECT_EQ(Stored(frame, TEXT("ReadConfigures")), 2u);
         EXPECT_EQ(site.TakeRequests(),
-                  Lines({RequestFor("/one.aaa", "http://" + OwnAddress() + "/")}));
+                  (Requests{RequestFor("/one.aaa", "http://" + OwnAddress() + "/")}));
         EXPECT_EQ(LastUrl(frame), AddressOf("/one.aaa"));
         EXPECT_EQ(Opened(frame), u"");
         EXPECT_FALSE(frame.inputPlugins->IsLoaded());
