@@ -217,7 +217,12 @@ TEST(Socket, ReceivingFromAPeerThatResetFailsWithoutACount)
 
 TEST(Socket, SendingToAPeerThatResetFailsWithoutACount)
 {
-    Connected pair([](Connection& peer, int) { peer.Reset(); });
+    // Not before the connection stands: the connecting itself would fail.
+    Connected pair([](Connection& peer, int) {
+        (void)peer.Read(1);
+        peer.Reset();
+    });
+    ASSERT_EQ(1, pair.socket.Send("x", 1, nullptr, 0));
     const std::string much(65536, 'x');
     i32 count = 77;
     EXPECT_TRUE(Eventually([&] {
