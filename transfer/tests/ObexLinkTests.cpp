@@ -1,25 +1,10 @@
 // Packets at the edge of what is taken, links that break, and the time that is waited.
 
 #include "platform/testing/Faults.h"
+#include "platform/testing/Threads.h"
 #include "transfer/tests/ObexTesting.h"
 
-#include <filesystem>
-
 using namespace obextest;
-
-namespace
-{
-
-size_t ThreadCount()
-{
-    size_t count = 0;
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/task"))
-        ++count;
-    return count;
-}
-
-} // namespace
 
 TEST(ObexLink, APacketOf512BytesIsTakenAndOneOf513IsNot)
 {
@@ -200,14 +185,14 @@ TEST(ObexLink, WithNoClientInTimeTheAcceptThreadIsGone)
     ObexServer server;
     Sink sink;
     const auto holdings = tavrix::platform::CountHoldings();
-    const size_t threads = ThreadCount();
+    const long threads = CountThreads();
     Listener listener;
     EXPECT_EQ(server.Receive(&sink, 1, Listener::Hear, &listener), -1);
     EXPECT_EQ(listener.told, Events{Waiting()});
     EXPECT_TRUE(tavrix::platform::CountHoldings() == holdings);
-    for (int i = 0; i < 1000 && ThreadCount() > threads; ++i)
+    for (int i = 0; i < 1000 && CountThreads() > threads; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    EXPECT_EQ(ThreadCount(), threads);
+    EXPECT_EQ(CountThreads(), threads);
     // Nobody listens any more.
     EXPECT_FALSE(ConnectTo(OwnAddress(), 650).IsOpen());
 }

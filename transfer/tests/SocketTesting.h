@@ -4,6 +4,7 @@
 
 #include "foundation/Types.h"
 #include "platform/core/TestHooks.h"
+#include "platform/testing/Threads.h"
 #include "platform/testing/Wire.h"
 
 #include <gtest/gtest.h>
@@ -11,8 +12,6 @@
 #include <winsock.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <iterator>
 #include <string>
 
 constexpr int SteadyPatience = 60000; // milliseconds; only a test that is about to fail takes them
@@ -29,12 +28,7 @@ bool Eventually(const Ready& ready)
     return ready();
 }
 
-/// The threads of this process, as the host counts them.
-inline long CountThreads()
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
-                         std::filesystem::directory_iterator());
-}
+using tavrix::testing::CountThreads;
 
 /// The same once those that have just ended are gone from the host's count, too.
 inline long CountSettledThreads()

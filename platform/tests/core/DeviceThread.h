@@ -2,15 +2,15 @@
 // came back, and whether it waits by now.
 #pragma once
 
+#include "platform/testing/Threads.h"
+
 #include <windows.h>
 
 #include <unistd.h>
 
 #include <atomic>
-#include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
 /// Waits for what comes in an instant on a machine that is not busy; false when it never does.
@@ -25,12 +25,7 @@ bool Eventually(const Ready& ready)
     return ready();
 }
 
-/// The threads of this process, as the host counts them.
-inline long CountThreads()
-{
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"),
-                         std::filesystem::directory_iterator());
-}
+using tavrix::testing::CountThreads;
 
 class DeviceThread
 {
