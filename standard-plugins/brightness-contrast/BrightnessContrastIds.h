@@ -7,3 +7,4 @@
 #define ControlBrightnessNumber 1002
 #define ControlContrast 1003
 #define ControlContrastNumber 1004
+#define ControlPreview 1005

@@ -1,25 +1,10 @@
-// The exports of brightness and contrast.
+// What the host is told of brightness and contrast.
 #include "standard-plugins/brightness-contrast/BrightnessContrastIds.h"
-#include "standard-plugins/brightness-contrast/ToneAdjusting.h"
 #include "standard-plugins/brightness-contrast/ToneTable.h"
-#include "standard-plugins/common/device/PluginDialog.h"
-#include "standard-plugins/common/PluginInfo.h"
+#include "standard-plugins/common/filtering/device/FilterDialog.h"
 
 namespace
 {
-
-const PluginTexts texts = {
-    PLUGIN_TEXT("TX_ADJUST"),
-    {PLUGIN_TEXT("Brightness and Contrast..."), PLUGIN_TEXT("明るさとコントラスト...")},
-    PLUGIN_TEXT("1.0"),
-    PLUGIN_TEXT("2026-11-21"),
-    {PLUGIN_TEXT("Makes the picture or the selection brighter or darker, flatter or sharper."),
-     PLUGIN_TEXT("画像や選択範囲の明るさとコントラストを変えます。")},
-    nullptr,
-    0,
-};
-const BilingualText caption = {PLUGIN_TEXT("Brightness and Contrast"),
-                               PLUGIN_TEXT("明るさとコントラスト")};
 
 enum { Brightness, Contrast, SettingCount };
 
@@ -39,47 +24,48 @@ const DialogSetting settings[SettingCount] = {
      unchanged},
 };
 
-const SettingsDialog dialog = {
-    {DialogBrightnessEnglish, DialogBrightnessJapanese}, settings, SettingCount};
+struct Tones {
+    uint8_t table[256];
+};
 
-int32_t ToneOf(uint32_t setting, TavrixGetPropertyCallback get)
+int32_t ToneOf(const FilterContext& context, uint32_t setting)
 {
-    return static_cast<int32_t>(ReadSetting(settings[setting].setting, get)) - mostTone;
+    return static_cast<int32_t>(context.values[setting]) - mostTone;
+}
+
+bool OpenTones(FilterContext* context)
+{
+    FillToneTable(static_cast<Tones*>(context->state)->table, ToneOf(*context, Brightness),
+                  ToneOf(*context, Contrast));
+    return true;
+}
+
+void ChangeTones(FilterContext* context, const FilterRows& rows, uint8_t* out)
+{
+    const uint8_t* table = static_cast<const Tones*>(context->state)->table;
+    const uint8_t* row = RowAt(rows, 0);
+    for (uint32_t i = 0; i < 3 * rows.width; ++i)
+        out[i] = table[row[i]];
 }
 
 } // namespace
 
-extern "C" {
-
-TAVRIX_EXPORT int32_t TAVRIX_CALL GetPluginInfo(uint32_t index, TavrixChar* buffer,
-                                                uint32_t capacity)
-{
-    return AnswerPluginInfo(texts, index, buffer, capacity);
-}
-
-TAVRIX_EXPORT int32_t TAVRIX_CALL SetLanguage(uint32_t language)
-{
-    return SetPluginLanguage(language);
-}
-
-TAVRIX_EXPORT int32_t TAVRIX_CALL Configure(TavrixWindow owner, TavrixImageHandle,
-                                            RasterFunctionTable*, PaletteFunctionTable*,
-                                            TavrixMessageCallback, TavrixPutPropertyCallback put,
-                                            TavrixGetPropertyCallback get)
-{
-    return AskSettings(dialog, owner, put, get);
-}
-
-TAVRIX_EXPORT int32_t TAVRIX_CALL AdjustImage(TavrixImageHandle image, RasterFunctionTable* rasters,
-                                              PaletteFunctionTable*,
-                                              TavrixProgressCallback progress,
-                                              TavrixMessageCallback message,
-                                              TavrixPutPropertyCallback,
-                                              TavrixGetPropertyCallback get)
-{
-    return AdjustTones(
-        {image, rasters, progress, message, ToneOf(Brightness, get), ToneOf(Contrast, get)},
-        caption);
-}
-
-} // extern "C"
+const FilterPlugin filterPlugin = {
+    {
+        PLUGIN_TEXT("TX_ADJUST"),
+        {PLUGIN_TEXT("Brightness and Contrast..."), PLUGIN_TEXT("明るさとコントラスト...")},
+        PLUGIN_TEXT("1.1"),
+        PLUGIN_TEXT("2026-11-22"),
+        {PLUGIN_TEXT("Makes the picture or the selection brighter or darker, flatter or sharper."),
+         PLUGIN_TEXT("画像や選択範囲の明るさとコントラストを変えます。")},
+        nullptr,
+        0,
+    },
+    {PLUGIN_TEXT("Brightness and Contrast"), PLUGIN_TEXT("明るさとコントラスト")},
+    {{DialogBrightnessEnglish, DialogBrightnessJapanese}, settings, SettingCount},
+    {.stateBytes = sizeof(Tones), .open = OpenTones, .change = ChangeTones},
+    AskFilter,
+    ControlPreview,
+    PreviewSample::Whole,
+    nullptr,
+};

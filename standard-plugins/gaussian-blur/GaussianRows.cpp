@@ -51,10 +51,15 @@ const uint16_t* RingRowBelow(const GaussianRows& rows, uint32_t y, uint32_t dist
 
 } // namespace
 
+uint32_t GaussianReach(uint32_t radius)
+{
+    return (3 * radius + 9) / 10;
+}
+
 bool OpenGaussianRows(GaussianRows* rows, uint32_t width, uint32_t height, uint32_t radius)
 {
     *rows = {};
-    rows->reach = (3 * radius + 9) / 10;
+    rows->reach = GaussianReach(radius);
     rows->samples = 3 * width;
     rows->height = height;
     const uint32_t span = 2 * rows->reach + 1;
@@ -77,12 +82,6 @@ void FreeGaussianRows(GaussianRows* rows)
     free(rows->sums);
     free(rows->ring);
     *rows = {};
-}
-
-uint32_t LastRowFor(const GaussianRows& rows, uint32_t y)
-{
-    const uint32_t left = rows.height - 1 - y;
-    return y + (rows.reach < left ? rows.reach : left);
 }
 
 void TakeRow(GaussianRows* rows, uint32_t y, const uint8_t* row)

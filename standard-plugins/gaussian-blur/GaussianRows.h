@@ -32,12 +32,12 @@ struct GaussianRows {
     uint32_t ringRows;
 };
 
+/// The reach of a radius in tenths of a pixel.
+uint32_t GaussianReach(uint32_t radius);
 /// `radius` is sigma in tenths of a pixel, at least 1. False without memory.
 bool OpenGaussianRows(GaussianRows* rows, uint32_t width, uint32_t height, uint32_t radius);
 void FreeGaussianRows(GaussianRows* rows);
-/// The last row that the blurred row `y` depends on.
-uint32_t LastRowFor(const GaussianRows& rows, uint32_t y);
 /// Takes row `y` of the picture; rows come in order, from 0.
 void TakeRow(GaussianRows* rows, uint32_t y, const uint8_t* row);
-/// Writes blurred row `y`, once LastRowFor(y) was taken and no later row.
+/// Writes blurred row `y`, once row y + reach (or the last one) was taken and no later row.
 void WriteRow(GaussianRows* rows, uint32_t y, uint8_t* row);

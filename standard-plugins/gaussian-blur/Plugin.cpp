@@ -1,63 +1,83 @@
-// The exports of the Gaussian blur.
-#include "standard-plugins/common/PluginInfo.h"
+// What the host is told of the Gaussian blur.
+#include "standard-plugins/common/filtering/Filter.h"
 #include "standard-plugins/common/PluginResult.h"
-#include "standard-plugins/common/PluginSettings.h"
-#include "standard-plugins/gaussian-blur/Blur.h"
 #include "standard-plugins/gaussian-blur/BlurDialog.h"
+#include "standard-plugins/gaussian-blur/GaussianRows.h"
 
 namespace
 {
 
-const PluginTexts texts = {
-    PLUGIN_TEXT("TX_EFFECT"),
-    {PLUGIN_TEXT("Gaussian Blur..."), PLUGIN_TEXT("ガウスぼかし...")},
-    PLUGIN_TEXT("1.0"),
-    PLUGIN_TEXT("2026-11-21"),
-    {PLUGIN_TEXT("Blurs the picture or the selection softly, by a radius in pixels."),
-     PLUGIN_TEXT("画像や選択範囲を、指定した半径で滑らかにぼかします。")},
-    nullptr,
-    0,
-};
-const BilingualText caption = {PLUGIN_TEXT("Gaussian Blur"), PLUGIN_TEXT("ガウスぼかし")};
-
 // Two pixels at first.
-const PluginSetting radius = {PLUGIN_TEXT("GaussianBlurRadius"), leastRadius, mostRadius, 20};
+const DialogSetting radius = {{PLUGIN_TEXT("GaussianBlurRadius"), leastRadius, mostRadius, 20},
+                              SettingControl::Trackbar,
+                              0,
+                              0};
 
-} // namespace
-
-extern "C" {
-
-TAVRIX_EXPORT int32_t TAVRIX_CALL GetPluginInfo(uint32_t index, TavrixChar* buffer,
-                                                uint32_t capacity)
+GaussianRows* RowsOf(FilterContext* context)
 {
-    return AnswerPluginInfo(texts, index, buffer, capacity);
+    return static_cast<GaussianRows*>(context->state);
 }
 
-TAVRIX_EXPORT int32_t TAVRIX_CALL SetLanguage(uint32_t language)
+uint32_t Reach(const uint32_t* values)
 {
-    return SetPluginLanguage(language);
+    return GaussianReach(values[0]);
 }
 
-TAVRIX_EXPORT int32_t TAVRIX_CALL Configure(TavrixWindow owner, TavrixImageHandle,
-                                            RasterFunctionTable*, PaletteFunctionTable*,
-                                            TavrixMessageCallback, TavrixPutPropertyCallback put,
-                                            TavrixGetPropertyCallback get)
+bool Open(FilterContext* context)
+{
+    return OpenGaussianRows(RowsOf(context), context->width, context->height, context->values[0]);
+}
+
+void Take(FilterContext* context, uint32_t y, const uint8_t* row)
+{
+    TakeRow(RowsOf(context), y, row);
+}
+
+void Change(FilterContext* context, const FilterRows& rows, uint8_t* out)
+{
+    WriteRow(RowsOf(context), rows.y, out);
+}
+
+void Close(FilterContext* context)
+{
+    FreeGaussianRows(RowsOf(context));
+}
+
+int32_t Ask(TavrixWindow owner, TavrixImageHandle, RasterFunctionTable*,
+            TavrixPutPropertyCallback put, TavrixGetPropertyCallback get)
 {
     if (!put || !get)
         return PluginBadArgument;
-    uint32_t tenths = ReadSetting(radius, get);
-    const int32_t result = AskRadius(&tenths, caption, owner);
+    uint32_t tenths = ReadSetting(radius.setting, get);
+    const int32_t result = AskRadius(&tenths, filterPlugin.caption, owner);
     if (result != PluginDone)
         return result;
-    return StoreSetting(radius, tenths, put) ? PluginDone : PluginFailed;
+    return StoreSetting(radius.setting, tenths, put) ? PluginDone : PluginFailed;
 }
 
-TAVRIX_EXPORT int32_t TAVRIX_CALL Effect(TavrixImageHandle image, RasterFunctionTable* rasters,
-                                         PaletteFunctionTable*, TavrixProgressCallback progress,
-                                         TavrixMessageCallback message, TavrixPutPropertyCallback,
-                                         TavrixGetPropertyCallback get)
-{
-    return BlurPicture({image, rasters, progress, message, ReadSetting(radius, get)}, caption);
-}
+} // namespace
 
-} // extern "C"
+const FilterPlugin filterPlugin = {
+    {
+        PLUGIN_TEXT("TX_EFFECT"),
+        {PLUGIN_TEXT("Gaussian Blur..."), PLUGIN_TEXT("ガウスぼかし...")},
+        PLUGIN_TEXT("1.0"),
+        PLUGIN_TEXT("2026-11-21"),
+        {PLUGIN_TEXT("Blurs the picture or the selection softly, by a radius in pixels."),
+         PLUGIN_TEXT("画像や選択範囲を、指定した半径で滑らかにぼかします。")},
+        nullptr,
+        0,
+    },
+    {PLUGIN_TEXT("Gaussian Blur"), PLUGIN_TEXT("ガウスぼかし")},
+    {{0, 0}, &radius, 1},
+    {.stateBytes = sizeof(GaussianRows),
+     .reach = Reach,
+     .open = Open,
+     .take = Take,
+     .change = Change,
+     .close = Close},
+    Ask,
+    0,
+    PreviewSample::Middle,
+    nullptr,
+};

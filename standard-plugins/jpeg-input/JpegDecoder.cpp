@@ -164,18 +164,18 @@ void ReadAll(JpegDecode* decode, TavrixProgressCallback progress)
     decode->reading.result = decode->reading.damaged ? PluginFailed : PluginDone;
 }
 
-int32_t RunDecode(JpegDecode* decode, const JpegRequest& request)
+int32_t RunDecode(JpegDecode* decode, const ReadOrder& order)
 {
-    const int32_t opened = OpenReading(&decode->reading, request.stream);
+    const int32_t opened = OpenReading(&decode->reading, order.stream);
     if (opened < 0)
         return opened;
-    const int32_t linesOpened = OpenLines(&decode->lines, request.rasters, request.image);
+    const int32_t linesOpened = OpenLines(&decode->lines, order.rasters, order.image);
     if (linesOpened < 0)
         return linesOpened;
-    decode->message = request.message;
-    decode->get = request.get;
+    decode->message = order.message;
+    decode->get = order.get;
     if (setjmp(decode->reading.failure) == 0)
-        ReadAll(decode, request.progress);
+        ReadAll(decode, order.progress);
     return decode->reading.result;
 }
 
@@ -193,12 +193,12 @@ int32_t RunHeader(JpegReading* reading, PluginStreamRecord* stream)
 
 } // namespace
 
-int32_t ReadJpegPicture(const JpegRequest& request)
+int32_t ReadJpegPicture(const ReadOrder& order)
 {
     auto* decode = static_cast<JpegDecode*>(calloc(1, sizeof(JpegDecode)));
     if (!decode)
         return PluginNoMemory;
-    const int32_t result = RunDecode(decode, request);
+    const int32_t result = RunDecode(decode, order);
     CloseReading(&decode->reading);
     free(decode);
     return result;

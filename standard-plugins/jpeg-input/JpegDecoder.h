@@ -11,18 +11,8 @@
 // as stray bytes between two markers, change nothing.
 #pragma once
 
-#include <tavrix/plugin.h>
+#include "standard-plugins/common/reading/Reader.h"
 
-/// What GetImage hands on.
-struct JpegRequest {
-    PluginStreamRecord* stream;
-    TavrixImageHandle image;
-    RasterFunctionTable* rasters;
-    TavrixProgressCallback progress;
-    TavrixMessageCallback message;
-    TavrixGetPropertyCallback get;
-};
-
-int32_t ReadJpegPicture(const JpegRequest& request);
+int32_t ReadJpegPicture(const ReadOrder& order);
 /// The size alone; `stream` is read up to the first scan.
 int32_t ReadJpegSize(PluginStreamRecord* stream, uint32_t* width, uint32_t* height);

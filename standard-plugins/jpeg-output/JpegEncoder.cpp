@@ -29,6 +29,7 @@ const BilingualText tooLargeText = {
 struct JpegEncode {
     JpegWriting writing; // first, so that the codec's user data leads here
     jpeg_progress_mgr monitor;
+    JpegChoice choice;
     PictureReader picture;
     ProgressThrottle progress;
     uint8_t* row;
@@ -44,9 +45,9 @@ struct Factors {
 };
 
 // How many pixels a colour has on each side.
-Factors FactorsOf(const JpegOrder& order)
+Factors FactorsOf(const JpegChoice& choice)
 {
-    switch (order.sampling) {
+    switch (choice.sampling) {
     case ChromaSampling::Every444:
         return {1, 1};
     case ChromaSampling::Two422:
@@ -54,7 +55,7 @@ Factors FactorsOf(const JpegOrder& order)
     case ChromaSampling::Four420:
         return {2, 2};
     default:
-        return order.quality >= finestQuality ? Factors{1, 1} : Factors{2, 2};
+        return choice.quality >= finestQuality ? Factors{1, 1} : Factors{2, 2};
     }
 }
 
@@ -70,15 +71,16 @@ uint64_t CoefficientBytes(const PictureReader& picture, const Factors& factors)
            blocksAUnit * sizeof(JBLOCK);
 }
 
-WriteProblem RefuseLarge(JpegEncode* encode, const JpegOrder& order)
+WriteProblem RefuseLarge(JpegEncode* encode)
 {
     const PictureReader& picture = encode->picture;
     if (picture.width > JPEG_MAX_DIMENSION || picture.height > JPEG_MAX_DIMENSION) {
         encode->text = &tooWideText;
         return WriteProblem::Size;
     }
-    const uint64_t limit = static_cast<uint64_t>(order.megabytes) << 20;
-    if (order.progressive && CoefficientBytes(picture, FactorsOf(order)) > limit) {
+    const uint64_t limit = static_cast<uint64_t>(encode->choice.megabytes) << 20;
+    if (encode->choice.progressive &&
+        CoefficientBytes(picture, FactorsOf(encode->choice)) > limit) {
         encode->text = &tooLargeText;
         return WriteProblem::Memory;
     }
@@ -115,7 +117,7 @@ void ChooseSampling(jpeg_compress_struct* codec, const Factors& factors)
     }
 }
 
-void StartCodec(JpegEncode* encode, const JpegOrder& order)
+void StartCodec(JpegEncode* encode)
 {
     jpeg_compress_struct* codec = &encode->writing.codec;
     jpeg_create_compress(codec);
@@ -123,16 +125,16 @@ void StartCodec(JpegEncode* encode, const JpegOrder& order)
     encode->monitor.progress_monitor = OnCodecProgress;
     codec->progress = &encode->monitor;
     codec->mem->max_memory_to_use =
-        static_cast<long>(static_cast<uint64_t>(order.megabytes + besidesMegabytes) << 20);
+        static_cast<long>(static_cast<uint64_t>(encode->choice.megabytes + besidesMegabytes) << 20);
     codec->image_width = encode->picture.width;
     codec->image_height = encode->picture.height;
     codec->input_components = components;
     codec->in_color_space = JCS_RGB;
     jpeg_set_defaults(codec);
-    jpeg_set_quality(codec, static_cast<int>(order.quality), TRUE);
+    jpeg_set_quality(codec, static_cast<int>(encode->choice.quality), TRUE);
     codec->dct_method = JDCT_ISLOW;
-    ChooseSampling(codec, FactorsOf(order));
-    if (order.progressive)
+    ChooseSampling(codec, FactorsOf(encode->choice));
+    if (encode->choice.progressive)
         jpeg_simple_progression(codec);
     jpeg_start_compress(codec, TRUE);
 }
@@ -152,15 +154,16 @@ void WriteRows(JpegEncode* encode)
     }
 }
 
-void WriteAll(JpegEncode* encode, const JpegOrder& order)
+void WriteAll(JpegEncode* encode, const WriteOrder& order)
 {
     const uint32_t height = encode->picture.height;
-    StartCodec(encode, order);
-    StartProgress(&encode->progress, order.progress, order.progressive ? 2 * height : height);
+    StartCodec(encode);
+    StartProgress(&encode->progress, order.progress,
+                  encode->choice.progressive ? 2 * height : height);
     WriteRows(encode);
-    encode->scanning = order.progressive;
+    encode->scanning = encode->choice.progressive;
     jpeg_finish_compress(&encode->writing.codec);
-    if (order.progressive && !ReportProgress(&encode->progress, 2 * height))
+    if (encode->choice.progressive && !ReportProgress(&encode->progress, 2 * height))
         LeaveWriting(&encode->writing, WriteProblem::Stopped);
     if (!FinishOutput(&encode->writing.output))
         LeaveWriting(&encode->writing, encode->writing.output.problem);
@@ -168,11 +171,11 @@ void WriteAll(JpegEncode* encode, const JpegOrder& order)
 
 // Everything that can fail before the codec is there. Nothing is made on the disk for a picture
 // that cannot be written.
-WriteProblem Open(JpegEncode* encode, const JpegOrder& order)
+WriteProblem Open(JpegEncode* encode, const WriteOrder& order)
 {
     if (!OpenPicture(&encode->picture, order.rasters, order.palettes, order.image))
         return encode->picture.problem;
-    const WriteProblem refused = RefuseLarge(encode, order);
+    const WriteProblem refused = RefuseLarge(encode);
     if (refused != WriteProblem::None)
         return refused;
     encode->row = static_cast<uint8_t*>(malloc(RowBytes(encode->picture)));
@@ -182,7 +185,7 @@ WriteProblem Open(JpegEncode* encode, const JpegOrder& order)
     return OpenOutput(output, order.path, order.stream) ? WriteProblem::None : output->problem;
 }
 
-WriteProblem Run(JpegEncode* encode, const JpegOrder& order)
+WriteProblem Run(JpegEncode* encode, const WriteOrder& order)
 {
     JpegWriting* writing = &encode->writing;
     BindWriting(writing);
@@ -194,18 +197,15 @@ WriteProblem Run(JpegEncode* encode, const JpegOrder& order)
 
 } // namespace
 
-int32_t WriteJpegPicture(const JpegOrder& order)
+WriteOutcome WriteJpegPicture(const WriteOrder& order, const JpegChoice& choice)
 {
     auto* encode = static_cast<JpegEncode*>(calloc(1, sizeof(JpegEncode)));
-    WriteProblem problem = WriteProblem::Memory;
-    const BilingualText* text = nullptr;
-    if (encode) {
-        problem = Run(encode, order);
-        text = encode->text;
-        CloseWriting(&encode->writing);
-        free(encode->row);
-        free(encode);
-    }
-    TellText(text ? *text : TextOf(problem), captionText, order.message);
-    return ResultOf(problem);
+    if (!encode)
+        return {WriteProblem::Memory, nullptr};
+    encode->choice = choice;
+    const WriteOutcome outcome = {Run(encode, order), encode->text};
+    CloseWriting(&encode->writing);
+    free(encode->row);
+    free(encode);
+    return outcome;
 }

@@ -4,7 +4,7 @@
 // 512 MB, or the number of megabytes under `JpegOutputMemory` in the settings.
 #pragma once
 
-#include <tavrix/plugin.h>
+#include "standard-plugins/common/writing/Writer.h"
 
 /// How many pixels share a colour. The numbers are stored in the settings.
 enum class ChromaSampling : uint32_t {
@@ -14,15 +14,8 @@ enum class ChromaSampling : uint32_t {
     Four420
 };
 
-/// What PutImage hands on, and what was chosen.
-struct JpegOrder {
-    const TavrixChar* path;
-    PluginStreamRecord* stream;
-    TavrixImageHandle image;
-    RasterFunctionTable* rasters;
-    PaletteFunctionTable* palettes;
-    TavrixProgressCallback progress;
-    TavrixMessageCallback message;
+/// What was chosen.
+struct JpegChoice {
     /// 1 to 100, the codec library's scale.
     uint32_t quality;
     ChromaSampling sampling;
@@ -31,6 +24,6 @@ struct JpegOrder {
     uint32_t megabytes;
 };
 
-/// PluginDone once the whole file stands. Negative otherwise: then nothing is left of what was
-/// begun, a file of that name is as it was, and the user has been told.
-int32_t WriteJpegPicture(const JpegOrder& order);
+/// None once the whole file stands. Otherwise nothing is left of what was begun, and a file of that
+/// name is as it was.
+WriteOutcome WriteJpegPicture(const WriteOrder& order, const JpegChoice& choice);

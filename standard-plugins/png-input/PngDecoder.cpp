@@ -284,16 +284,16 @@ void CloseDecode(PngDecode* decode)
     CloseReader(&decode->reader);
 }
 
-int32_t RunDecode(PngDecode* decode, const PngRequest& request)
+int32_t RunDecode(PngDecode* decode, const ReadOrder& order)
 {
-    decode->result = OpenReader(&decode->reader, request.stream);
+    decode->result = OpenReader(&decode->reader, order.stream);
     if (decode->result < 0)
         return decode->result;
-    decode->result = OpenLines(&decode->lines, request.rasters, request.image);
+    decode->result = OpenLines(&decode->lines, order.rasters, order.image);
     if (decode->result < 0)
         return decode->result;
     if (setjmp(decode->failure) == 0)
-        ReadAll(decode, request.progress);
+        ReadAll(decode, order.progress);
     return decode->result;
 }
 
@@ -312,12 +312,12 @@ int32_t RunHeader(PngDecode* decode, PluginStreamRecord* stream)
 
 } // namespace
 
-int32_t ReadPngPicture(const PngRequest& request)
+int32_t ReadPngPicture(const ReadOrder& order)
 {
     auto* decode = static_cast<PngDecode*>(calloc(1, sizeof(PngDecode)));
     if (!decode)
         return PluginNoMemory;
-    const int32_t result = RunDecode(decode, request);
+    const int32_t result = RunDecode(decode, order);
     CloseDecode(decode);
     free(decode);
     return result;

@@ -10,16 +10,8 @@
 // picture.
 #pragma once
 
-#include <tavrix/plugin.h>
+#include "standard-plugins/common/reading/Reader.h"
 
-/// What GetImage and GetImageInfo hand on.
-struct PngRequest {
-    PluginStreamRecord* stream;
-    TavrixImageHandle image;
-    RasterFunctionTable* rasters;
-    TavrixProgressCallback progress;
-};
-
-int32_t ReadPngPicture(const PngRequest& request);
+int32_t ReadPngPicture(const ReadOrder& order);
 /// The size alone; `stream` is read up to the picture's first data.
 int32_t ReadPngSize(PluginStreamRecord* stream, uint32_t* width, uint32_t* height);

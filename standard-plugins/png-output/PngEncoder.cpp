@@ -13,8 +13,6 @@
 namespace
 {
 
-const BilingualText captionText = {PLUGIN_TEXT("PNG writer"), PLUGIN_TEXT("PNG 書き込み")};
-
 // One encode. The library leaves its calls by a jump when something fails, so everything lives here
 // and not in local objects, and is given back in one place behind the jump's target.
 struct PngEncode {
@@ -22,6 +20,7 @@ struct PngEncode {
     WriteProblem problem;
     png_structp png;
     png_infop info;
+    PngChoice choice;
     PictureReader picture;
     OutputFile output;
     ProgressThrottle progress;
@@ -79,15 +78,15 @@ void StartLibrary(PngEncode* encode)
     png_set_write_fn(encode->png, encode, OnWrite, OnFlush);
 }
 
-void WriteHeader(PngEncode* encode, const PngOrder& order)
+void WriteHeader(PngEncode* encode)
 {
     const PictureReader& picture = encode->picture;
     png_set_IHDR(encode->png, encode->info, picture.width, picture.height, 8, PNG_COLOR_TYPE_RGB,
-                 order.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
+                 encode->choice.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_set_compression_level(encode->png, static_cast<int>(order.compression));
+    png_set_compression_level(encode->png, static_cast<int>(encode->choice.compression));
     // Filters only serve the compressor.
-    if (order.compression == 0)
+    if (encode->choice.compression == 0)
         png_set_filter(encode->png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
     png_write_info(encode->png, encode->info);
 }
@@ -116,13 +115,13 @@ void WriteRow(PngEncode* encode, uint32_t y)
         Leave(encode, WriteProblem::Stopped);
 }
 
-void WriteRows(PngEncode* encode, const PngOrder& order)
+void WriteRows(PngEncode* encode, const WriteOrder& order)
 {
     const int passes = png_set_interlace_handling(encode->png);
     StartProgress(&encode->progress, order.progress, CountRows(encode->picture.height, passes));
     for (int pass = 0; pass < passes; ++pass)
         for (uint32_t y = 0; y < encode->picture.height; ++y) {
-            if (IsInPass(y, pass, order.interlaced))
+            if (IsInPass(y, pass, encode->choice.interlaced))
                 WriteRow(encode, y);
             else
                 // The library counts the rows that a pass leaves out and does not look at them.
@@ -130,10 +129,10 @@ void WriteRows(PngEncode* encode, const PngOrder& order)
         }
 }
 
-void WriteAll(PngEncode* encode, const PngOrder& order)
+void WriteAll(PngEncode* encode, const WriteOrder& order)
 {
     StartLibrary(encode);
-    WriteHeader(encode, order);
+    WriteHeader(encode);
     WriteRows(encode, order);
     png_write_end(encode->png, nullptr);
     if (!FinishOutput(&encode->output))
@@ -142,7 +141,7 @@ void WriteAll(PngEncode* encode, const PngOrder& order)
 
 // Everything that can fail before the library is there. Nothing is made on the disk for a picture
 // that cannot be written.
-WriteProblem Open(PngEncode* encode, const PngOrder& order)
+WriteProblem Open(PngEncode* encode, const WriteOrder& order)
 {
     if (!OpenPicture(&encode->picture, order.rasters, order.palettes, order.image))
         return encode->picture.problem;
@@ -153,7 +152,7 @@ WriteProblem Open(PngEncode* encode, const PngOrder& order)
                                                                  : encode->output.problem;
 }
 
-WriteProblem Run(PngEncode* encode, const PngOrder& order)
+WriteProblem Run(PngEncode* encode, const WriteOrder& order)
 {
     encode->problem = Open(encode, order);
     if (encode->problem == WriteProblem::None && setjmp(encode->failure) == 0)
@@ -171,15 +170,14 @@ void Close(PngEncode* encode)
 
 } // namespace
 
-int32_t WritePngPicture(const PngOrder& order)
+WriteProblem WritePngPicture(const WriteOrder& order, const PngChoice& choice)
 {
     auto* encode = static_cast<PngEncode*>(calloc(1, sizeof(PngEncode)));
-    WriteProblem problem = WriteProblem::Memory;
-    if (encode) {
-        problem = Run(encode, order);
-        Close(encode);
-        free(encode);
-    }
-    TellProblem(problem, captionText, order.message);
-    return ResultOf(problem);
+    if (!encode)
+        return WriteProblem::Memory;
+    encode->choice = choice;
+    const WriteProblem problem = Run(encode, order);
+    Close(encode);
+    free(encode);
+    return problem;
 }

@@ -3,22 +3,15 @@
 // lines that it needs are read anew.
 #pragma once
 
-#include <tavrix/plugin.h>
+#include "standard-plugins/common/writing/Writer.h"
 
-/// What PutImage hands on, and what was chosen.
-struct PngOrder {
-    const TavrixChar* path;
-    PluginStreamRecord* stream;
-    TavrixImageHandle image;
-    RasterFunctionTable* rasters;
-    PaletteFunctionTable* palettes;
-    TavrixProgressCallback progress;
-    TavrixMessageCallback message;
+/// What was chosen.
+struct PngChoice {
     /// 0 to 9, as the compressor counts.
     uint32_t compression;
     bool interlaced;
 };
 
-/// PluginDone once the whole file stands. Negative otherwise: then nothing is left of what was
-/// begun, a file of that name is as it was, and the user has been told.
-int32_t WritePngPicture(const PngOrder& order);
+/// None once the whole file stands. Otherwise nothing is left of what was begun, and a file of that
+/// name is as it was.
+WriteProblem WritePngPicture(const WriteOrder& order, const PngChoice& choice);

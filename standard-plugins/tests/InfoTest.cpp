@@ -31,7 +31,11 @@ struct Plugin {
     const char* exports;
 
     bool IsReader() const { return std::string(file).starts_with("INPUT/"); }
-    bool HasDialog() const { return !IsReader() && !std::string(file).starts_with("SCALE/"); }
+    // Windows or files of the device.
+    bool UsesDevice() const
+    {
+        return !std::string(file).starts_with("SCALE/") && file != std::string("INPUT/JPEG");
+    }
     std::u16string Identity() const
     {
         std::u16string identity = u"TX_";
@@ -213,14 +217,14 @@ TEST_P(PluginInfo, ExportsTheFunctionsOfItsKindAndNothingElse)
               GetParam().exports);
 }
 
-TEST_P(PluginInfo, NeedsNeitherTheToolkitNorTheCxxLibraryAndTheDeviceOnlyForDialogs)
+TEST_P(PluginInfo, NeedsNeitherTheToolkitNorTheCxxLibraryAndTheDeviceOnlyForDialogsAndFiles)
 {
     const std::string needed =
         OutputOf("objdump -p " + LibraryFile(GetParam().file) + " | grep NEEDED");
     EXPECT_NE(needed.find("NEEDED"), std::string::npos); // the tool answered at all
     for (const char* library : {"libQt", "libstdc++", "libzimg"})
         EXPECT_EQ(needed.find(library), std::string::npos) << library << " in\n" << needed;
-    EXPECT_EQ(needed.find("libtavrix-platform.so") != std::string::npos, GetParam().HasDialog());
+    EXPECT_EQ(needed.find("libtavrix-platform.so") != std::string::npos, GetParam().UsesDevice());
 }
 
 TEST_P(ReaderUse, RefusesMissingArguments)

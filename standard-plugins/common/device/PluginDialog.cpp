@@ -14,6 +14,7 @@ constexpr uint32_t pages = 10;
 
 struct Asking {
     const SettingsDialog* dialog;
+    const DialogFollower* follower;
     uint32_t values[mostDialogSettings];
 };
 
@@ -110,28 +111,56 @@ void FollowTrackbars(HWND window, const Asking& asking)
     }
 }
 
+void TellFollower(HWND window, const Asking& asking)
+{
+    if (asking.follower)
+        asking.follower->changed(asking.follower->self, window, asking.values);
+}
+
+void OnChange(HWND window, Asking* asking)
+{
+    FollowTrackbars(window, *asking);
+    TakeValues(window, asking);
+    TellFollower(window, *asking);
+}
+
+void OnCommand(HWND window, Asking* asking, int id)
+{
+    if (id == IDOK)
+        TakeValues(window, asking);
+    else if (id != IDCANCEL)
+        OnChange(window, asking);
+    if (id == IDOK || id == IDCANCEL)
+        EndDialog(window, id);
+}
+
+Asking* AskingOf(HWND window)
+{
+    return reinterpret_cast<Asking*>(GetWindowLongPtrW(window, DWLP_USER));
+}
+
 INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(window, DWLP_USER, lParam);
-        ShowValues(window, *reinterpret_cast<const Asking*>(lParam));
+        ShowValues(window, *AskingOf(window));
+        TellFollower(window, *AskingOf(window));
         return TRUE;
     }
-    auto* asking = reinterpret_cast<Asking*>(GetWindowLongPtrW(window, DWLP_USER));
+    Asking* asking = AskingOf(window);
     if (!asking)
         return FALSE;
     switch (message) {
     case WM_HSCROLL:
-        FollowTrackbars(window, *asking);
+        OnChange(window, asking);
         return TRUE;
     case WM_COMMAND:
-        if (LOWORD(wParam) == IDOK)
-            TakeValues(window, asking);
-        if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL)
-            EndDialog(window, LOWORD(wParam));
+        OnCommand(window, asking, LOWORD(wParam));
         return TRUE;
     default:
-        return FALSE;
+        return asking->follower ? asking->follower->handle(asking->follower->self, window, message,
+                                                           wParam, lParam)
+                                : FALSE;
     }
 }
 
@@ -153,15 +182,24 @@ int32_t ShowPluginDialog(const DialogNumbers& numbers, TavrixWindow owner, DLGPR
     return result == IDCANCEL ? PluginNothing : PluginFailed;
 }
 
+void ShowSettings(HWND dialog, const uint32_t* values)
+{
+    Asking* asking = AskingOf(dialog);
+    for (uint32_t i = 0; i < asking->dialog->count; ++i)
+        asking->values[i] = values[i];
+    ShowValues(dialog, *asking);
+    TellFollower(dialog, *asking);
+}
+
 int32_t AskSettings(const SettingsDialog& dialog, TavrixWindow owner, TavrixPutPropertyCallback put,
-                    TavrixGetPropertyCallback get)
+                    TavrixGetPropertyCallback get, const DialogFollower* follower)
 {
     if (!put || !get || dialog.count > mostDialogSettings)
         return PluginBadArgument;
     Asking asking = {};
     asking.dialog = &dialog;
-    for (uint32_t i = 0; i < dialog.count; ++i)
-        asking.values[i] = ReadSetting(dialog.settings[i].setting, get);
+    asking.follower = follower;
+    ReadSettings(dialog, get, asking.values);
     const int32_t result =
         ShowPluginDialog(dialog.numbers, owner, Procedure, reinterpret_cast<LPARAM>(&asking));
     if (result != PluginDone)

@@ -4,15 +4,9 @@
 // User-interface thread: inside Configure alone.
 #pragma once
 
-#include "standard-plugins/common/PluginSettings.h"
+#include "standard-plugins/common/SettingsDialog.h"
 
 #include <windows.h>
-
-/// The numbers of one dialog in the script.
-struct DialogNumbers {
-    int english;
-    int japanese;
-};
 
 /// Shows a dialog over `owner`, which may be null. PluginDone when it ended with IDOK,
 /// PluginNothing with IDCANCEL, PluginFailed when it cannot be shown or ended otherwise.
@@ -20,36 +14,23 @@ struct DialogNumbers {
 int32_t ShowPluginDialog(const DialogNumbers& numbers, TavrixWindow owner, DLGPROC procedure,
                          LPARAM parameter);
 
-enum class SettingControl {
-    Trackbar, // over the setting's range
-    Check,    // a check box: 0 and 1
-    Choice    // radio buttons, one for each value of the range, with numbers that follow each other
+/// Who draws beside the settings, a preview.
+struct DialogFollower {
+    void* self;
+    /// The dialog's procedure for every message that the settings do not need; FALSE where it does
+    /// nothing.
+    INT_PTR (*handle)(void* self, HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    /// The controls show `values`, at first and after each change.
+    void (*changed)(void* self, HWND dialog, const uint32_t* values);
 };
 
-/// A setting and what asks for it.
-struct DialogSetting {
-    PluginSetting setting;
-    SettingControl kind;
-    /// The control; of radio buttons the first.
-    int control;
-    /// A text beside a trackbar that always shows its number; 0 for none.
-    int number;
-    /// The value that this text shows as 0: settings hold no numbers below 0.
-    uint32_t zero = 0;
-};
-
-constexpr uint32_t mostDialogSettings = 16;
-
-/// A dialog that asks for settings and for nothing else; constant data of a plugin.
-struct SettingsDialog {
-    DialogNumbers numbers;
-    const DialogSetting* settings;
-    uint32_t count; // mostDialogSettings at most
-};
+/// Lets an open dialog of settings show other values, `dialog.count` of them; the follower is told.
+void ShowSettings(HWND dialog, const uint32_t* values);
 
 /// Carries out Configure: shows the dialog with the stored settings and stores what was chosen once
 /// OK was pressed. PluginDone; PluginNothing when the user cancelled, and nothing is stored;
 /// PluginBadArgument for a null callback; PluginFailed when it cannot be shown or a setting cannot
 /// be stored.
+/// `follower` may be null.
 int32_t AskSettings(const SettingsDialog& dialog, TavrixWindow owner, TavrixPutPropertyCallback put,
-                    TavrixGetPropertyCallback get);
+                    TavrixGetPropertyCallback get, const DialogFollower* follower = nullptr);

@@ -1,11 +1,12 @@
-// The library zimg, opened while a picture is scaled and not before: loading it takes longer than a
-// plugin may take to tell its name. The one place that opens a library of the host by its name.
+// The functions of the library zimg that are used here; opened while a picture is scaled.
 #pragma once
+
+#include "standard-plugins/common/HostLibrary.h"
 
 #include <zimg.h>
 
 struct ZimgLibrary {
-    void* handle;
+    HostLibrary host;
     decltype(&zimg_image_format_default) formatDefault;
     decltype(&zimg_graph_builder_params_default) paramsDefault;
     decltype(&zimg_filter_graph_build) build;
