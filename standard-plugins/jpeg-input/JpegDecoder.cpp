@@ -4,7 +4,9 @@
 #include "standard-plugins/common/PluginInfo.h"
 #include "standard-plugins/common/PluginResult.h"
 #include "standard-plugins/common/ProgressThrottle.h"
-#include "standard-plugins/jpeg-input/JpegPixels.h"
+#include "standard-plugins/common/reading/ExifOrientation.h"
+#include "standard-plugins/common/reading/OrientedLines.h"
+#include "standard-plugins/jpeg-input/JpegColors.h"
 #include "standard-plugins/jpeg-input/JpegReading.h"
 
 #include <limits.h>
@@ -35,6 +37,9 @@ struct JpegDecode {
     JpegReading reading;
     jpeg_progress_mgr monitor;
     LineWriter lines;
+    OrientedLines turned;
+    JpegColors colors;
+    uint32_t divisor;
     ProgressThrottle progress;
     TavrixMessageCallback message;
     TavrixGetPropertyCallback get;
@@ -108,6 +113,8 @@ void StartCodec(JpegDecode* decode)
     const bool inked = codec.jpeg_color_space == JCS_CMYK || codec.jpeg_color_space == JCS_YCCK;
     codec.out_color_space = inked ? JCS_CMYK : JCS_EXT_BGR;
     codec.dct_method = JDCT_ISLOW;
+    codec.scale_num = 1;
+    codec.scale_denom = decode->divisor;
     decode->monitor.progress_monitor = OnCodecProgress;
     codec.progress = &decode->monitor;
     decode->gathering = jpeg_has_multiple_scans(&codec) != 0;
@@ -116,19 +123,30 @@ void StartCodec(JpegDecode* decode)
     decode->gathering = false;
 }
 
-void PutRow(JpegDecode* decode, const uint8_t* row, uint32_t y)
+// Inks lie in `row` and go to `light`; other colours stay in `row`.
+const uint8_t* ConvertRow(JpegDecode* decode, uint8_t* row, uint8_t* light)
 {
     const jpeg_decompress_struct& codec = decode->reading.codec;
-    uint8_t* line = LockLine(&decode->lines, y);
-    if (!line)
-        LeaveReading(&decode->reading, decode->lines.result);
-    if (codec.out_color_space == JCS_CMYK)
-        ConvertInk(row, codec.output_width,
-                   codec.saw_Adobe_marker ? InkSense::LessIsInk : InkSense::MoreIsInk, line);
-    else
-        memcpy(line, row, size_t{3} * codec.output_width);
-    if (!UnlockLine(&decode->lines, y))
-        LeaveReading(&decode->reading, decode->lines.result);
+    if (codec.out_color_space != JCS_CMYK) {
+        ConvertJpegRow(decode->colors, row, codec.output_width);
+        return row;
+    }
+    ConvertJpegInk(decode->colors, row, codec.output_width, codec.saw_Adobe_marker != FALSE, light);
+    return light;
+}
+
+uint8_t* MakeRow(jpeg_decompress_struct* codec, uint32_t components)
+{
+    return codec->mem->alloc_sarray(reinterpret_cast<j_common_ptr>(codec), JPOOL_IMAGE,
+                                    codec->output_width * components, 1)[0];
+}
+
+void OpenTurned(JpegDecode* decode)
+{
+    const jpeg_decompress_struct& codec = decode->reading.codec;
+    if (!OpenOrientedLines(&decode->turned, &decode->lines, codec.output_width, codec.output_height,
+                           OrientationOf(decode->reading.markers)))
+        LeaveReading(&decode->reading, PluginNoMemory);
 }
 
 // A row is decoded before its line is locked: the picture is allocated only for a file that brings
@@ -136,15 +154,15 @@ void PutRow(JpegDecode* decode, const uint8_t* row, uint32_t y)
 void ReadRows(JpegDecode* decode, uint32_t doneBefore)
 {
     jpeg_decompress_struct& codec = decode->reading.codec;
-    JSAMPARRAY row = codec.mem->alloc_sarray(
-        reinterpret_cast<j_common_ptr>(&codec), JPOOL_IMAGE,
-        codec.output_width * static_cast<JDIMENSION>(codec.output_components), 1);
-    SetLinesSize(&decode->lines, codec.output_width, codec.output_height);
+    JSAMPROW row = MakeRow(&codec, static_cast<uint32_t>(codec.output_components));
+    uint8_t* light = MakeRow(&codec, 3);
+    OpenTurned(decode);
     while (codec.output_scanline < codec.output_height) {
         const uint32_t y = codec.output_scanline;
-        if (jpeg_read_scanlines(&codec, row, 1) != 1)
+        if (jpeg_read_scanlines(&codec, &row, 1) != 1)
             LeaveReading(&decode->reading, PluginFailed);
-        PutRow(decode, row[0], y);
+        if (!PutOrientedRow(&decode->turned, y, ConvertRow(decode, row, light)))
+            LeaveReading(&decode->reading, decode->lines.result);
         if (!ReportProgress(&decode->progress, doneBefore + y + 1))
             LeaveReading(&decode->reading, PluginFailed);
     }
@@ -156,7 +174,9 @@ void ReadAll(JpegDecode* decode, TavrixProgressCallback progress)
     ReadJpegHeader(&decode->reading);
     RefuseLargeScans(decode);
     const uint32_t doneBefore = jpeg_has_multiple_scans(&codec) ? codec.image_height : 0;
-    StartProgress(&decode->progress, progress, doneBefore + codec.image_height);
+    const uint32_t rows = (codec.image_height + decode->divisor - 1) / decode->divisor;
+    StartProgress(&decode->progress, progress, doneBefore + rows);
+    OpenJpegColors(&decode->colors, decode->reading);
     StartCodec(decode);
     ReadRows(decode, doneBefore);
     // To the end mark: a file that breaks off behind its last row is still a broken one.
@@ -176,6 +196,9 @@ int32_t RunDecode(JpegDecode* decode, const ReadOrder& order)
     decode->get = order.get;
     if (setjmp(decode->reading.failure) == 0)
         ReadAll(decode, order.progress);
+    // Of a file that breaks off too, what came of it is shown.
+    if (!FinishOrientedLines(&decode->turned))
+        return decode->lines.result;
     return decode->reading.result;
 }
 
@@ -195,10 +218,18 @@ int32_t RunHeader(JpegReading* reading, PluginStreamRecord* stream)
 
 int32_t ReadJpegPicture(const ReadOrder& order)
 {
+    return ReadSmallJpeg(order, 1);
+}
+
+int32_t ReadSmallJpeg(const ReadOrder& order, uint32_t divisor)
+{
     auto* decode = static_cast<JpegDecode*>(calloc(1, sizeof(JpegDecode)));
     if (!decode)
         return PluginNoMemory;
+    decode->divisor = divisor;
     const int32_t result = RunDecode(decode, order);
+    CloseOrientedLines(&decode->turned);
+    CloseJpegColors(&decode->colors);
     CloseReading(&decode->reading);
     free(decode);
     return result;
@@ -210,8 +241,9 @@ int32_t ReadJpegSize(PluginStreamRecord* stream, uint32_t* width, uint32_t* heig
     if (!reading)
         return PluginNoMemory;
     const int32_t result = RunHeader(reading, stream);
-    *width = reading->codec.image_width;
-    *height = reading->codec.image_height;
+    const bool turned = SwapsSides(OrientationOf(reading->markers));
+    *width = turned ? reading->codec.image_height : reading->codec.image_width;
+    *height = turned ? reading->codec.image_width : reading->codec.image_height;
     CloseReading(reading);
     free(reading);
     return result;

@@ -13,6 +13,10 @@
 
 #include "standard-plugins/common/reading/Reader.h"
 
+/// Rows are turned as the camera was held and converted to sRGB where the file has a profile.
 int32_t ReadJpegPicture(const ReadOrder& order);
-/// The size alone; `stream` is read up to the first scan.
+/// The same at 1/`divisor` of the size (1, 2, 4, 8), rounded up, which takes a fraction of the
+/// time: the codec computes only that many points of each block.
+int32_t ReadSmallJpeg(const ReadOrder& order, uint32_t divisor);
+/// The size alone, as the picture is turned; `stream` is read up to the first scan.
 int32_t ReadJpegSize(PluginStreamRecord* stream, uint32_t* width, uint32_t* height);

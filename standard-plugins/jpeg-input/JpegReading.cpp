@@ -124,6 +124,7 @@ void ReadJpegHeader(JpegReading* reading)
 {
     jpeg_create_decompress(&reading->codec);
     reading->codec.src = &reading->source;
+    WatchMarkers(&reading->codec, &reading->markers);
     (void)jpeg_read_header(&reading->codec, TRUE);
     if (!IsPictureSize(reading->codec.image_width, reading->codec.image_height))
         LeaveReading(reading, PluginFailed);
@@ -138,5 +139,6 @@ void LeaveReading(JpegReading* reading, int32_t result)
 void CloseReading(JpegReading* reading)
 {
     jpeg_destroy_decompress(&reading->codec);
+    FreeMarkers(&reading->markers);
     CloseReader(&reading->reader);
 }

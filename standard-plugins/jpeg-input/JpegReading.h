@@ -4,6 +4,7 @@
 #pragma once
 
 #include "standard-plugins/common/StreamReader.h"
+#include "standard-plugins/jpeg-input/JpegMarkers.h"
 
 #include <setjmp.h>
 #include <stdio.h> // the codec's header takes FILE as known
@@ -21,6 +22,9 @@ struct JpegReading {
     jpeg_error_mgr errors;
     jpeg_source_mgr source;
     StreamReader reader;
+    JpegMarkers markers;
+    /// One marker at a time.
+    uint8_t markerBytes[65533];
     /// Pixels were lost to broken data, though the decoder went on.
     bool damaged;
     /// A file of several scans: where its data end too early, what was gathered can still be shown.

@@ -4,7 +4,9 @@
 #include "standard-plugins/common/PluginResult.h"
 #include "standard-plugins/common/ProgressThrottle.h"
 #include "standard-plugins/common/StreamReader.h"
+#include "standard-plugins/png-input/PngColors.h"
 #include "standard-plugins/png-input/PngPixels.h"
+#include "standard-plugins/png-input/PngSettings.h"
 
 #include <png.h>
 
@@ -13,6 +15,10 @@
 
 namespace
 {
+
+// A colour profile is the largest that is kept; 4 MB are enough for those with tables.
+constexpr png_alloc_size_t mostChunkBytes = 4u << 20;
+const png_byte profileChunk[] = {'i', 'C', 'C', 'P', 0};
 
 // One decode. The library leaves its calls by a jump when the data are broken, so everything lives
 // here and not in local objects, and is given back in one place behind the jump's target.
@@ -25,6 +31,7 @@ struct PngDecode {
     LineWriter lines;
     ProgressThrottle progress;
     PngPixels pixels;
+    ColorConversion colors;
     uint32_t width;
     uint32_t height;
     bool interlaced;
@@ -73,13 +80,14 @@ void StartLibrary(PngDecode* decode)
     png_set_read_fn(decode->png, decode, OnRead);
     png_set_user_limits(decode->png, largestPictureSide, largestPictureSide);
     png_set_chunk_cache_max(decode->png, 128);
-    png_set_chunk_malloc_max(decode->png, 8000000);
+    png_set_chunk_malloc_max(decode->png, mostChunkBytes);
     // The library inflates only whole pieces of this size: what a file that breaks off holds beyond
     // the last is lost.
     png_set_compression_buffer_size(decode->png, 512);
     png_set_crc_action(decode->png, PNG_CRC_ERROR_QUIT, PNG_CRC_WARN_DISCARD);
     // -1 stands for every chunk but those that make the pixels.
     png_set_keep_unknown_chunks(decode->png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+    png_set_keep_unknown_chunks(decode->png, PNG_HANDLE_CHUNK_AS_DEFAULT, profileChunk, 1);
 }
 
 void ReadHeader(PngDecode* decode)
@@ -99,21 +107,37 @@ void SetEntry(PngPixels& pixels, uint32_t index, uint8_t red, uint8_t green, uin
     pixels.table[index][2] = red;
 }
 
-void PreparePalette(PngDecode* decode)
+// The colours of a palette as the profile makes them; gives how many there are.
+uint32_t CopyPalette(PngDecode* decode, uint8_t (*copy)[3])
 {
     png_colorp colors = nullptr;
-    int colorCount = 0;
+    int count = 0;
+    (void)png_get_PLTE(decode->png, decode->info, &colors, &count);
+    for (int i = 0; i < count; ++i) {
+        copy[i][0] = colors[i].red;
+        copy[i][1] = colors[i].green;
+        copy[i][2] = colors[i].blue;
+    }
+    const auto entries = static_cast<uint32_t>(count);
+    ConvertPngTable(decode->colors, copy, entries);
+    return entries;
+}
+
+void PreparePalette(PngDecode* decode)
+{
     png_bytep alphas = nullptr;
     int alphaCount = 0;
-    (void)png_get_PLTE(decode->png, decode->info, &colors, &colorCount);
     (void)png_get_tRNS(decode->png, decode->info, &alphas, &alphaCount, nullptr);
     PngPixels& pixels = decode->pixels;
+    const Background& ground = pixels.ground;
+    uint8_t colors[256][3];
     pixels.layout = PngLayout::Table;
-    pixels.tableCount = static_cast<uint32_t>(colorCount);
-    for (int i = 0; i < colorCount; ++i) {
-        const uint32_t alpha = alphas && i < alphaCount ? alphas[i] : 255;
-        SetEntry(pixels, static_cast<uint32_t>(i), OverWhite8(colors[i].red, alpha),
-                 OverWhite8(colors[i].green, alpha), OverWhite8(colors[i].blue, alpha));
+    pixels.tableCount = CopyPalette(decode, colors);
+    for (uint32_t i = 0; i < pixels.tableCount; ++i) {
+        const uint32_t alpha = alphas && i < static_cast<uint32_t>(alphaCount) ? alphas[i] : 255;
+        SetEntry(pixels, i, OverGround8(colors[i][0], alpha, ground.red),
+                 OverGround8(colors[i][1], alpha, ground.green),
+                 OverGround8(colors[i][2], alpha, ground.blue));
     }
 }
 
@@ -121,14 +145,17 @@ void PrepareGreyTable(PngDecode* decode, uint32_t depth)
 {
     PngPixels& pixels = decode->pixels;
     const uint32_t highest = (1u << depth) - 1;
+    uint8_t greys[256];
     pixels.layout = PngLayout::Table;
     pixels.tableCount = highest + 1;
-    for (uint32_t level = 0; level <= highest; ++level) {
-        auto grey = static_cast<uint8_t>(level * (255 / highest));
+    for (uint32_t level = 0; level <= highest; ++level)
+        greys[level] = static_cast<uint8_t>(level * (255 / highest));
+    ConvertPngGreys(decode->colors, greys, pixels.tableCount);
+    for (uint32_t level = 0; level <= highest; ++level)
         if (pixels.hasKey && level == pixels.key[0])
-            grey = 255;
-        SetEntry(pixels, level, grey, grey, grey);
-    }
+            SetEntry(pixels, level, pixels.ground.red, pixels.ground.green, pixels.ground.blue);
+        else
+            SetEntry(pixels, level, greys[level], greys[level], greys[level]);
 }
 
 // The transparent colour of a file without alpha. Only the low bits of its words count where the
@@ -146,10 +173,34 @@ void PrepareKey(PngDecode* decode, bool isGrey, uint32_t depth)
     pixels.key[2] = color->blue & mask;
 }
 
+// A profile moves the colours that a key is compared with, so that alpha stands for it then. A
+// table looks at the file's own values.
+bool KeyAsAlpha(PngDecode* decode)
+{
+    if (!decode->pixels.hasKey || !ConvertsColors(decode->colors))
+        return false;
+    png_set_tRNS_to_alpha(decode->png);
+    decode->pixels.hasKey = false;
+    return true;
+}
+
+PngLayout GreyLayout(PngDecode* decode)
+{
+    return KeyAsAlpha(decode) ? PngLayout::GreyAlpha16 : PngLayout::Grey16;
+}
+
+PngLayout ColorLayoutOf(PngDecode* decode, bool wide)
+{
+    if (KeyAsAlpha(decode))
+        return wide ? PngLayout::Rgba16 : PngLayout::Rgba8;
+    return wide ? PngLayout::Rgb16 : PngLayout::Rgb8;
+}
+
 void PreparePixels(PngDecode* decode)
 {
     const uint32_t depth = png_get_bit_depth(decode->png, decode->info);
     const bool wide = depth == 16;
+    OpenPngColors(&decode->colors, decode->png, decode->info);
     switch (png_get_color_type(decode->png, decode->info)) {
     case PNG_COLOR_TYPE_PALETTE:
         PreparePalette(decode);
@@ -157,13 +208,13 @@ void PreparePixels(PngDecode* decode)
     case PNG_COLOR_TYPE_GRAY:
         PrepareKey(decode, true, depth);
         if (wide)
-            decode->pixels.layout = PngLayout::Grey16;
+            decode->pixels.layout = GreyLayout(decode);
         else
             PrepareGreyTable(decode, depth);
         break;
     case PNG_COLOR_TYPE_RGB:
         PrepareKey(decode, false, depth);
-        decode->pixels.layout = wide ? PngLayout::Rgb16 : PngLayout::Rgb8;
+        decode->pixels.layout = ColorLayoutOf(decode, wide);
         break;
     case PNG_COLOR_TYPE_GRAY_ALPHA:
         decode->pixels.layout = wide ? PngLayout::GreyAlpha16 : PngLayout::GreyAlpha8;
@@ -222,6 +273,7 @@ void ReadPass(PngDecode* decode, const PassGrid& grid)
     for (uint32_t i = 0; i < grid.rows; ++i) {
         // The row comes first: the picture is allocated only for a file that brings one.
         png_read_row(decode->png, decode->row, nullptr);
+        ConvertPngRow(decode->colors, decode->pixels.layout, decode->row, grid.columns);
         const uint32_t y = grid.startY + i * grid.stepY;
         uint8_t* line = LockLine(&decode->lines, y);
         if (!line)
@@ -280,6 +332,7 @@ void CloseDecode(PngDecode* decode)
 {
     if (decode->png)
         png_destroy_read_struct(&decode->png, &decode->info, nullptr);
+    CloseColorConversion(&decode->colors);
     free(decode->row);
     CloseReader(&decode->reader);
 }
@@ -292,6 +345,7 @@ int32_t RunDecode(PngDecode* decode, const ReadOrder& order)
     decode->result = OpenLines(&decode->lines, order.rasters, order.image);
     if (decode->result < 0)
         return decode->result;
+    decode->pixels.ground = ReadBackground(pngBackground, order.get);
     if (setjmp(decode->failure) == 0)
         ReadAll(decode, order.progress);
     return decode->result;

@@ -8,11 +8,6 @@ uint32_t Sample16(const uint8_t* bytes)
     return static_cast<uint32_t>(bytes[0]) << 8 | bytes[1];
 }
 
-uint8_t Narrow16(uint32_t channel)
-{
-    return static_cast<uint8_t>((channel + 128) / 257);
-}
-
 void Store(uint8_t* target, uint8_t red, uint8_t green, uint8_t blue)
 {
     target[0] = blue;
@@ -28,30 +23,52 @@ void StoreTable(PngPixels& pixels, const uint8_t* source, uint8_t* target)
     Store(target, entry[2], entry[1], entry[0]);
 }
 
+void StoreGround(const PngPixels& pixels, uint8_t* target)
+{
+    Store(target, pixels.ground.red, pixels.ground.green, pixels.ground.blue);
+}
+
+void StoreOver8(const PngPixels& pixels, const uint8_t* channels, size_t step, uint32_t alpha,
+                uint8_t* target)
+{
+    Store(target, OverGround8(channels[0], alpha, pixels.ground.red),
+          OverGround8(channels[step], alpha, pixels.ground.green),
+          OverGround8(channels[2 * step], alpha, pixels.ground.blue));
+}
+
+void StoreOver16(const PngPixels& pixels, const uint8_t* channels, size_t step, uint32_t alpha,
+                 uint8_t* target)
+{
+    Store(target, OverGround16(Sample16(channels), alpha, pixels.ground.red),
+          OverGround16(Sample16(channels + step), alpha, pixels.ground.green),
+          OverGround16(Sample16(channels + 2 * step), alpha, pixels.ground.blue));
+}
+
 void StoreGrey16(PngPixels& pixels, const uint8_t* source, uint8_t* target)
 {
     const uint32_t grey = Sample16(source);
-    const uint8_t out = pixels.hasKey && grey == pixels.key[0] ? 255 : Narrow16(grey);
-    Store(target, out, out, out);
+    const uint8_t out = Narrow16(grey);
+    if (pixels.hasKey && grey == pixels.key[0])
+        StoreGround(pixels, target);
+    else
+        Store(target, out, out, out);
 }
 
-void StoreGreyAlpha8(PngPixels&, const uint8_t* source, uint8_t* target)
+void StoreGreyAlpha8(PngPixels& pixels, const uint8_t* source, uint8_t* target)
 {
-    const uint8_t out = OverWhite8(source[0], source[1]);
-    Store(target, out, out, out);
+    StoreOver8(pixels, source, 0, source[1], target);
 }
 
-void StoreGreyAlpha16(PngPixels&, const uint8_t* source, uint8_t* target)
+void StoreGreyAlpha16(PngPixels& pixels, const uint8_t* source, uint8_t* target)
 {
-    const uint8_t out = OverWhite16(Sample16(source), Sample16(source + 2));
-    Store(target, out, out, out);
+    StoreOver16(pixels, source, 0, Sample16(source + 2), target);
 }
 
 void StoreRgb8(PngPixels& pixels, const uint8_t* source, uint8_t* target)
 {
     if (pixels.hasKey && source[0] == pixels.key[0] && source[1] == pixels.key[1] &&
         source[2] == pixels.key[2])
-        Store(target, 255, 255, 255);
+        StoreGround(pixels, target);
     else
         Store(target, source[0], source[1], source[2]);
 }
@@ -62,23 +79,19 @@ void StoreRgb16(PngPixels& pixels, const uint8_t* source, uint8_t* target)
     const uint32_t green = Sample16(source + 2);
     const uint32_t blue = Sample16(source + 4);
     if (pixels.hasKey && red == pixels.key[0] && green == pixels.key[1] && blue == pixels.key[2])
-        Store(target, 255, 255, 255);
+        StoreGround(pixels, target);
     else
         Store(target, Narrow16(red), Narrow16(green), Narrow16(blue));
 }
 
-void StoreRgba8(PngPixels&, const uint8_t* source, uint8_t* target)
+void StoreRgba8(PngPixels& pixels, const uint8_t* source, uint8_t* target)
 {
-    const uint32_t alpha = source[3];
-    Store(target, OverWhite8(source[0], alpha), OverWhite8(source[1], alpha),
-          OverWhite8(source[2], alpha));
+    StoreOver8(pixels, source, 1, source[3], target);
 }
 
-void StoreRgba16(PngPixels&, const uint8_t* source, uint8_t* target)
+void StoreRgba16(PngPixels& pixels, const uint8_t* source, uint8_t* target)
 {
-    const uint32_t alpha = Sample16(source + 6);
-    Store(target, OverWhite16(Sample16(source), alpha), OverWhite16(Sample16(source + 2), alpha),
-          OverWhite16(Sample16(source + 4), alpha));
+    StoreOver16(pixels, source, 2, Sample16(source + 6), target);
 }
 
 template <void (*StorePixel)(PngPixels&, const uint8_t*, uint8_t*), size_t SourceStep>
@@ -90,19 +103,6 @@ void ConvertRun(PngPixels& pixels, const uint8_t* source, uint32_t count, uint8_
 }
 
 } // namespace
-
-uint8_t OverWhite8(uint32_t channel, uint32_t alpha)
-{
-    return static_cast<uint8_t>((alpha * channel + (255 - alpha) * 255 + 127) / 255);
-}
-
-uint8_t OverWhite16(uint32_t channel, uint32_t alpha)
-{
-    constexpr uint64_t divisor = 65535u * 257u;
-    const uint64_t sum =
-        static_cast<uint64_t>(alpha) * channel + static_cast<uint64_t>(65535 - alpha) * 65535;
-    return static_cast<uint8_t>((sum + divisor / 2) / divisor);
-}
 
 size_t BytesPerPixel(PngLayout layout)
 {

@@ -1,15 +1,9 @@
-// Turns the samples of a PNG row into blue, green and red bytes on white.
-//
-// A pixel with alpha is laid over white with one rounding, to the nearest, from exact integers:
-//
-//     8 bits:   out = (a * c + (255 - a) * 255 + 127) div 255
-//     16 bits:  out = (a * c + (65535 - a) * 65535 + 8421247) div 16842495
-//
-// where 16842495 = 65535 * 257 brings the 16-bit result down to 8 bits in the same division, and
-// the term added is half of the odd divisor, rounded down, so that no tie exists. A 16-bit sample
-// without alpha is (c + 128) div 257. A grey sample of 1, 2 or 4 bits is c times 255, 85 or 17.
-// Gamma and colour profiles play no part.
+// Turns the samples of a PNG row into blue, green and red bytes over a background, by the formulas
+// of Background.h. A grey sample of 1, 2 or 4 bits is c times 255, 85 or 17. Gamma plays no part; a
+// colour profile is applied to the row before.
 #pragma once
+
+#include "standard-plugins/common/reading/Background.h"
 
 #include <stddef.h>
 #include <stdint.h>
@@ -28,7 +22,8 @@ enum class PngLayout {
 
 struct PngPixels {
     PngLayout layout;
-    /// Blue, green, red of each level or index, already on white.
+    Background ground;
+    /// Blue, green, red of each level or index, already over the background.
     uint8_t table[256][3];
     /// Entries that the file defines; a pixel at or beyond them sets `beyondTable`.
     uint32_t tableCount;
@@ -38,10 +33,6 @@ struct PngPixels {
     uint16_t key[3];
 };
 
-/// A pixel over white, by the formula above; `channel` and `alpha` from 0 to 255.
-uint8_t OverWhite8(uint32_t channel, uint32_t alpha);
-/// The same from 16-bit samples.
-uint8_t OverWhite16(uint32_t channel, uint32_t alpha);
 /// Bytes of a pixel of the source row.
 size_t BytesPerPixel(PngLayout layout);
 /// Converts `count` pixels; each goes `step` bytes behind the one before.

@@ -32,10 +32,7 @@ struct Plugin {
 
     bool IsReader() const { return std::string(file).starts_with("INPUT/"); }
     // Windows or files of the device.
-    bool UsesDevice() const
-    {
-        return !std::string(file).starts_with("SCALE/") && file != std::string("INPUT/JPEG");
-    }
+    bool UsesDevice() const { return !std::string(file).starts_with("SCALE/"); }
     std::u16string Identity() const
     {
         std::u16string identity = u"TX_";
@@ -47,6 +44,8 @@ struct Plugin {
 
 constexpr const char* readerExports =
     "Configure\nGetImage\nGetImageInfo\nGetPluginInfo\nSetLanguage\n";
+constexpr const char* quickReaderExports =
+    "Configure\nGetImage\nGetImageFast\nGetImageInfo\nGetPluginInfo\nSetLanguage\n";
 constexpr const char* writerExports = "Configure\nGetPluginInfo\nPutImage\nSetLanguage\n";
 constexpr const char* effectExports = "Configure\nEffect\nGetPluginInfo\nSetLanguage\n";
 constexpr const char* adjustExports = "AdjustImage\nConfigure\nGetPluginInfo\nSetLanguage\n";
@@ -55,7 +54,7 @@ constexpr const char* printerExports = "Configure\nGetPluginInfo\nPrint\nSetLang
 
 const Plugin plugins[] = {
     {"INPUT/JPEG", u"JPEG reader", u"JPEG 読み込み", u"JPEG image (*.jpg)", u"JPEG 画像 (*.jpg)",
-     u"*.jpg;*.jpeg;*.jpe;*.jfif", readerExports},
+     u"*.jpg;*.jpeg;*.jpe;*.jfif", quickReaderExports},
     {"INPUT/PNG", u"PNG reader", u"PNG 読み込み", u"PNG image (*.png)", u"PNG 画像 (*.png)",
      u"*.png", readerExports},
     {"OUTPUT/JPEG", u"JPEG writer", u"JPEG 書き込み", u"JPEG image (*.jpg)", u"JPEG 画像 (*.jpg)",

@@ -252,3 +252,60 @@ TEST_F(JpegReader, AnswersTheRefusalInTheLanguageOfTheSystem)
     ASSERT_EQ(CurrentHost().messages.size(), 1u);
     EXPECT_NE(CurrentHost().messages[0].find(u"プログレッシブ"), std::u16string::npos);
 }
+
+namespace
+{
+
+int32_t DecodeFast(const PluginLibrary& plugin, const TavrixChar* path, ByteStream* stream,
+                   Canvas& canvas)
+{
+    const int32_t result = plugin.getImageFast(
+        path, stream ? &stream->record : nullptr, canvas.Handle(), canvas.Table(), nullptr, nullptr,
+        nullptr, nullptr, [](Variant* item) -> int32_t {
+            const auto found = CurrentHost().settings.find(item->name);
+            if (found == CurrentHost().settings.end())
+                return -10;
+            item->value = found->second;
+            return 1;
+        });
+    canvas.UnlockAll();
+    return result;
+}
+
+} // namespace
+
+TEST_F(JpegReader, DecodesQuicklyAtAHalfAQuarterOrAnEighth)
+{
+    const std::string file = MakeJpeg({.width = 101, .height = 67}, Smooth);
+    ByteStream whole(file);
+    Canvas full;
+    ASSERT_EQ(Decode(plugin, whole, full), 1);
+    const std::pair<uint32_t, uint32_t> rows[] = {{1, 1}, {2, 2}, {3, 2},    {4, 4},
+                                                  {7, 4}, {8, 8}, {4711, 8}, {0, 1}};
+    for (const auto& [setting, divisor] : rows) {
+        CurrentHost().settings[u"JpegInputFastDivisor"] = setting;
+        ByteStream stream(file);
+        Canvas canvas;
+        EXPECT_EQ(DecodeFast(plugin, nullptr, &stream, canvas), 1);
+        EXPECT_EQ(canvas.width, (101 + divisor - 1) / divisor);
+        EXPECT_EQ(canvas.height, (67 + divisor - 1) / divisor);
+        // Each pixel is about the middle of its square.
+        for (uint32_t y = 0; y < 67 / divisor; ++y)
+            for (uint32_t x = 0; x < 101 / divisor; ++x) {
+                const Pixel want = full.At(x * divisor + divisor / 2, y * divisor + divisor / 2);
+                EXPECT_NEAR(canvas.At(x, y).green, want.green, 24) << divisor;
+            }
+    }
+    CurrentHost().settings.clear();
+    ByteStream stream(file);
+    Canvas canvas;
+    EXPECT_EQ(DecodeFast(plugin, nullptr, &stream, canvas), 1);
+    EXPECT_EQ(canvas.width, 13u);
+}
+
+TEST_F(JpegReader, QuickDecodeOfAPathThatIsNotThereFails)
+{
+    Canvas canvas;
+    EXPECT_LT(DecodeFast(plugin, u"\\no such folder\\picture.jpg", nullptr, canvas), 0);
+    EXPECT_EQ(canvas.allocations, 0);
+}

@@ -286,3 +286,43 @@ TEST_F(PngReader, FillsOnlyAsMuchOfTheInfoAsItsSizeAllows)
     ByteStream broken("no picture");
     EXPECT_LT(plugin.getImageInfo(nullptr, &broken.record, &info), 0);
 }
+
+TEST_F(PngReader, LaysTransparentPartsOverTheColourOfTheSettings)
+{
+    plugintest::CurrentHost().settings = {{u"PngInputBackgroundRed", 200},
+                                          {u"PngInputBackgroundGreen", 100},
+                                          {u"PngInputBackgroundBlue", 3}};
+    const auto over = [](uint32_t value, uint32_t alpha, uint32_t ground) {
+        return static_cast<uint8_t>(
+            std::lround((alpha * 1.0 * value + (255.0 - alpha) * ground) / 255));
+    };
+    for (const int depth : {8, 16})
+        for (const int colorType : {4, 6}) {
+            const std::string file =
+                MakePng({.width = 256, .height = 8, .colorType = colorType, .depth = depth},
+                        [&](uint32_t x, uint32_t y, int channel) {
+                            const bool isAlpha = channel == (colorType == 4 ? 1 : 3);
+                            return (isAlpha ? x : y * 36) * (depth == 16 ? 257 : 1);
+                        });
+            ByteStream stream(file);
+            Canvas canvas;
+            ASSERT_EQ(Decode(plugin, stream, canvas), 1);
+            EXPECT_EQ(plugintest::FirstDifference(canvas, 256, 8,
+                                                  [&](uint32_t x, uint32_t y) {
+                                                      return Pixel{over(y * 36, x, 200),
+                                                                   over(y * 36, x, 100),
+                                                                   over(y * 36, x, 3)};
+                                                  }),
+                      "")
+                << depth << " " << colorType;
+        }
+    // A colour of the file that stands for nothing.
+    const std::string keyed = MakePng({.width = 4, .height = 1, .transparency = {7, 7, 7}},
+                                      [](uint32_t x, uint32_t, int) { return 6 + x; });
+    ByteStream stream(keyed);
+    Canvas canvas;
+    ASSERT_EQ(Decode(plugin, stream, canvas), 1);
+    EXPECT_EQ(canvas.At(1, 0), (Pixel{200, 100, 3}));
+    EXPECT_EQ(canvas.At(0, 0), (Pixel{6, 6, 6}));
+    plugintest::CurrentHost().settings.clear();
+}
