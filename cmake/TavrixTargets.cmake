@@ -56,12 +56,29 @@ function(tavrix_library name)
   target_link_libraries(tavrix_${name} PUBLIC tavrix::device ${ARG_DEPENDS})
 endfunction()
 
+function(tavrix_test_suites name label)
+  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake CONTENT "
+set(TAVRIX_SUITES_NAME @name@)
+set(TAVRIX_SUITES_PROGRAM \"@CMAKE_BINARY_DIR@/tests/@name@\")
+set(TAVRIX_SUITES_LIST \"@CMAKE_CURRENT_BINARY_DIR@/@name@_suites.txt\")
+set(TAVRIX_SUITES_EMULATOR \"@CMAKE_CROSSCOMPILING_EMULATOR@\")
+set(TAVRIX_SUITES_LABEL @label@)
+set(TAVRIX_SUITES_TIMEOUT 600)
+set(TAVRIX_SUITES_ENVIRONMENT \"@TAVRIX_TEST_ENVIRONMENT@\")
+include(\"@CMAKE_SOURCE_DIR@/cmake/DiscoverSuites.cmake\")
+" @ONLY)
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES
+               ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake)
+endfunction()
+
 # tavrix_tests(NAME LABEL layer SOURCES file... LIBRARIES target...): a GoogleTest program whose
 # tests CTest knows one by one under the label of their layer. Without SOURCES: tests/*.cpp.
 # Each test gets a home of its own, so that none sees the user's files or another test's.
+# SUITES: CTest knows the suites alone, each a process, where the tests leave nothing behind in
+# theirs. Most of a small test's time is its process.
 # Built without run-time type information, as what they derive from; RTTI asks for it.
 function(tavrix_tests name)
-  cmake_parse_arguments(ARG "RTTI" "LABEL;TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+  cmake_parse_arguments(ARG "RTTI;SUITES" "LABEL;TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
   if(NOT ARG_SOURCES)
     file(GLOB ARG_SOURCES CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/*.cpp)
   endif()
@@ -80,6 +97,10 @@ function(tavrix_tests name)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  if(ARG_SUITES)
+    tavrix_test_suites(${name} ${ARG_LABEL})
+    return()
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 NO_PRETTY_TYPES
                        TEST_PREFIX "${name}."
                        PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT})

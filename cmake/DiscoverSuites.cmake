@@ -1,0 +1,27 @@
+# Run by CTest: tells it the suites of a GoogleTest program, a test each. The list is kept beside the
+# program until the program is newer. Set before: TAVRIX_SUITES_NAME, _PROGRAM, _LIST, _EMULATOR,
+# _LABEL, _TIMEOUT, _ENVIRONMENT.
+if(NOT EXISTS ${TAVRIX_SUITES_PROGRAM})
+  add_test(${TAVRIX_SUITES_NAME}_NOT_BUILT ${TAVRIX_SUITES_NAME}_NOT_BUILT)
+  set_tests_properties(${TAVRIX_SUITES_NAME}_NOT_BUILT PROPERTIES LABELS ${TAVRIX_SUITES_LABEL})
+  return()
+endif()
+if(${TAVRIX_SUITES_PROGRAM} IS_NEWER_THAN ${TAVRIX_SUITES_LIST})
+  execute_process(COMMAND ${TAVRIX_SUITES_EMULATOR} ${TAVRIX_SUITES_PROGRAM} --gtest_list_tests
+                  OUTPUT_FILE ${TAVRIX_SUITES_LIST} RESULT_VARIABLE failed)
+  if(failed)
+    file(REMOVE ${TAVRIX_SUITES_LIST})
+    message(FATAL_ERROR "${TAVRIX_SUITES_NAME} does not list its tests: ${failed}")
+  endif()
+endif()
+# A suite stands alone on its line, with a point behind it, and its tests below with blanks before
+# them.
+file(STRINGS ${TAVRIX_SUITES_LIST} lines REGEX "^[^ ]+\\.( .*)?$")
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE "\\.( .*)?$" "" suite "${line}")
+  set(test ${TAVRIX_SUITES_NAME}.${suite})
+  add_test(${test} ${TAVRIX_SUITES_EMULATOR} ${TAVRIX_SUITES_PROGRAM} --gtest_filter=${suite}.*)
+  set_tests_properties(${test} PROPERTIES LABELS ${TAVRIX_SUITES_LABEL}
+                       TIMEOUT ${TAVRIX_SUITES_TIMEOUT}
+                       ENVIRONMENT "${TAVRIX_SUITES_ENVIRONMENT}")
+endforeach()
