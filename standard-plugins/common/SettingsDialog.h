@@ -26,6 +26,8 @@ struct DialogSetting {
     int number;
     /// The value that this text shows as 0: settings hold no numbers below 0.
     uint32_t zero = 0;
+    /// The value that this text shows as 1, a power of ten: with 100 a value of 250 is "2.50".
+    uint32_t one = 1;
 };
 
 constexpr uint32_t mostDialogSettings = 16;

@@ -18,12 +18,25 @@ struct Asking {
     uint32_t values[mostDialogSettings];
 };
 
+// A point and the digits behind it, as many as `one` has zeros.
+void AddFraction(WCHAR* end, uint32_t size, uint32_t one)
+{
+    *end++ = '.';
+    for (uint32_t digit = one / 10; digit > 0; digit /= 10)
+        *end++ = static_cast<WCHAR>('0' + size / digit % 10);
+    *end = 0;
+}
+
 void ShowNumber(HWND window, const DialogSetting& row, LRESULT value)
 {
     if (!row.number)
         return;
-    WCHAR text[16];
-    wsprintfW(text, TEXT("%d"), static_cast<int>(value) - static_cast<int>(row.zero));
+    const int number = static_cast<int>(value) - static_cast<int>(row.zero);
+    const auto size = static_cast<uint32_t>(number < 0 ? -number : number);
+    WCHAR text[32];
+    const int length = wsprintfW(text, number < 0 ? TEXT("-%u") : TEXT("%u"), size / row.one);
+    if (row.one > 1)
+        AddFraction(text + length, size, row.one);
     SetDlgItemTextW(window, row.number, text);
 }
 

@@ -55,6 +55,9 @@ struct FilterWork {
     void (*change)(FilterContext* context, const FilterRows& rows, uint8_t* out) = nullptr;
     /// Gives back what the state holds; called once, also when `open` failed.
     void (*close)(FilterContext* context) = nullptr;
+    /// Whether these settings need the first pass; null: always, where there is a `look`. Without
+    /// it `settle` is called all the same.
+    bool (*needsLook)(const uint32_t* values) = nullptr;
 };
 
 /// What a preview shows: the middle of the picture, pixel by pixel, or all of it made small.

@@ -55,6 +55,11 @@ bool LookAtRow(Run* run, uint32_t y)
     return Unlock(run, y);
 }
 
+bool NeedsLook(const FilterWork& work, const uint32_t* values)
+{
+    return work.look && (!work.needsLook || work.needsLook(values));
+}
+
 bool LookAtAll(Run* run)
 {
     for (uint32_t y = 0; y < run->context.height; ++y)
@@ -120,7 +125,7 @@ WriteProblem GoOver(Run* run)
     run->context.state = calloc(1, work.stateBytes ? work.stateBytes : 1);
     if (!run->context.state)
         return WriteProblem::Memory;
-    if (OpenRun(run) && (!work.look || LookAtAll(run))) {
+    if (OpenRun(run) && (!NeedsLook(work, run->context.values) || LookAtAll(run))) {
         if (work.settle)
             work.settle(&run->context);
         (void)ChangeAll(run);
@@ -186,7 +191,8 @@ WriteProblem RunFilter(const FilterWork& work, const FilterOrder& order)
     run.work = &work;
     run.context = {order.values, lines.width, lines.height, nullptr};
     run.place = {&lines, LockHostSource, LockHostTarget, UnlockHost};
-    StartProgress(&run.progress, order.progress, lines.height * (work.look ? 2 : 1));
+    StartProgress(&run.progress, order.progress,
+                  lines.height * (NeedsLook(work, order.values) ? 2 : 1));
     return GoOver(&run);
 }
 
@@ -199,6 +205,6 @@ bool RunFilterInMemory(const FilterWork& work, const uint32_t* values, const uin
     run.work = &work;
     run.context = {values, width, height, nullptr};
     run.place = {&picture, LockMemorySource, LockMemoryTarget, UnlockMemory};
-    StartProgress(&run.progress, nullptr, height * (work.look ? 2 : 1));
+    StartProgress(&run.progress, nullptr, height * (NeedsLook(work, values) ? 2 : 1));
     return GoOver(&run) == WriteProblem::None;
 }
