@@ -33,6 +33,11 @@ struct Plugin {
     bool IsReader() const { return std::string(file).starts_with("INPUT/"); }
     // Windows or files of the device.
     bool UsesDevice() const { return !std::string(file).starts_with("SCALE/"); }
+    bool UsesDevice() const
+    {
+        return !std::string(file).starts_with("SCALE/") && file != std::string("INPUT/JPEG") &&
+               file != std::string("ADJUST/Invert");
+    }
     std::u16string Identity() const
     {
         std::u16string identity = u"TX_";
@@ -66,7 +71,23 @@ const Plugin plugins[] = {
      effectExports},
     {"ADJUST/BrightnessContrast", u"Brightness and Contrast...", u"明るさとコントラスト...",
      nullptr, nullptr, nullptr, adjustExports},
+    {"ADJUST/Levels", u"Levels...", u"レベル補正...", nullptr, nullptr, nullptr, adjustExports},
+    {"ADJUST/Curves", u"Curves...", u"トーンカーブ...", nullptr, nullptr, nullptr, adjustExports},
+    {"ADJUST/HueSaturation", u"Hue and Saturation...", u"色相と彩度...", nullptr, nullptr, nullptr,
+     adjustExports},
+    {"ADJUST/ColorBalance", u"Color Balance...", u"カラーバランス...", nullptr, nullptr, nullptr,
+     adjustExports},
+    {"ADJUST/WhiteBalance", u"White Balance...", u"ホワイトバランス...", nullptr, nullptr, nullptr,
+     adjustExports},
+    {"ADJUST/AutoLevels", u"Automatic Levels...", u"自動レベル補正...", nullptr, nullptr, nullptr,
+     adjustExports},
+    {"ADJUST/Invert", u"Invert", u"階調の反転", nullptr, nullptr, nullptr, adjustExports},
+    {"ADJUST/Greyscale", u"Greyscale...", u"グレースケール...", nullptr, nullptr, nullptr,
+     adjustExports},
+    {"ADJUST/Threshold", u"Threshold...", u"2 階調化...", nullptr, nullptr, nullptr, adjustExports},
     {"SCALE/Bilinear", u"Bilinear", u"バイリニア", nullptr, nullptr, nullptr, scaleExports},
+    {"SCALE/Bicubic", u"Bicubic", u"バイキュービック", nullptr, nullptr, nullptr, scaleExports},
+    {"SCALE/Area", u"Area Average", u"面積平均", nullptr, nullptr, nullptr, scaleExports},
     {"SCALE/Lanczos", u"Lanczos", u"ランチョス", nullptr, nullptr, nullptr, scaleExports},
 };
 

@@ -1,4 +1,4 @@
-// The two scalers against sums written out plainly in doubles, and what becomes of the picture when
+// The scalers against sums written out plainly in doubles, and what becomes of the picture when
 // they cannot go on.
 
 #include "standard-plugins/tests/support/Changing.h"
@@ -15,9 +15,12 @@ namespace
 struct Scaler {
     const char* file;
     double reach;
+    /// Null for the mean of areas.
     double (*kernel)(double);
     const char16_t* name;
     const char16_t* japaneseName;
+    /// What another program is asked for.
+    const char* others;
 };
 
 double Triangle(double x)
@@ -35,9 +38,20 @@ double Lanczos(double x)
     return std::sin(turn) / turn * std::sin(turn / 3) / (turn / 3);
 }
 
+double CatmullRom(double distance)
+{
+    const double x = std::abs(distance);
+    if (x < 1)
+        return 1.5 * x * x * x - 2.5 * x * x + 1;
+    return x < 2 ? -0.5 * x * x * x + 2.5 * x * x - 4 * x + 2 : 0;
+}
+
 const Scaler scalers[] = {
-    {"Bilinear.dll", 1, Triangle, u"Bilinear", u"バイリニア"},
-    {"Lanczos.dll", 3, Lanczos, u"Lanczos", u"ランチョス"},
+    {"Bilinear.dll", 1, Triangle, u"Bilinear", u"バイリニア", "-filter triangle -resize"},
+    {"Bicubic.dll", 2, CatmullRom, u"Bicubic", u"バイキュービック", "-filter catrom -resize"},
+    {"Lanczos.dll", 3, Lanczos, u"Lanczos", u"ランチョス",
+     "-filter lanczos -define filter:window=sinc -resize"},
+    {"Area.dll", 0, nullptr, u"Area Average", u"面積平均", "-scale"},
 };
 
 void PrintTo(const Scaler& scaler, std::ostream* out)
@@ -50,10 +64,28 @@ struct Weight {
     double weight;
 };
 
+/// The share of each pixel's stretch that lies over pixels of the source.
+std::vector<std::vector<Weight>> Overlaps(u32 from, u32 to)
+{
+    std::vector<std::vector<Weight>> all;
+    const double ratio = static_cast<double>(from) / to;
+    for (u32 j = 0; j < to; ++j) {
+        std::vector<Weight> weights;
+        const double first = j * ratio;
+        const double end = first + ratio;
+        for (auto i = static_cast<u32>(first); i < from && i < end; ++i)
+            weights.push_back({i, (std::min(end, i + 1.0) - std::max<double>(first, i)) / ratio});
+        all.push_back(weights);
+    }
+    return all;
+}
+
 /// The weights that each pixel of the result gives to the pixels of the source, along one side. The
 /// picture goes on beyond its edges as in a mirror; what lies beyond that too is the far edge.
 std::vector<std::vector<Weight>> Weights(const Scaler& scaler, u32 from, u32 to)
 {
+    if (!scaler.kernel)
+        return Overlaps(from, to);
     std::vector<std::vector<Weight>> all;
     const double ratio = static_cast<double>(from) / to;
     const double stretch = std::max(1.0, ratio);
@@ -339,10 +371,8 @@ TEST_P(Scale, IsAsNearToAnotherProgramAsThatOneRounds)
     ASSERT_EQ(Run(&image, 100, 75), 1);
     const Pixels ours = PixelsOf(&image);
     WriteBytes(folder / "in.ppm", Ppm(160, 120, Soft));
-    const std::string filter =
-        GetParam().reach == 1 ? "triangle" : "lanczos -define filter:window=sinc";
-    const std::string theirs = OutputOf("convert " + (folder / "in.ppm").string() + " -filter " +
-                                        filter + " -resize 100x75! -depth 8 rgb:-");
+    const std::string theirs = OutputOf("convert " + (folder / "in.ppm").string() + " " +
+                                        GetParam().others + " 100x75! -depth 8 rgb:-");
     ASSERT_EQ(theirs.size(), ours.bytes.size());
     for (u32 y = 5; y < 70; ++y)
         for (u32 x = 5; x < 95; ++x)
@@ -350,4 +380,76 @@ TEST_P(Scale, IsAsNearToAnotherProgramAsThatOneRounds)
                 ASSERT_NEAR(ours.At(x, y, channel),
                             static_cast<u8>(theirs[(size_t{y} * 100 + x) * 3 + channel]), 2)
                     << x << "," << y;
+}
+
+namespace
+{
+
+class AreaScale : public Scale
+{
+protected:
+    /// Each pixel as a square of its own colour.
+    static Samples Squares(u32 side)
+    {
+        return [side](u32 x, u32 y, int channel) { return Wild(x / side, y / side, channel); };
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Alone, AreaScale, testing::Values(scalers[3]));
+
+/// The sum of whole shares, divided once, a half up.
+Pixels WholeMeans(const Pixels& in, u32 width, u32 height)
+{
+    const auto shares = [](u64 pixel, u64 from, u64 to, u64 at) {
+        const u64 first = std::max(pixel * from, at * to);
+        const u64 end = std::min((pixel + 1) * from, (at + 1) * to);
+        return end > first ? end - first : 0;
+    };
+    Pixels out{width, height, {}};
+    const u64 area = u64{in.width} * in.height;
+    for (u32 y = 0; y < height; ++y)
+        for (u32 x = 0; x < width; ++x)
+            for (u32 channel = 0; channel < 3; ++channel) {
+                u64 sum = 0;
+                for (u32 v = 0; v < in.height; ++v)
+                    for (u32 u = 0; u < in.width; ++u)
+                        sum += shares(x, in.width, width, u) * shares(y, in.height, height, v) *
+                               in.At(u, v, channel);
+                out.bytes.push_back(static_cast<u8>((2 * sum + area) / (2 * area)));
+            }
+    return out;
+}
+
+} // namespace
+
+TEST_P(AreaScale, IsTheMeanOfWhatEachPixelCoversRoundedAHalfUp)
+{
+    struct Size {
+        u32 width;
+        u32 height;
+    };
+    const Size sizes[] = {{1, 1}, {2, 1}, {3, 5}, {7, 4}, {16, 9}, {10, 21}};
+    for (const Size from : sizes)
+        for (const Size to : sizes) {
+            const Pixels in = PixelsOf(from.width, from.height, Wild);
+            EXPECT_EQ(Resize(from.width, from.height, Wild, to.width, to.height),
+                      WholeMeans(in, to.width, to.height))
+                << from.width << "x" << from.height << " to " << to.width << "x" << to.height;
+        }
+}
+
+TEST_P(AreaScale, EnlargesByWholeNumbersIntoSquaresAndBackWithoutLoss)
+{
+    for (const u32 side : {2u, 3u, 7u}) {
+        EXPECT_EQ(Resize(13, 9, Wild, 13 * side, 9 * side),
+                  PixelsOf(13 * side, 9 * side, Squares(side)));
+        EXPECT_EQ(Resize(13 * side, 9 * side, Squares(side), 13, 9), PixelsOf(13, 9, Wild));
+    }
+}
+
+TEST_P(AreaScale, AddsUpTheLongestSidesAndTheLightestColourExactly)
+{
+    const auto white = [](u32, u32, int) -> u8 { return 255; };
+    EXPECT_EQ(Resize(65535, 300, white, 1, 1), PixelsOf(1, 1, white));
+    EXPECT_EQ(Resize(65535, 2, white, 65534, 1), PixelsOf(65534, 1, white));
 }

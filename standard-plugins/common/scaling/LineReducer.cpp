@@ -14,7 +14,14 @@ constexpr double pi = 3.14159265358979323846;
 
 double Reach(ScaleKernel kernel)
 {
-    return kernel == ScaleKernel::Lanczos ? 3 : 1;
+    switch (kernel) {
+    case ScaleKernel::Lanczos:
+        return 3;
+    case ScaleKernel::Bicubic:
+        return 2;
+    default:
+        return 1;
+    }
 }
 
 double Sinc(double x)
@@ -22,12 +29,24 @@ double Sinc(double x)
     return x == 0 ? 1 : sin(pi * x) / (pi * x);
 }
 
+double CatmullRom(double x)
+{
+    return x < 1 ? (1.5 * x - 2.5) * x * x + 1 : ((-0.5 * x + 2.5) * x - 4) * x + 2;
+}
+
 double Weight(ScaleKernel kernel, double distance)
 {
     const double x = fabs(distance);
     if (x >= Reach(kernel))
         return 0;
-    return kernel == ScaleKernel::Lanczos ? Sinc(x) * Sinc(x / 3) : 1 - x;
+    switch (kernel) {
+    case ScaleKernel::Lanczos:
+        return Sinc(x) * Sinc(x / 3);
+    case ScaleKernel::Bicubic:
+        return CatmullRom(x);
+    default:
+        return 1 - x;
+    }
 }
 
 // What a line of the result needs of the source: the kernel about `middle`, stretched by `ratio`,

@@ -2,7 +2,10 @@
 
 #include "standard-plugins/common/PictureLines.h"
 #include "standard-plugins/common/ProgressThrottle.h"
+#include "standard-plugins/common/scaling/AreaReducer.h"
 #include "standard-plugins/common/scaling/LineReducer.h"
+
+#include <string.h>
 
 namespace
 {
@@ -128,11 +131,50 @@ WriteProblem RunReduced(Scaling* scaling, ZimgPass* pass, ZimgSize from, ZimgSiz
     return problem;
 }
 
+bool TakeAreaLine(void* user, uint32_t y, const uint8_t* line)
+{
+    auto* scaling = static_cast<Scaling*>(user);
+    uint8_t* target = LockPictureLine(&scaling->target, y);
+    if (!target)
+        return LoseLine(scaling);
+    memcpy(target, line, size_t{3} * scaling->target.width);
+    scaling->pixelsWritten += scaling->target.width;
+    return UnlockPictureLine(&scaling->target, y) ? Report(scaling) : LoseLine(scaling);
+}
+
+// The lines that a line of the source completes are written while it is locked.
+bool ReduceAreas(Scaling* scaling, AreaReducer* reducer)
+{
+    for (uint32_t y = 0; y < scaling->source.height; ++y) {
+        const uint8_t* line = LockPictureLine(&scaling->source, y);
+        if (!line)
+            return LoseLine(scaling);
+        scaling->pixelsRead += scaling->source.width;
+        const bool goesOn = ReduceAreaLine(reducer, y, line);
+        if (!UnlockPictureLine(&scaling->source, y))
+            return LoseLine(scaling);
+        if (!goesOn || !Report(scaling))
+            return false;
+    }
+    return true;
+}
+
+WriteProblem RunAreas(Scaling* scaling)
+{
+    const AreaSides sides = {scaling->source.width, scaling->source.height, scaling->target.width,
+                             scaling->target.height};
+    AreaReducer reducer;
+    WriteProblem problem = WriteProblem::Memory;
+    if (OpenAreaReducer(&reducer, sides, TakeAreaLine, scaling))
+        problem = ReduceAreas(scaling, &reducer) ? WriteProblem::None : scaling->problem;
+    CloseAreaReducer(&reducer);
+    return problem;
+}
+
 WriteProblem RunPasses(Scaling* scaling)
 {
     const ZimgSize from = {scaling->source.width, scaling->source.height};
     const ZimgSize to = {scaling->target.width, scaling->target.height};
-    StartProgress(&scaling->progress, scaling->progress.callback, progressSteps);
     ZimgPass pass;
     WriteProblem problem =
         ProblemOf(OpenPass(&pass, &scaling->zimg, from, to, scaling->kernel), *scaling);
@@ -150,7 +192,9 @@ WriteProblem Build(Scaling* scaling, TavrixImageHandle result, const ScaleOrder&
         return WriteProblem::Memory;
     if (!OpenPictureLines(&scaling->target, order.rasters, result))
         return scaling->target.problem;
-    const WriteProblem problem = RunPasses(scaling);
+    StartProgress(&scaling->progress, scaling->progress.callback, progressSteps);
+    const WriteProblem problem =
+        scaling->kernel == ScaleKernel::Area ? RunAreas(scaling) : RunPasses(scaling);
     if (problem != WriteProblem::None)
         return problem;
     return order.rasters->RasterCopy(order.image, result) >= 1 ? WriteProblem::None
@@ -180,10 +224,10 @@ WriteProblem Run(const ScaleOrder& order)
         return WriteProblem::Arguments;
     if (!IsSize(order))
         return WriteProblem::NewSize;
-    // Both kernels leave a picture of the same size as it is.
+    // Every kernel leaves a picture of the same size as it is.
     if (order.width == scaling.source.width && order.height == scaling.source.height)
         return WriteProblem::None;
-    if (!OpenZimg(&scaling.zimg))
+    if (order.kernel != ScaleKernel::Area && !OpenZimg(&scaling.zimg))
         return WriteProblem::Missing;
     TavrixImageHandle result = nullptr;
     WriteProblem problem = WriteProblem::Memory;

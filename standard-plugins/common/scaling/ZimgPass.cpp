@@ -8,6 +8,9 @@ namespace
 // What the library demands of addresses and of the distance between lines.
 constexpr size_t alignment = 64;
 constexpr double lanczosLobes = 3;
+// Of the cubics by B and C that Catmull-Rom is one of: a of Keys is -C.
+constexpr double catmullRomB = 0;
+constexpr double catmullRomC = 0.5;
 
 size_t Aligned(size_t bytes)
 {
@@ -68,6 +71,20 @@ int OnTake(void* user, unsigned y, unsigned left, unsigned right)
     return Call(pass->take, pass->user, pass->out, y, left, right);
 }
 
+void SetKernel(zimg_graph_builder_params* params, ScaleKernel kernel)
+{
+    if (kernel == ScaleKernel::Lanczos) {
+        params->resample_filter = ZIMG_RESIZE_LANCZOS;
+        params->filter_param_a = lanczosLobes;
+    } else if (kernel == ScaleKernel::Bicubic) {
+        params->resample_filter = ZIMG_RESIZE_BICUBIC;
+        params->filter_param_a = catmullRomB;
+        params->filter_param_b = catmullRomC;
+    } else {
+        params->resample_filter = ZIMG_RESIZE_BILINEAR;
+    }
+}
+
 bool Allocate(ZimgPass* pass)
 {
     const uint64_t bytes = BytesOf(*pass);
@@ -97,10 +114,7 @@ PassResult OpenPass(ZimgPass* pass, const ZimgLibrary* library, ZimgSize from, Z
     const zimg_image_format target = FormatOf(*library, to);
     zimg_graph_builder_params params;
     library->paramsDefault(&params, ZIMG_API_VERSION);
-    params.resample_filter =
-        kernel == ScaleKernel::Lanczos ? ZIMG_RESIZE_LANCZOS : ZIMG_RESIZE_BILINEAR;
-    if (kernel == ScaleKernel::Lanczos)
-        params.filter_param_a = lanczosLobes;
+    SetKernel(&params, kernel);
     pass->graph = library->build(&source, &target, &params);
     unsigned inputLines = 0;
     unsigned outputLines = 0;

@@ -16,7 +16,9 @@
 
 enum class ScaleKernel : uint8_t {
     Bilinear, // a triangle that reaches one pixel to either side
-    Lanczos   // sinc(x) sinc(x / 3), which reaches three
+    Bicubic,  // Catmull-Rom, which reaches two
+    Lanczos,  // sinc(x) sinc(x / 3), which reaches three
+    Area      // no kernel of zimg's: see AreaReducer
 };
 
 /// The columns of line `y` from `left` to before `right`: planes[c][x] is the value of column x.

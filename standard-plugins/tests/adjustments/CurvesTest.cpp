@@ -113,10 +113,10 @@ TEST_F(CurvesTest, GoThroughTheirPointsAndNowhereBeyondThem)
         for (size_t i = 0; i < 4; ++i) {
             const auto first = table.begin() + inputs[i];
             const auto last = table.begin() + inputs[i + 1] + 1;
-            if (outputs[i] <= outputs[i + 1])
-                EXPECT_TRUE(std::is_sorted(first, last)) << i;
-            if (outputs[i] >= outputs[i + 1])
-                EXPECT_TRUE(std::is_sorted(first, last, std::greater<>())) << i;
+            const bool rises = outputs[i] <= outputs[i + 1];
+            const bool falls = outputs[i] >= outputs[i + 1];
+            EXPECT_EQ(std::is_sorted(first, last), rises) << i;
+            EXPECT_EQ(std::is_sorted(first, last, std::greater<>()), falls) << i;
         }
     }
 }

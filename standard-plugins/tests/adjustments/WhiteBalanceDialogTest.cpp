@@ -36,6 +36,7 @@ protected:
     {
         const POINT at = PlaceOfPixel(dialog, x, y);
         ClickScreen(static_cast<int>(at.x), static_cast<int>(at.y));
+        Pump(10);
     }
     static std::vector<u32> ColorAt(u32 x, u32 y)
     {
