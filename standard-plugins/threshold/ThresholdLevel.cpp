@@ -46,18 +46,15 @@ void CountLumas(Histogram* histogram, const uint8_t* row, uint32_t width)
 uint32_t DividingLevel(const Histogram& histogram, uint32_t otherwise)
 {
     double largest = 0;
-    uint32_t first = 0;
-    uint32_t last = 0;
+    uint32_t found = otherwise;
     for (uint32_t level = leastLevel; level <= mostLevel; ++level) {
         const double variance = VarianceAt(histogram, level);
         if (variance > largest) {
             largest = variance;
-            first = last = level;
-        } else if (variance == largest && level == last + 1) {
-            last = level;
+            found = level;
         }
     }
-    return largest > 0 ? (first + last) / 2 : otherwise;
+    return found;
 }
 
 void DivideRow(const uint8_t* row, uint32_t width, uint32_t level, uint8_t* out)

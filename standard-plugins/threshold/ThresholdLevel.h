@@ -6,8 +6,7 @@
 // lumas, and n1 = n - n0 above with the sum s1. The variance between the two classes is, but for a
 // factor that is the same for all levels,
 //     (s0 n1 - s1 n0)^2 / (n0 n1),
-// and the level is that where it is largest. Levels between which no pixel lies divide alike; the
-// middle of the first such run is taken, rounded down.
+// and the level is the first where it is largest. (Levels between which no pixel lies divide alike.)
 #pragma once
 
 #include "standard-plugins/common/adjusting/Histogram.h"
