@@ -1,6 +1,7 @@
 #include "standard-plugins/gaussian-blur/BlurDialog.h"
 
 #include "standard-plugins/common/device/PluginDialog.h"
+#include "standard-plugins/common/filtering/device/FilterPane.h"
 #include "standard-plugins/gaussian-blur/GaussianBlurIds.h"
 
 namespace
@@ -15,6 +16,7 @@ constexpr int longestRadius = 15;
 struct Asking {
     uint32_t* tenths;
     const BilingualText* caption;
+    FilterPane* pane;
 };
 
 void ShowRadius(HWND dialog, const Asking& asking)
@@ -25,11 +27,24 @@ void ShowRadius(HWND dialog, const Asking& asking)
     SetDlgItemTextW(dialog, ControlRadius, text);
 }
 
-void OnOk(HWND dialog, const Asking& asking)
+bool TypedRadius(HWND dialog, uint32_t* tenths)
 {
     TavrixChar text[longestRadius + 1] = {};
     GetDlgItemTextW(dialog, ControlRadius, text, longestRadius + 1);
-    if (ParseRadius(text, asking.tenths)) {
+    return ParseRadius(text, tenths);
+}
+
+// What is typed may be half a number; the preview waits for the rest.
+void OnTyped(HWND dialog, const Asking& asking)
+{
+    uint32_t tenths = 0;
+    if (TypedRadius(dialog, &tenths))
+        FollowValues(asking.pane, dialog, &tenths);
+}
+
+void OnOk(HWND dialog, const Asking& asking)
+{
+    if (TypedRadius(dialog, asking.tenths)) {
         EndDialog(dialog, IDOK);
         return;
     }
@@ -39,21 +54,42 @@ void OnOk(HWND dialog, const Asking& asking)
     SendDlgItemMessageW(dialog, ControlRadius, EM_SETSEL, 0, -1);
 }
 
+void OnCommand(HWND dialog, const Asking& asking, WPARAM wParam)
+{
+    if (LOWORD(wParam) == IDOK)
+        OnOk(dialog, asking);
+    else if (LOWORD(wParam) == IDCANCEL)
+        EndDialog(dialog, IDCANCEL);
+    else if (LOWORD(wParam) == ControlRadius && HIWORD(wParam) == EN_CHANGE)
+        OnTyped(dialog, asking);
+}
+
+void OnStart(HWND dialog, const Asking& asking)
+{
+    ShowRadius(dialog, asking);
+    FollowValues(asking.pane, dialog, asking.tenths);
+}
+
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-        ShowRadius(dialog, *reinterpret_cast<const Asking*>(lParam));
+        OnStart(dialog, *reinterpret_cast<const Asking*>(lParam));
         return TRUE;
     }
     const auto* asking = reinterpret_cast<const Asking*>(GetWindowLongPtrW(dialog, DWLP_USER));
-    if (message != WM_COMMAND || !asking)
+    if (!asking)
         return FALSE;
-    if (LOWORD(wParam) == IDOK)
-        OnOk(dialog, *asking);
-    else if (LOWORD(wParam) == IDCANCEL)
-        EndDialog(dialog, IDCANCEL);
-    return TRUE;
+    switch (message) {
+    case WM_COMMAND:
+        OnCommand(dialog, *asking, wParam);
+        return TRUE;
+    case WM_PAINT:
+        PaintPane(*asking->pane, dialog);
+        return TRUE;
+    default:
+        return FALSE;
+    }
 }
 
 const TavrixChar* SkipBlanks(const TavrixChar* text)
@@ -110,8 +146,15 @@ void FormatRadius(uint32_t tenths, TavrixChar* text)
     text[count] = 0;
 }
 
-int32_t AskRadius(uint32_t* tenths, const BilingualText& caption, TavrixWindow owner)
+int32_t AskRadius(uint32_t* tenths, const BilingualText& caption, TavrixWindow owner,
+                  TavrixImageHandle image, RasterFunctionTable* rasters)
 {
-    const Asking asking = {tenths, &caption};
-    return ShowPluginDialog(dialogNumbers, owner, Procedure, reinterpret_cast<LPARAM>(&asking));
+    FilterPane pane = {};
+    pane.image = image;
+    pane.rasters = rasters;
+    const Asking asking = {tenths, &caption, &pane};
+    const int32_t result =
+        ShowPluginDialog(dialogNumbers, owner, Procedure, reinterpret_cast<LPARAM>(&asking));
+    FreePane(&pane);
+    return result;
 }

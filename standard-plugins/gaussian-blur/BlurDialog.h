@@ -1,5 +1,5 @@
-// What the blur asks: its radius, typed in pixels with at most one decimal. User-interface thread,
-// inside Configure.
+// What the blur asks: its radius, typed in pixels with at most one decimal, beside a preview that
+// follows what is typed. User-interface thread, inside Configure.
 #pragma once
 
 #include "standard-plugins/common/PluginInfo.h"
@@ -17,5 +17,7 @@ bool ParseRadius(const TavrixChar* text, uint32_t* tenths);
 void FormatRadius(uint32_t tenths, TavrixChar* text);
 
 /// Shows the dialog with `*tenths` and takes what was typed. PluginDone, PluginNothing when the
-/// user cancelled, PluginFailed when it cannot be shown.
-int32_t AskRadius(uint32_t* tenths, const BilingualText& caption, TavrixWindow owner);
+/// user cancelled, PluginFailed when it cannot be shown. The picture is only looked at; without one
+/// there is no preview.
+int32_t AskRadius(uint32_t* tenths, const BilingualText& caption, TavrixWindow owner,
+                  TavrixImageHandle image, RasterFunctionTable* rasters);

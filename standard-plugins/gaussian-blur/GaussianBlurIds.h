@@ -4,3 +4,4 @@
 #define DialogBlurEnglish 100
 #define DialogBlurJapanese 101
 #define ControlRadius 1001
+#define ControlBlurPreview 1002

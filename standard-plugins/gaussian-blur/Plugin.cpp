@@ -1,8 +1,9 @@
 // What the host is told of the Gaussian blur.
 #include "standard-plugins/common/filtering/Filter.h"
+#include "standard-plugins/common/gaussian/GaussianRows.h"
 #include "standard-plugins/common/PluginResult.h"
 #include "standard-plugins/gaussian-blur/BlurDialog.h"
-#include "standard-plugins/gaussian-blur/GaussianRows.h"
+#include "standard-plugins/gaussian-blur/GaussianBlurIds.h"
 
 namespace
 {
@@ -43,13 +44,13 @@ void Close(FilterContext* context)
     FreeGaussianRows(RowsOf(context));
 }
 
-int32_t Ask(TavrixWindow owner, TavrixImageHandle, RasterFunctionTable*,
+int32_t Ask(TavrixWindow owner, TavrixImageHandle image, RasterFunctionTable* rasters,
             TavrixPutPropertyCallback put, TavrixGetPropertyCallback get)
 {
     if (!put || !get)
         return PluginBadArgument;
     uint32_t tenths = ReadSetting(radius.setting, get);
-    const int32_t result = AskRadius(&tenths, filterPlugin.caption, owner);
+    const int32_t result = AskRadius(&tenths, filterPlugin.caption, owner, image, rasters);
     if (result != PluginDone)
         return result;
     return StoreSetting(radius.setting, tenths, put) ? PluginDone : PluginFailed;
@@ -61,8 +62,8 @@ const FilterPlugin filterPlugin = {
     {
         PLUGIN_TEXT("TX_EFFECT"),
         {PLUGIN_TEXT("Gaussian Blur..."), PLUGIN_TEXT("ガウスぼかし...")},
-        PLUGIN_TEXT("1.0"),
-        PLUGIN_TEXT("2026-11-21"),
+        PLUGIN_TEXT("1.1"),
+        PLUGIN_TEXT("2026-11-22"),
         {PLUGIN_TEXT("Blurs the picture or the selection softly, by a radius in pixels."),
          PLUGIN_TEXT("画像や選択範囲を、指定した半径で滑らかにぼかします。")},
         nullptr,
@@ -77,7 +78,7 @@ const FilterPlugin filterPlugin = {
      .change = Change,
      .close = Close},
     Ask,
-    0,
+    ControlBlurPreview,
     PreviewSample::Middle,
     nullptr,
 };

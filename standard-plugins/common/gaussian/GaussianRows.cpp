@@ -1,4 +1,4 @@
-#include "standard-plugins/gaussian-blur/GaussianRows.h"
+#include "standard-plugins/common/gaussian/GaussianRows.h"
 
 #include <math.h>
 #include <stddef.h>
@@ -103,7 +103,7 @@ void TakeRow(GaussianRows* rows, uint32_t y, const uint8_t* row)
         out[i] = static_cast<uint16_t>(static_cast<int32_t>(sums[i] * stepsBetween + 0.5F));
 }
 
-void WriteRow(GaussianRows* rows, uint32_t y, uint8_t* row)
+const float* BlurRow(GaussianRows* rows, uint32_t y)
 {
     float* __restrict sums = rows->sums;
     const uint16_t* middle = RingRow(*rows, y);
@@ -116,6 +116,12 @@ void WriteRow(GaussianRows* rows, uint32_t y, uint8_t* row)
         for (uint32_t i = 0; i < rows->samples; ++i)
             sums[i] += weight * static_cast<float>(above[i] + below[i]);
     }
+    return sums;
+}
+
+void WriteRow(GaussianRows* rows, uint32_t y, uint8_t* row)
+{
+    const float* __restrict sums = BlurRow(rows, y);
     for (uint32_t i = 0; i < rows->samples; ++i)
         row[i] = static_cast<uint8_t>(static_cast<int32_t>(sums[i] / stepsBetween + 0.5F));
 }
