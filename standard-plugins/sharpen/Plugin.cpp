@@ -19,7 +19,7 @@ const DialogSetting settings[SettingCount] = {
      ControlSharpenRadius,
      ControlSharpenRadiusNumber,
      0,
-     true},
+     10},
     {{PLUGIN_TEXT("SharpenThreshold"), 0, 255, 0},
      SettingControl::Trackbar,
      ControlThreshold,

@@ -32,11 +32,10 @@ struct Plugin {
 
     bool IsReader() const { return std::string(file).starts_with("INPUT/"); }
     // Windows or files of the device.
-    bool UsesDevice() const { return !std::string(file).starts_with("SCALE/"); }
     bool UsesDevice() const
     {
-        return !std::string(file).starts_with("SCALE/") && file != std::string("INPUT/JPEG") &&
-               file != std::string("ADJUST/Invert");
+        return !std::string(file).starts_with("SCALE/") &&
+               !std::string(file).starts_with("SUBTRACT/") && file != std::string("ADJUST/Invert");
     }
     std::u16string Identity() const
     {
