@@ -27,17 +27,25 @@ bool MakeLinePresent(LineWriter* lines, uint32_t y)
             return GiveUp(lines, result);
         lines->present = count;
     }
-    while (y >= lines->present) {
+    const uint32_t needed = lines->fromTheEnd ? lines->height - y : y + 1;
+    while (needed > lines->present) {
         uint32_t count = lines->present;
         if (count > lines->height - lines->present)
             count = lines->height - lines->present;
+        const uint32_t place = lines->fromTheEnd ? 0 : lines->present;
         const int32_t result = lines->rasters->RasterInsertLines(
-            lines->image, static_cast<int32_t>(lines->present), &count);
+            lines->image, static_cast<int32_t>(place), &count);
         if (result < 1 || count == 0)
             return GiveUp(lines, result);
         lines->present += count;
     }
     return true;
+}
+
+// Where line `y` of the whole lies among those that the picture has.
+int32_t PlaceOf(const LineWriter& lines, uint32_t y)
+{
+    return static_cast<int32_t>(lines.fromTheEnd ? y - (lines.height - lines.present) : y);
 }
 
 } // namespace
@@ -65,6 +73,12 @@ void SetLinesSize(LineWriter* lines, uint32_t width, uint32_t height)
     lines->width = width;
     lines->height = height;
     lines->present = 0;
+    lines->fromTheEnd = false;
+}
+
+void SetLinesFromTheEnd(LineWriter* lines)
+{
+    lines->fromTheEnd = true;
 }
 
 uint8_t* LockLine(LineWriter* lines, uint32_t y)
@@ -74,7 +88,7 @@ uint8_t* LockLine(LineWriter* lines, uint32_t y)
     void* line = nullptr;
     uint32_t count = 1;
     const int32_t result =
-        lines->rasters->RasterLockLines(lines->image, static_cast<int32_t>(y), &line, &count);
+        lines->rasters->RasterLockLines(lines->image, PlaceOf(*lines, y), &line, &count);
     if (result < 1 || count != 1 || !line) {
         lines->result = result < 0 ? result : PluginFailed;
         return nullptr;
@@ -86,7 +100,7 @@ bool UnlockLine(LineWriter* lines, uint32_t y)
 {
     // The host's unlock of the last line does nothing and succeeds; it releases that line itself.
     const int32_t result =
-        lines->rasters->RasterUnlockLines(lines->image, static_cast<int32_t>(y), 1);
+        lines->rasters->RasterUnlockLines(lines->image, PlaceOf(*lines, y), 1);
     if (result >= 1)
         return true;
     lines->result = result < 0 ? result : PluginNoStorage;

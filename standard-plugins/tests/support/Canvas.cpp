@@ -86,6 +86,11 @@ int32_t Canvas::Insert(int32_t line, uint32_t* count)
     if (!forgets)
         lines.insert(lines.begin() + line, *count, std::string(stride, '\0'));
     written.insert(written.begin() + line, *count, false);
+    // Lines that are lent move with the others.
+    std::map<uint32_t, std::unique_ptr<char[]>> moved;
+    for (auto& [place, block] : lent)
+        moved[place < static_cast<uint32_t>(line) ? place : place + *count] = std::move(block);
+    lent = std::move(moved);
     return 1;
 }
 
