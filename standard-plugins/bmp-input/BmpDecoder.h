@@ -8,7 +8,7 @@
 // - A palette that does not reach the pixels' numbers is filled up with black, and a pixel that
 //   takes such an entry makes the result negative though all rows are there.
 // - Pixels that run-length data skip have the palette's colour 0; without a palette, black. Data
-//   that end before the end mark are broken off, data beyond a row's end damaged.
+//   that end before the end mark are broken off.
 // - Alpha counts where its mask is in the file, and not in plain pixels of 32 bits.
 #pragma once
 

@@ -16,6 +16,9 @@ struct Runs {
     /// The place of the next pixel; `y` counts rows as they come.
     uint32_t x;
     uint32_t y;
+    /// Pixels of the row that lie beyond its end, and how many may.
+    uint32_t overhang;
+    uint32_t filling;
     /// Something was put into the row.
     bool rowTouched;
     uint64_t blankPixels;
@@ -28,12 +31,13 @@ void ClearRow(Runs* runs)
     for (uint32_t x = 0; x < runs->rows->width; ++x)
         memcpy(runs->rows->row + size_t{3} * x, color, 3);
     runs->rowTouched = false;
+    runs->overhang = 0;
 }
 
 void PutPixel(Runs* runs, const uint8_t* color)
 {
     if (runs->x >= runs->rows->width) {
-        runs->rows->damaged = true;
+        runs->rows->damaged |= ++runs->overhang > runs->filling;
         return;
     }
     memcpy(runs->rows->row + size_t{3} * runs->x++, color, 3);
@@ -142,6 +146,7 @@ bool ReadBmpRuns(RowReading* rows, uint32_t bits, DibPixels* pixels)
     runs.rows = rows;
     runs.bits = bits;
     runs.pixels = pixels;
+    runs.filling = static_cast<uint32_t>(DibRowBytes(rows->width, bits) * 8 / bits) - rows->width;
     ClearRow(&runs);
     while (!runs.ended)
         if (!ReadCode(&runs))

@@ -6,6 +6,9 @@
 //     0 2 x y   x pixels on and y rows up
 //     0 n       n (3 or more) pixels follow as they are, filled up to an even count of bytes
 //
+// Some programs code the filling of their rows to a multiple of four bytes too: so many pixels
+// behind a row's end are passed over.
+//
 // Skipped pixels are not in the data, so that a few bytes could ask for a picture of gigabytes:
 // beyond 64 million pixels in rows that got none, the file is refused.
 #pragma once
@@ -14,5 +17,5 @@
 #include "standard-plugins/common/rows/RowReading.h"
 
 /// Reads from the first code to the end mark. False with the reading's `result` set; data that
-/// reach over a row's end set `damaged` and go on.
+/// reach further over a row's end set `damaged` and go on.
 bool ReadBmpRuns(RowReading* rows, uint32_t bits, DibPixels* pixels);
