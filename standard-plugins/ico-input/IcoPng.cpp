@@ -66,6 +66,9 @@ void StartLibrary(IcoPng* icon)
     png_set_user_limits(icon->png, largestPictureSide, largestPictureSide);
     png_set_chunk_cache_max(icon->png, 128);
     png_set_chunk_malloc_max(icon->png, 8000000);
+    // The library inflates only whole pieces of this size: what a file that breaks off holds beyond
+    // the last is lost.
+    png_set_compression_buffer_size(icon->png, 512);
     png_set_crc_action(icon->png, PNG_CRC_ERROR_QUIT, PNG_CRC_WARN_DISCARD);
     // -1 stands for every chunk but those that make the pixels.
     png_set_keep_unknown_chunks(icon->png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);

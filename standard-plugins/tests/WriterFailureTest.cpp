@@ -32,6 +32,9 @@ const Form forms[] = {
     {"InterlacedPng", "PNG.dll", "kept.png", u"PngOutputInterlaced", u"PNG writer",
      u"PNG 書き込み"},
     {"Jpeg", "JPEG.dll", "kept.jpg", nullptr, u"JPEG writer", u"JPEG 書き込み"},
+    {"Bmp", "BMP.dll", "kept.bmp", nullptr, u"BMP writer", u"BMP 書き込み"},
+    {"Pnm", "PNM.dll", "kept.ppm", nullptr, u"PNM writer", u"PNM 書き込み"},
+    {"PlainPnm", "PNM.dll", "kept.ppm", u"PnmOutputPlain", u"PNM writer", u"PNM 書き込み"},
     {"ProgressiveJpeg", "JPEG.dll", "kept.jpg", u"JpegOutputProgressive", u"JPEG writer",
      u"JPEG 書き込み"},
 };
