@@ -33,8 +33,8 @@ bool MakeLinePresent(LineWriter* lines, uint32_t y)
         if (count > lines->height - lines->present)
             count = lines->height - lines->present;
         const uint32_t place = lines->fromTheEnd ? 0 : lines->present;
-        const int32_t result = lines->rasters->RasterInsertLines(
-            lines->image, static_cast<int32_t>(place), &count);
+        const int32_t result =
+            lines->rasters->RasterInsertLines(lines->image, static_cast<int32_t>(place), &count);
         if (result < 1 || count == 0)
             return GiveUp(lines, result);
         lines->present += count;
@@ -99,8 +99,7 @@ uint8_t* LockLine(LineWriter* lines, uint32_t y)
 bool UnlockLine(LineWriter* lines, uint32_t y)
 {
     // The host's unlock of the last line does nothing and succeeds; it releases that line itself.
-    const int32_t result =
-        lines->rasters->RasterUnlockLines(lines->image, PlaceOf(*lines, y), 1);
+    const int32_t result = lines->rasters->RasterUnlockLines(lines->image, PlaceOf(*lines, y), 1);
     if (result >= 1)
         return true;
     lines->result = result < 0 ? result : PluginNoStorage;

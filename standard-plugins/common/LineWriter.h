@@ -4,8 +4,8 @@
 // A picture of up to 64 million pixels gets all its lines at once, so that a file that breaks off
 // shows its good lines in a picture of the right size. A larger one begins with lines for that many
 // pixels and doubles as the lines really come: a header alone can then never make the host allocate
-// gigabytes, and a large picture that breaks off ends shortly behind its good lines. One whose lines
-// come from the last to the first grows upwards in the same way, and keeps its lower part.
+// gigabytes, and a large picture that breaks off ends shortly behind its good lines. One whose
+// lines come from the last to the first grows upwards in the same way, and keeps its lower part.
 //
 // No line stays locked between two calls. Where the host fails to give lines the picture is freed:
 // after such a failure its line count and its lines need not agree.
