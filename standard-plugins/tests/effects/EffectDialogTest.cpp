@@ -108,6 +108,11 @@ const Dialog dialogs[] = {
        u"64"}}},
 };
 
+void PrintTo(const Dialog& dialog, std::ostream* out)
+{
+    *out << dialog.file;
+}
+
 std::string NameOf(const testing::TestParamInfo<Dialog>& info)
 {
     return info.param.file;
@@ -143,10 +148,10 @@ protected:
         PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id),
                      reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
     }
-    static RECT PlaceOf(HWND dialog, int id)
+    static RECT PlaceIn(HWND dialog, HWND control)
     {
         RECT place = {};
-        GetWindowRect(GetDlgItem(dialog, id), &place);
+        GetWindowRect(control, &place);
         POINT corner = {place.left, place.top};
         ScreenToClient(dialog, &corner);
         return {corner.x, corner.y, corner.x + place.right - place.left,
@@ -156,20 +161,18 @@ protected:
     static Pixels Previewed(HWND dialog, int preview)
     {
         UpdateWindow(dialog);
-        const RECT place = PlaceOf(dialog, preview);
-        const int left = (place.left + place.right - static_cast<int>(width)) / 2;
-        const int top = (place.top + place.bottom - static_cast<int>(height)) / 2;
-        const HDC dc = GetDC(dialog);
+        const RECT place = PlaceIn(dialog, GetDlgItem(dialog, preview));
+        POINT corner = {(place.left + place.right - static_cast<int>(width)) / 2,
+                        (place.top + place.bottom - static_cast<int>(height)) / 2};
+        ClientToScreen(dialog, &corner);
+        const Picture screen = ScreenPixels();
         Pixels pixels{width, height, {}};
         for (int y = 0; y < static_cast<int>(height); ++y)
-            for (int x = 0; x < static_cast<int>(width); ++x) {
-                const COLORREF colour = GetPixel(dc, left + x, top + y);
-                pixels.bytes.push_back(static_cast<u8>(colour));
-                pixels.bytes.push_back(static_cast<u8>(colour >> 8));
-                pixels.bytes.push_back(static_cast<u8>(colour >> 16));
-            }
-        EXPECT_EQ(GetPixel(dc, left - 1, top), RGB(128, 128, 128)) << "the ground beside it";
-        ReleaseDC(dialog, dc);
+            for (int x = 0; x < static_cast<int>(width); ++x)
+                for (int shift : {16, 8, 0})
+                    pixels.bytes.push_back(
+                        static_cast<u8>(screen.At(corner.x + x, corner.y + y) >> shift));
+        EXPECT_EQ(screen.At(corner.x - 1, corner.y), 0x808080u) << "the ground beside it";
         return pixels;
     }
     static std::u16string CaptionOf(HWND dialog)
@@ -312,27 +315,35 @@ TEST_P(EffectDialog, ShowsWildStoredNumbersWithinTheRange)
     }
 }
 
-TEST_P(EffectDialog, SpeaksBothLanguagesAndFitsASmallScreen)
+TEST_P(EffectDialog, SpeaksBothLanguagesAndHoldsAllItsControls)
 {
     for (const u32 language : {9u, 17u})
-        EXPECT_EQ(Ask(language,
-                      [language](HWND dialog) {
-                          const bool japanese = language == 17;
-                          EXPECT_EQ(CaptionOf(dialog),
-                                    japanese ? GetParam().japaneseCaption : GetParam().caption);
-                          EXPECT_EQ(ControlText(dialog, IDCANCEL),
-                                    japanese ? u"キャンセル" : u"Cancel");
-                          RECT window = {};
-                          GetWindowRect(dialog, &window);
-                          printf("SIZE %ld %ld screen %d %d\n", (long)(window.right - window.left),
-                                 (long)(window.bottom - window.top), GetSystemMetrics(SM_CXSCREEN),
-                                 GetSystemMetrics(SM_CYSCREEN));
-                          if (const char* pictures = std::getenv("TAVRIX_EFFECT_PICTURES"))
-                              SaveScreen(std::string(pictures) + "/" + GetParam().file +
-                                         (japanese ? "-ja.png" : "-en.png"));
-                          Press(dialog, IDCANCEL);
-                      }),
-                  0);
+        EXPECT_EQ(
+            Ask(language,
+                [language](HWND dialog) {
+                    const bool japanese = language == 17;
+                    EXPECT_EQ(CaptionOf(dialog),
+                              japanese ? GetParam().japaneseCaption : GetParam().caption);
+                    EXPECT_EQ(ControlText(dialog, IDCANCEL), japanese ? u"キャンセル" : u"Cancel");
+                    RECT client = {};
+                    GetClientRect(dialog, &client);
+                    std::vector<int> ids = {IDOK, IDCANCEL};
+                    for (int id = 1001; id <= GetParam().preview; ++id)
+                        ids.push_back(id);
+                    for (const int id : ids) {
+                        ASSERT_TRUE(GetDlgItem(dialog, id)) << id;
+                        const RECT place = PlaceIn(dialog, GetDlgItem(dialog, id));
+                        EXPECT_TRUE(place.left >= 0 && place.top >= 0 &&
+                                    place.right <= client.right && place.bottom <= client.bottom)
+                            << id;
+                    }
+                    UpdateWindow(dialog);
+                    if (const char* pictures = std::getenv("TAVRIX_EFFECT_PICTURES"))
+                        SaveScreen(std::string(pictures) + "/" + GetParam().file +
+                                   (japanese ? "-ja.png" : "-en.png"));
+                    Press(dialog, IDCANCEL);
+                }),
+            0);
 }
 
 TEST_P(EffectDialog, PreviewIsWhatTheEffectMakesAndFollowsEveryControl)

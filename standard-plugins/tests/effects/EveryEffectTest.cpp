@@ -27,6 +27,11 @@ const Effect effects[] = {
     {"Posterise", u"Posterise", u"ポスタリゼーション"},
 };
 
+void PrintTo(const Effect& effect, std::ostream* out)
+{
+    *out << effect.file;
+}
+
 std::string NameOf(const testing::TestParamInfo<Effect>& info)
 {
     return info.param.file;
