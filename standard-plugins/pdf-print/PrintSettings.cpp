@@ -1,5 +1,6 @@
 #include "standard-plugins/pdf-print/PrintSettings.h"
 
+#include "standard-plugins/common/pdf/PageSettings.h"
 #include "standard-plugins/common/PluginInfo.h"
 #include "standard-plugins/common/PluginSettings.h"
 #include "standard-plugins/pdf-print/FileNames.h"
@@ -9,13 +10,7 @@
 namespace
 {
 
-const PluginSetting paperSetting = {PLUGIN_TEXT("PdfPrintPaper"), 0, PaperCount - 1, PaperA4};
-const PluginSetting orientationSetting = {PLUGIN_TEXT("PdfPrintOrientation"), 0,
-                                          OrientationCount - 1, OrientationAutomatic};
-const PluginSetting marginSetting = {PLUGIN_TEXT("PdfPrintMargin"), 0, largestMargin, 10};
-const PluginSetting fitSetting = {PLUGIN_TEXT("PdfPrintFit"), 0, 1, 1};
-const PluginSetting resolutionSetting = {PLUGIN_TEXT("PdfPrintResolution"), smallestResolution,
-                                         largestResolution, 96};
+const PageSettingKeys pageKeys = PAGE_SETTINGS("PdfPrint", PaperCount);
 const PluginSetting replaceSetting = {PLUGIN_TEXT("PdfPrintReplace"), 0, 1, 0};
 const TavrixChar fileKey[] = PLUGIN_TEXT("PdfPrintFile");
 const TavrixChar standardFile[] = PLUGIN_TEXT("\\My Documents\\Tavrix.pdf");
@@ -53,11 +48,7 @@ bool StoreFileName(const TavrixChar* file, TavrixPutPropertyCallback put)
 void ReadPrintSettings(PrintSettings* settings, TavrixGetPropertyCallback get)
 {
     *settings = {};
-    settings->page.paper = ReadSetting(paperSetting, get);
-    settings->page.orientation = ReadSetting(orientationSetting, get);
-    settings->page.margin = ReadSetting(marginSetting, get);
-    settings->page.fitsPage = ReadSetting(fitSetting, get) != 0;
-    settings->page.resolution = ReadSetting(resolutionSetting, get);
+    settings->page = ReadPageSettings(pageKeys, get);
     if (ReadFileName(settings->file, get))
         settings->mayReplace = ReadSetting(replaceSetting, get) != 0;
     else
@@ -68,12 +59,7 @@ bool StorePrintSettings(const PrintSettings& settings, TavrixPutPropertyCallback
 {
     // The agreement last: it must never stand beside a path that it was not given for.
     return StoreSetting(replaceSetting, 0, put) &&
-           StoreSetting(paperSetting, settings.page.paper, put) &&
-           StoreSetting(orientationSetting, settings.page.orientation, put) &&
-           StoreSetting(marginSetting, settings.page.margin, put) &&
-           StoreSetting(fitSetting, settings.page.fitsPage, put) &&
-           StoreSetting(resolutionSetting, settings.page.resolution, put) &&
-           StoreFileName(settings.file, put) &&
+           StorePageSettings(pageKeys, settings.page, put) && StoreFileName(settings.file, put) &&
            (!settings.mayReplace || StoreSetting(replaceSetting, 1, put));
 }
 

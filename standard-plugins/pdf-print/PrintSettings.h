@@ -2,7 +2,7 @@
 // with "PdfPrint"; what is read is always within its range, whatever stands there.
 #pragma once
 
-#include "standard-plugins/pdf-print/PageGeometry.h"
+#include "standard-plugins/common/pdf/PageGeometry.h"
 
 #include <tavrix/plugin.h>
 

@@ -1,6 +1,6 @@
 // Where pictures lie on their pages, by hand-typed tables in hundredths of a point.
 
-#include "standard-plugins/pdf-print/PageGeometry.h"
+#include "standard-plugins/common/pdf/PageGeometry.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // The writer of objects, byte by byte: numbers, texts, the table at the end.
 
-#include "standard-plugins/pdf-print/PdfFile.h"
+#include "standard-plugins/common/pdf/PdfFile.h"
 #include "platform/testing/Faults.h"
 #include "standard-plugins/common/PluginResult.h"
-#include "standard-plugins/pdf-print/PdfImageRows.h"
+#include "standard-plugins/common/pdf/PdfImageRows.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 // what it asks before a file is replaced, in both languages.
 
 #include "platform/testing/WindowTesting.h"
+#include "standard-plugins/common/pdf/device/PageDialogIds.h"
 #include "standard-plugins/pdf-print/PdfPrintIds.h"
 #include "standard-plugins/tests/pdf/Printing.h"
 

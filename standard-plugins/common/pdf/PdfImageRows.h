@@ -5,7 +5,7 @@
 // kilobytes) and one piece of output; nothing of the picture's height.
 #pragma once
 
-#include "standard-plugins/pdf-print/PdfFile.h"
+#include "standard-plugins/common/pdf/PdfFile.h"
 
 #include <zlib.h>
 

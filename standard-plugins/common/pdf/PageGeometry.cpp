@@ -1,4 +1,4 @@
-#include "standard-plugins/pdf-print/PageGeometry.h"
+#include "standard-plugins/common/pdf/PageGeometry.h"
 
 namespace
 {

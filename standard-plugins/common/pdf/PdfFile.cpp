@@ -1,4 +1,4 @@
-#include "standard-plugins/pdf-print/PdfFile.h"
+#include "standard-plugins/common/pdf/PdfFile.h"
 
 #include <string.h>
 

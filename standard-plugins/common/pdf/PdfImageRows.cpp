@@ -1,4 +1,4 @@
-#include "standard-plugins/pdf-print/PdfImageRows.h"
+#include "standard-plugins/common/pdf/PdfImageRows.h"
 
 #include "standard-plugins/common/PluginResult.h"
 

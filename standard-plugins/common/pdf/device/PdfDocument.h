@@ -2,9 +2,9 @@
 // each row from the top, FinishDocument where all went well, and CloseDocument in any case.
 #pragma once
 
-#include "standard-plugins/pdf-print/PageGeometry.h"
-#include "standard-plugins/pdf-print/PdfFile.h"
-#include "standard-plugins/pdf-print/PdfImageRows.h"
+#include "standard-plugins/common/pdf/PageGeometry.h"
+#include "standard-plugins/common/pdf/PdfFile.h"
+#include "standard-plugins/common/pdf/PdfImageRows.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "standard-plugins/pdf-print/PdfDocument.h"
+#include "standard-plugins/common/pdf/device/PdfDocument.h"
 
 #include "standard-plugins/common/PluginResult.h"
 
