@@ -13,6 +13,14 @@ bool OpenHostLibrary(HostLibrary* library, const char*, const TavrixChar* device
     return library->handle != nullptr;
 }
 
+bool OpenLastingHostLibrary(HostLibrary* library, const char* hostName,
+                            const TavrixChar* deviceName)
+{
+    // The first load is never given back.
+    return OpenHostLibrary(library, hostName, deviceName) &&
+           OpenHostLibrary(library, hostName, deviceName);
+}
+
 void CloseHostLibrary(HostLibrary* library)
 {
     if (library->handle)
@@ -28,6 +36,12 @@ void* FindInHostLibrary(const HostLibrary& library, const char* name)
 bool OpenHostLibrary(HostLibrary* library, const char* hostName, const TavrixChar*)
 {
     library->handle = dlopen(hostName, RTLD_NOW | RTLD_LOCAL);
+    return library->handle != nullptr;
+}
+
+bool OpenLastingHostLibrary(HostLibrary* library, const char* hostName, const TavrixChar*)
+{
+    library->handle = dlopen(hostName, RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     return library->handle != nullptr;
 }
 

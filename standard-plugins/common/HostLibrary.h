@@ -13,6 +13,10 @@ struct HostLibrary {
 /// `hostName` is the shared object's name as the linker knows it, "libname.so.1"; `deviceName` that
 /// of the same library on the device, "name.dll". False, with nothing open, where it is missing.
 bool OpenHostLibrary(HostLibrary* library, const char* hostName, const TavrixChar* deviceName);
+/// The same for a library that must never leave the process again, such as one that has a thread
+/// clean up for it when it ends: closing it leaves it mapped.
+bool OpenLastingHostLibrary(HostLibrary* library, const char* hostName,
+                            const TavrixChar* deviceName);
 /// Also right for a closed one. What was found in it may not be called any more.
 void CloseHostLibrary(HostLibrary* library);
 /// Null where the library has no such function.
