@@ -1,11 +1,13 @@
 #include "standard-plugins/cups-print/CupsPrinting.h"
 
-#include "standard-plugins/common/pdf/device/PrintedPage.h"
-#include "standard-plugins/common/PluginResult.h"
+// The library's headers come before the device's: on the device they bring the sockets.
 #include "standard-plugins/cups-print/CupsJob.h"
 #include "standard-plugins/cups-print/CupsSettings.h"
 #include "standard-plugins/cups-print/PluginName.h"
 #include "standard-plugins/cups-print/Utf8.h"
+
+#include "standard-plugins/common/pdf/device/PrintedPage.h"
+#include "standard-plugins/common/PluginResult.h"
 
 #include <stdlib.h>
 
