@@ -80,6 +80,7 @@ const Plugin plugins[] = {
     {"OUTPUT/PNG", u"PNG writer", u"PNG 書き込み", u"PNG image (*.png)", u"PNG 画像 (*.png)",
      u"*.png", writerExports},
     {"PRINT/PDF", u"PDF file", u"PDF ファイル", nullptr, nullptr, nullptr, printerExports},
+    {"PRINT/CUPS", u"Printer", u"プリンタ", nullptr, nullptr, nullptr, printerExports},
     {"EFFECT/GaussianBlur", u"Gaussian Blur...", u"ガウスぼかし...", nullptr, nullptr, nullptr,
      effectExports},
     {"EFFECT/Sharpen", u"Sharpen...", u"シャープ...", nullptr, nullptr, nullptr, effectExports},
@@ -265,7 +266,7 @@ TEST_P(PluginInfo, NeedsNeitherTheToolkitNorTheCxxLibraryAndTheDeviceOnlyForDial
     const std::string needed =
         OutputOf("objdump -p " + LibraryFile(GetParam().file) + " | grep NEEDED");
     EXPECT_NE(needed.find("NEEDED"), std::string::npos); // the tool answered at all
-    for (const char* library : {"libQt", "libstdc++", "libzimg"})
+    for (const char* library : {"libQt", "libstdc++", "libzimg", "libcups"})
         EXPECT_EQ(needed.find(library), std::string::npos) << library << " in\n" << needed;
     EXPECT_EQ(needed.find("libtavrix-platform.so") != std::string::npos, GetParam().UsesDevice());
 }

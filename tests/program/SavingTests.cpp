@@ -435,6 +435,17 @@ TEST(Opening, AFileThatVanishesUnderTheDialogLeavesTheDialogAndThePictureAsTheyW
     });
 }
 
+/// The command that prints with the plugin of this file.
+UINT PrintCommandOf(const MainFrame& frame, const char16_t* file)
+{
+    UINT index = 0;
+    while (frame.printPlugins->Path(index) != nullptr &&
+           !std::u16string(frame.printPlugins->Path(index)).ends_with(file))
+        ++index;
+    EXPECT_NE(frame.printPlugins->Path(index), nullptr);
+    return CommandFirstPrint + index;
+}
+
 TEST(Printing, ToAPdfGivesThePictureBackBitForBitOnASoundPage)
 {
     HideToolWindows();
@@ -450,7 +461,7 @@ TEST(Printing, ToAPdfGivesThePictureBackBitForBitOnASoundPage)
                                        ClickControl(dialog, IDOK);
                                    },
                                    PressEnter()});
-            Command(frame, CommandFirstPrint);
+            Command(frame, PrintCommandOf(frame, u"\\PDF.dll"));
         }
         EXPECT_EQ(lines, (std::vector<std::u16string>{u"First, configure your printer.",
                                                       u"Configuration is set correctly."}));

@@ -171,7 +171,7 @@ std::string InfoOf(const std::string& pdf, const std::string& title)
     return all.substr(begin, all.find('\n', begin) - begin);
 }
 
-PrintTest::PrintTest()
+PrintTest::PrintTest(const std::string& name) : library(name + ".dll")
 {
     CurrentTold() = {};
     tavrix::testing::SetFreeMemory(1u << 30);
@@ -182,7 +182,7 @@ PrintTest::PrintTest()
 PrintTest::~PrintTest()
 {
     plugin.Unload();
-    EXPECT_EQ(FileBytes("/proc/self/maps").find("/PRINT/PDF.dll"), std::string::npos)
+    EXPECT_EQ(FileBytes("/proc/self/maps").find("/PRINT/" + library), std::string::npos)
         << "still in the process after its unload";
     tavrix::testing::Reset();
     MemoryGauge::Sample();
@@ -191,8 +191,14 @@ PrintTest::~PrintTest()
 
 void PrintTest::Load(u32 language)
 {
-    ASSERT_EQ(plugin.ScanIn(DevicePath(TAVRIX_BINARY_DIR "/bin/PLUGINS").c_str(), ForgetPaths), 1);
-    ASSERT_EQ(plugin.LoadByIndex(0, language), 1);
+    const i32 count =
+        plugin.ScanIn(DevicePath(TAVRIX_BINARY_DIR "/bin/PLUGINS").c_str(), ForgetPaths);
+    u32 index = 0;
+    while (static_cast<i32>(index) < count &&
+           !tavrix::testing::Utf8(plugin.Path(index)).ends_with("\\" + library))
+        ++index;
+    ASSERT_LT(static_cast<i32>(index), count) << library << " is not there";
+    ASSERT_EQ(plugin.LoadByIndex(index, language), 1);
 }
 
 i32 PrintTest::Print(Raster* image, const WCHAR* title)

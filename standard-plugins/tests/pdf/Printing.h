@@ -69,7 +69,8 @@ std::string InfoOf(const std::string& pdf, const std::string& title);
 class PrintTest : public testing::Test
 {
 protected:
-    PrintTest();
+    /// `name` is the library's, without its extension.
+    explicit PrintTest(const std::string& name = "PDF");
     ~PrintTest() override;
 
     /// The plugin, loaded anew in a language (0 or 17).
@@ -82,6 +83,7 @@ protected:
     std::string Path(const std::string& name) const { return folder + "/" + name; }
 
     tavrix::testing::Scope scope;
+    const std::string library;
     PrintPlugin plugin;
     std::string folder = tavrix::testing::FreshFolder();
 };
