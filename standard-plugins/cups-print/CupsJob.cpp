@@ -5,6 +5,9 @@
 namespace
 {
 
+// Seconds. A printing system that works may take longer over a document than over a question.
+constexpr double longestSilence = 15;
+
 // To be added in the order of their names, by which the library searches. It changes none of the
 // texts, though its record would let it.
 struct Options {
@@ -52,6 +55,7 @@ CupsProblem StartJob(CupsJob* job, CupsServer* server, const JobOptions& options
     *job = {};
     job->server = server;
     const CupsLibrary& cups = server->cups;
+    cups.setTimeout(server->http, longestSilence, nullptr, nullptr);
     if (!FindDestination(job, options.printer))
         return ReasonOf(*job) == CupsProblem::Lost ? CupsProblem::Lost : CupsProblem::Unknown;
     const char copies[] = {static_cast<char>('0' + options.copies / 10 % 10),

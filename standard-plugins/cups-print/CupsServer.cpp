@@ -7,7 +7,7 @@ namespace
 {
 
 constexpr int longestConnecting = 5000; // milliseconds
-constexpr double longestSilence = 10;   // seconds
+constexpr double longestSilence = 5;    // seconds
 constexpr uint32_t mostPrinters = 10000;
 
 // Without this the library would ask on the terminal.

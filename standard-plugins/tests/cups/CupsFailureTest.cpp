@@ -2,8 +2,6 @@
 
 #include "standard-plugins/tests/cups/CupsPrinting.h"
 
-#include <chrono>
-
 using namespace cupstest;
 using namespace pdftest;
 
@@ -28,7 +26,7 @@ protected:
     i32 PrintLarge()
     {
         Raster image;
-        Fill(&image, 1000, 2000, 24, Noise);
+        Fill(&image, 300, 2000, 24, Noise);
         const i32 result =
             plugin.Print(&image, nullptr, 0, 0, 0, 0, u"large", AnsweringCallbacks());
         image.UnlockAll();
@@ -47,7 +45,7 @@ TEST_F(CupsFailure, ARefusalInTheMiddleCancelsTheJobAndNothingIsPrinted)
 {
     PrintingSystem system;
     CurrentTold().refusedFrom = 50;
-    EXPECT_EQ(Print(1000, 2000, Noise), -9);
+    EXPECT_EQ(Print(300, 2000, Noise), -9);
     EXPECT_EQ(CurrentTold().progress.size(), 51u);
     EXPECT_EQ(Complaint(), "") << "who gave up knows it";
     system.WaitForJobs();
