@@ -114,6 +114,17 @@ TEST_F(CupsFailure, APrinterThatIsGoneIsTold)
     EXPECT_TRUE(system.Jobs().empty());
 }
 
+TEST_F(CupsFailure, NoPrinterIsLookedForInTheNetwork)
+{
+    // Whoever wants to look around there asks a daemon, over this bus.
+    const SilentBus bus(Path("bus"));
+    PrintingSystem system;
+    EXPECT_EQ(Print(10, 10, Noise), 1) << Complaint();
+    SetPrinter(u"Gone");
+    EXPECT_EQ(Print(10, 10, Noise), -1);
+    EXPECT_FALSE(bus.WasAsked());
+}
+
 TEST_F(CupsFailure, AServerWithoutPrintersIsTold)
 {
     PrintingSystem system(std::vector<std::string>{});

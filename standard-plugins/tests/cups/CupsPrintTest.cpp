@@ -3,6 +3,8 @@
 
 #include "standard-plugins/tests/cups/CupsPrinting.h"
 
+#include <thread>
+
 using namespace cupstest;
 using namespace pdftest;
 
@@ -166,6 +168,18 @@ TEST_F(CupsPrint, NoThreadIsLeft)
     const size_t before = Threads();
     ASSERT_EQ(Print(10, 10, Red), 1) << Complaint();
     EXPECT_EQ(Threads(), before);
+}
+
+// The library has a thread clean up for it when it ends, which the host's worker does long after
+// the plugin was unloaded.
+TEST_F(CupsPrint, AThreadThatPrintedEndsInPeaceAfterTheUnload)
+{
+    std::thread worker([this] {
+        EXPECT_EQ(Print(10, 10, Noise), 1) << Complaint();
+        plugin.Unload();
+    });
+    worker.join();
+    EXPECT_EQ(OnlyJob().state, "completed");
 }
 
 TEST_F(CupsPrinters, TheChosenOneOfSeveralIsPrintedOn)

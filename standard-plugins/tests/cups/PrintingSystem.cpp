@@ -10,8 +10,10 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <poll.h>
 #include <sstream>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <thread>
 #include <unistd.h>
 
@@ -308,6 +310,28 @@ std::string SilentServer::Name() const
     socklen_t length = sizeof name;
     getsockname(listener, reinterpret_cast<sockaddr*>(&name), &length);
     return "127.0.0.1:" + std::to_string(ntohs(name.sin_port));
+}
+
+SilentBus::SilentBus(const std::string& path) : listener(socket(AF_UNIX, SOCK_STREAM, 0))
+{
+    sockaddr_un name = {};
+    name.sun_family = AF_UNIX;
+    path.copy(name.sun_path, sizeof name.sun_path - 1);
+    EXPECT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0) << path;
+    EXPECT_EQ(listen(listener, 16), 0);
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + path).c_str(), 1);
+}
+
+SilentBus::~SilentBus()
+{
+    unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+    close(listener);
+}
+
+bool SilentBus::WasAsked() const
+{
+    pollfd entry = {listener, POLLIN, 0};
+    return poll(&entry, 1, 0) != 0;
 }
 
 unsigned short FreePort()

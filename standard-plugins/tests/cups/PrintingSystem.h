@@ -72,6 +72,19 @@ private:
     int listener;
 };
 
+/// A system bus for this process at which one can connect and gets no word.
+class SilentBus
+{
+public:
+    /// `path` is that of its socket.
+    explicit SilentBus(const std::string& path);
+    ~SilentBus();
+    bool WasAsked() const;
+
+private:
+    int listener;
+};
+
 /// A port of this machine at which nobody listens.
 unsigned short FreePort();
 
