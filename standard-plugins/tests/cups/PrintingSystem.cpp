@@ -167,7 +167,7 @@ PrintingSystem::~PrintingSystem()
     fs::remove_all(folder);
 }
 
-// The printer announces itself over this bus; nobody need listen there.
+// Both programs announce themselves over this bus; nobody need listen there.
 bool PrintingSystem::StartBus()
 {
     std::string settings = busSettings;
@@ -182,16 +182,21 @@ bool PrintingSystem::StartBus()
     return false;
 }
 
+std::map<std::string, std::string> PrintingSystem::BusEnvironment() const
+{
+    return {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + Path("bus")}};
+}
+
 bool PrintingSystem::StartPrinter()
 {
     fs::create_directory(Path("documents"));
     for (int attempt = 0; attempt < 3; ++attempt) {
         printerPort = FreePort();
-        printer = Start(
-            "/usr/sbin/ippeveprinter",
-            {"-vv", "-r", "off", "-p", std::to_string(printerPort), "-d", Path("documents"), "-k",
-             "-c", "/bin/true", "-f", "application/pdf,image/jpeg,image/pwg-raster", "Printer"},
-            Path("printer.log"), {{"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + Path("bus")}});
+        printer = Start("/usr/sbin/ippeveprinter",
+                        {"-vv", "-r", "off", "-p", std::to_string(printerPort), "-d",
+                         Path("documents"), "-k", "-c", "/bin/true", "-f",
+                         "application/pdf,image/jpeg,image/pwg-raster", "Printer"},
+                        Path("printer.log"), BusEnvironment());
         if (printer && WaitUntil(*printer, [&] { return Answers("127.0.0.1", printerPort); }))
             return true;
     }
@@ -209,7 +214,7 @@ bool PrintingSystem::StartScheduler(const std::vector<std::string>& queues)
     WriteFile(Path("root/printers.conf"), QueueSettings(queues, printerPort));
     scheduler = Start("/usr/sbin/cupsd",
                       {"-f", "-c", Path("root/cupsd.conf"), "-s", Path("root/cups-files.conf")},
-                      Path("cupsd.log"));
+                      Path("cupsd.log"), BusEnvironment());
     if (scheduler && WaitUntil(*scheduler, [&] { return Answers(address, schedulerPort); }))
         return true;
     ADD_FAILURE() << "cupsd (package cups-daemon) does not come up:\n"

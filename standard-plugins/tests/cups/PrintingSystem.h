@@ -49,6 +49,7 @@ private:
     bool StartBus();
     bool StartPrinter();
     bool StartScheduler(const std::vector<std::string>& queues);
+    std::map<std::string, std::string> BusEnvironment() const;
     std::string Path(const std::string& name) const { return folder + "/" + name; }
 
     std::string folder;
