@@ -32,7 +32,7 @@ void MakeProfile(HeifColors* colors, const heif_color_profile_nclx& nclx)
 } // namespace
 
 void ReadHeifColors(HeifColors* colors, const HeifLibrary& library,
-                    const heif_image_handle* picture)
+                    const heif_image_handle* picture, const heif_image* image)
 {
     *colors = {};
     const size_t bytes = library.profileBytes(picture);
@@ -43,7 +43,8 @@ void ReadHeifColors(HeifColors* colors, const HeifLibrary& library,
         return;
     }
     heif_color_profile_nclx* nclx = nullptr;
-    if (library.getCodePoints(picture, &nclx).code == heif_error_Ok && nclx) {
+    const bool told = library.getCodePoints(picture, &nclx).code == heif_error_Ok && nclx;
+    if (told || (library.getCodedPoints(image, &nclx).code == heif_error_Ok && nclx)) {
         MakeProfile(colors, *nclx);
         library.freeCodePoints(nclx);
     }

@@ -1,4 +1,5 @@
-// The colour profile of a HEIF picture: its own, or one made of its code points.
+// The colour profile of a HEIF picture: its own, or one made of its code points, which stand in the
+// boxes or with the coded picture.
 #pragma once
 
 #include "standard-plugins/heif-input/HeifLibrary.h"
@@ -12,5 +13,5 @@ struct HeifColors {
 /// A profile that is too large or cannot be had is passed over, as ColorConversion does with broken
 /// ones.
 void ReadHeifColors(HeifColors* colors, const HeifLibrary& library,
-                    const heif_image_handle* picture);
+                    const heif_image_handle* picture, const heif_image* image);
 void FreeHeifColors(HeifColors* colors);

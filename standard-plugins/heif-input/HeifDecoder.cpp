@@ -93,7 +93,7 @@ int32_t DecodeImage(HeifDecode* decode)
 bool OpenPixels(HeifDecode* decode, const Background& ground)
 {
     HeifColors colors;
-    ReadHeifColors(&colors, decode->library, decode->picture);
+    ReadHeifColors(&colors, decode->library, decode->picture, decode->image);
     FrameForm form = {};
     form.layout = decode->hasAlpha ? ColorLayout::Rgba8 : ColorLayout::Rgb8;
     form.premultiplied = decode->library.isPremultiplied(decode->picture) != 0;

@@ -37,6 +37,7 @@ bool BindHandle(HeifLibrary* library)
                             &library->getProfile) &&
            BindHostFunction(host, "heif_image_handle_get_nclx_color_profile",
                             &library->getCodePoints) &&
+           BindHostFunction(host, "heif_image_get_nclx_color_profile", &library->getCodedPoints) &&
            BindHostFunction(host, "heif_nclx_color_profile_free", &library->freeCodePoints);
 }
 

@@ -24,6 +24,7 @@ struct HeifLibrary {
     decltype(&heif_image_handle_get_raw_color_profile_size) profileBytes;
     decltype(&heif_image_handle_get_raw_color_profile) getProfile;
     decltype(&heif_image_handle_get_nclx_color_profile) getCodePoints;
+    decltype(&heif_image_get_nclx_color_profile) getCodedPoints;
     decltype(&heif_nclx_color_profile_free) freeCodePoints;
     decltype(&heif_decoding_options_alloc) createOptions;
     decltype(&heif_decoding_options_free) freeOptions;
