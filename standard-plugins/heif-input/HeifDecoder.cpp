@@ -54,7 +54,14 @@ int LargestSquare(TavrixGetPropertyCallback get)
     return static_cast<int>(sqrt(static_cast<double>(pixels)));
 }
 
-int32_t Parse(HeifDecode* decode, int largestSquare)
+bool IsTooLarge(const heif_error& error)
+{
+    return error.code == heif_error_Memory_allocation_error &&
+           error.subcode == heif_suberror_Security_limit_exceeded;
+}
+
+// `message` may be null.
+int32_t Parse(HeifDecode* decode, int largestSquare, TavrixMessageCallback message)
 {
     if (!OpenHeif(&decode->library))
         return PluginFailed;
@@ -64,10 +71,20 @@ int32_t Parse(HeifDecode* decode, int largestSquare)
         return PluginNoMemory;
     library.limitSize(decode->context, largestSquare);
     library.limitThreads(decode->context, 0);
-    if (library.read(decode->context, &decode->source.reader, &decode->source, nullptr).code !=
-            heif_error_Ok ||
-        library.findPrimary(decode->context, &decode->picture).code != heif_error_Ok)
-        return PluginFailed;
+    heif_error error =
+        library.read(decode->context, &decode->source.reader, &decode->source, nullptr);
+    if (error.code == heif_error_Ok)
+        error = library.findPrimary(decode->context, &decode->picture);
+    if (IsTooLarge(error)) {
+        TellFrameTooLarge(frameMemory, message);
+        return PluginNoMemory;
+    }
+    return error.code == heif_error_Ok ? PluginDone : PluginFailed;
+}
+
+int32_t TakeSize(HeifDecode* decode)
+{
+    const HeifLibrary& library = decode->library;
     const int width = library.width(decode->picture);
     const int height = library.height(decode->picture);
     decode->width = width > 0 ? static_cast<uint32_t>(width) : 0;
@@ -150,9 +167,12 @@ int32_t RunDecode(HeifDecode* decode, const ReadOrder& order)
     const int32_t copied = OpenHeifSource(&decode->source, order.stream, &decode->progress);
     if (copied < 0)
         return copied;
-    const int32_t parsed = Parse(decode, LargestSquare(order.get));
+    const int32_t parsed = Parse(decode, LargestSquare(order.get), order.message);
     if (parsed < 0)
         return parsed;
+    const int32_t sized = TakeSize(decode);
+    if (sized < 0)
+        return sized;
     const bool deep = decode->library.lumaBits(decode->picture) > 8;
     const int32_t allowed =
         AllowFrame(frameMemory,
@@ -171,7 +191,10 @@ int32_t RunDecode(HeifDecode* decode, const ReadOrder& order)
 int32_t RunHeader(HeifDecode* decode, PluginStreamRecord* stream)
 {
     const int32_t copied = OpenHeifSource(&decode->source, stream, nullptr);
-    return copied < 0 ? copied : Parse(decode, static_cast<int>(largestPictureSide));
+    if (copied < 0)
+        return copied;
+    const int32_t parsed = Parse(decode, static_cast<int>(largestPictureSide), nullptr);
+    return parsed < 0 ? parsed : TakeSize(decode);
 }
 
 void CloseDecode(HeifDecode* decode)

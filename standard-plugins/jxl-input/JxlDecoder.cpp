@@ -47,8 +47,11 @@ int32_t OpenDecoder(JxlDecode* decode, PluginStreamRecord* stream, int events)
     decode->decoder = decode->library.create(nullptr);
     if (!decode->decoder)
         return PluginNoMemory;
-    return decode->library.subscribe(decode->decoder, events) == JXL_DEC_SUCCESS ? PluginDone
-                                                                                 : PluginFailed;
+    // To be chosen before the decoder has read anything; it changes premultiplied pictures alone.
+    if (decode->library.setUnpremultiply(decode->decoder, JXL_TRUE) != JXL_DEC_SUCCESS ||
+        decode->library.subscribe(decode->decoder, events) != JXL_DEC_SUCCESS)
+        return PluginFailed;
+    return PluginDone;
 }
 
 int32_t TakeInfo(JxlDecode* decode)
@@ -62,8 +65,6 @@ int32_t TakeInfo(JxlDecode* decode)
 int32_t AllowPicture(JxlDecode* decode, const ReadOrder& order)
 {
     const JxlBasicInfo& info = decode->info;
-    if (info.alpha_premultiplied)
-        (void)decode->library.setUnpremultiply(decode->decoder, JXL_TRUE);
     const uint64_t bytes =
         uint64_t{info.xsize} * info.ysize *
         (bytesPerPixel + uint64_t{bytesPerExtraSample} * info.num_extra_channels);

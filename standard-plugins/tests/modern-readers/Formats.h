@@ -4,6 +4,8 @@
 #include "standard-plugins/tests/modern-readers/Reference.h"
 #include "standard-plugins/tests/support/Decoding.h"
 
+#include "platform/testing/Testing.h"
+
 #include <gtest/gtest.h>
 
 #include <TestPaths.h>
@@ -48,6 +50,7 @@ protected:
     EachFormat() { plugintest::CurrentHost() = {}; }
     ~EachFormat() override { plugintest::CurrentHost() = {}; }
     std::string Plain() const { return Input(GetParam(), GetParam().plain); }
+    tavrix::testing::Scope scope;
     plugintest::PluginLibrary plugin{GetParam().plugin};
 };
 
