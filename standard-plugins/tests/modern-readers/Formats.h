@@ -16,6 +16,8 @@ namespace moderntest
 struct Format {
     const char* name;
     const char* plugin;
+    /// The codec, as the plugin loads it.
+    const char* library;
     const char* extension;
     /// Makes OUT of IN.
     const char* reference;
@@ -27,10 +29,12 @@ struct Format {
 };
 
 inline const Format formats[] = {
-    {"Avif", "INPUT/AVIF", "avif", "avifdec -d 8 IN OUT", u"AvifInput", "good-420-8-bits",
+    {"Avif", "INPUT/AVIF", "libavif.so.15", "avif", "avifdec -d 8 IN OUT", u"AvifInput",
+     "good-420-8-bits", "good-alpha"},
+    {"Jxl", "INPUT/JXL", "libjxl.so.0.7", "jxl", "djxl IN OUT", u"JxlInput", "good-groups",
+     "good-alpha-lossless"},
+    {"Heif", "INPUT/HEIF", "libheif.so.1", "heic", "heif-convert IN OUT", u"HeifInput", "good-420",
      "good-alpha"},
-    {"Jxl", "INPUT/JXL", "jxl", "djxl IN OUT", u"JxlInput", "good-groups", "good-alpha-lossless"},
-    {"Heif", "INPUT/HEIF", "heic", "heif-convert IN OUT", u"HeifInput", "good-420", "good-alpha"},
 };
 
 inline std::string InputFolder(const Format& format)

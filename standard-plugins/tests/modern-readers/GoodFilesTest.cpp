@@ -129,7 +129,6 @@ const std::map<std::string, Rule> rules = {
     {"good-wide-colours.avif", {profileSteps, "", Convert(NarrowDisplayP3)}},
     {"good-high-range.avif", {profileSteps, "", Convert(NarrowHighRange)}},
     {"good-16-bits-alpha.jxl", {wideAlphaSteps, "", nullptr}},
-    {"good-alpha-premultiplied.jxl", {wideAlphaSteps, "", Convert(DivideByAlpha)}},
     {"good-upsampled.jxl", {halfSteps, "", nullptr}},
     {"good-float.jxl", {0, "djxl --bits_per_sample=16 IN OUT", nullptr}},
     {"good-groups.jxl", {halfSteps, "", nullptr}},
