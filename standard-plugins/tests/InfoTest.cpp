@@ -75,6 +75,12 @@ const Plugin plugins[] = {
      u"ビットマップ画像 (*.bmp)", u"*.bmp;*.dib", writerExports},
     {"OUTPUT/PNM", u"PNM writer", u"PNM 書き込み", u"Portable pixmap (*.ppm)", u"PPM 画像 (*.ppm)",
      u"*.ppm;*.pnm", writerExports},
+    {"INPUT/AVIF", u"AVIF reader", u"AVIF 読み込み", u"AVIF image (*.avif)", u"AVIF 画像 (*.avif)",
+     u"*.avif", readerExports},
+    {"INPUT/JXL", u"JPEG XL reader", u"JPEG XL 読み込み", u"JPEG XL image (*.jxl)",
+     u"JPEG XL 画像 (*.jxl)", u"*.jxl", readerExports},
+    {"INPUT/HEIF", u"HEIF reader", u"HEIF 読み込み", u"HEIF image (*.heic)", u"HEIF 画像 (*.heic)",
+     u"*.heic;*.heif", readerExports},
     {"OUTPUT/JPEG", u"JPEG writer", u"JPEG 書き込み", u"JPEG image (*.jpg)", u"JPEG 画像 (*.jpg)",
      u"*.jpg;*.jpeg;*.jpe", writerExports},
     {"OUTPUT/PNG", u"PNG writer", u"PNG 書き込み", u"PNG image (*.png)", u"PNG 画像 (*.png)",
@@ -267,6 +273,7 @@ TEST_P(PluginInfo, NeedsNeitherTheToolkitNorTheCxxLibraryAndTheDeviceOnlyForDial
         OutputOf("objdump -p " + LibraryFile(GetParam().file) + " | grep NEEDED");
     EXPECT_NE(needed.find("NEEDED"), std::string::npos); // the tool answered at all
     for (const char* library : {"libQt", "libstdc++", "libzimg", "libcups"})
+    for (const char* library : {"libQt", "libstdc++", "libzimg", "libavif", "libjxl", "libheif"})
         EXPECT_EQ(needed.find(library), std::string::npos) << library << " in\n" << needed;
     EXPECT_EQ(needed.find("libtavrix-platform.so") != std::string::npos, GetParam().UsesDevice());
 }
