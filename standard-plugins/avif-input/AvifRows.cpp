@@ -21,9 +21,12 @@ size_t MakeProfile(const AvifRows& rows, uint8_t* profile)
     const bool plain = frame.transferCharacteristics == AVIF_TRANSFER_CHARACTERISTICS_UNKNOWN ||
                        frame.transferCharacteristics == AVIF_TRANSFER_CHARACTERISTICS_UNSPECIFIED;
     ColorCodePoints points = {};
-    rows.library->findPrimaries(known ? frame.colorPrimaries : AVIF_COLOR_PRIMARIES_BT709,
-                                points.chromaticities);
-    points.transfer = plain ? AVIF_TRANSFER_CHARACTERISTICS_SRGB : frame.transferCharacteristics;
+    const avifColorPrimaries primaries =
+        known ? frame.colorPrimaries : avifColorPrimaries{AVIF_COLOR_PRIMARIES_BT709};
+    rows.library->findPrimaries(primaries, points.chromaticities);
+    points.transfer = frame.transferCharacteristics;
+    if (plain)
+        points.transfer = AVIF_TRANSFER_CHARACTERISTICS_SRGB;
     return MakeCodePointProfile(points, profile);
 }
 
