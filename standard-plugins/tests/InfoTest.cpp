@@ -81,6 +81,12 @@ const Plugin plugins[] = {
      u"JPEG XL 画像 (*.jxl)", u"*.jxl", readerExports},
     {"INPUT/HEIF", u"HEIF reader", u"HEIF 読み込み", u"HEIF image (*.heic)", u"HEIF 画像 (*.heic)",
      u"*.heic;*.heif", readerExports},
+    {"INPUT/GIF", u"GIF reader", u"GIF 読み込み", u"GIF image (*.gif)", u"GIF 画像 (*.gif)",
+     u"*.gif", readerExports},
+    {"INPUT/TIFF", u"TIFF reader", u"TIFF 読み込み", u"TIFF image (*.tif)", u"TIFF 画像 (*.tif)",
+     u"*.tif;*.tiff", readerExports},
+    {"INPUT/WebP", u"WebP reader", u"WebP 読み込み", u"WebP image (*.webp)",
+     u"WebP 画像 (*.webp)", u"*.webp", readerExports},
     {"OUTPUT/JPEG", u"JPEG writer", u"JPEG 書き込み", u"JPEG image (*.jpg)", u"JPEG 画像 (*.jpg)",
      u"*.jpg;*.jpeg;*.jpe", writerExports},
     {"OUTPUT/PNG", u"PNG writer", u"PNG 書き込み", u"PNG image (*.png)", u"PNG 画像 (*.png)",
@@ -274,6 +280,7 @@ TEST_P(PluginInfo, NeedsNeitherTheToolkitNorTheCxxLibraryAndTheDeviceOnlyForDial
     EXPECT_NE(needed.find("NEEDED"), std::string::npos); // the tool answered at all
     for (const char* library : {"libQt", "libstdc++", "libzimg", "libcups"})
     for (const char* library : {"libQt", "libstdc++", "libzimg", "libavif", "libjxl", "libheif"})
+    for (const char* library : {"libQt", "libstdc++", "libzimg", "libgif", "libtiff", "libwebp"})
         EXPECT_EQ(needed.find(library), std::string::npos) << library << " in\n" << needed;
     EXPECT_EQ(needed.find("libtavrix-platform.so") != std::string::npos, GetParam().UsesDevice());
 }

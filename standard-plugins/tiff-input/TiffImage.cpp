@@ -1,6 +1,7 @@
 #include "standard-plugins/tiff-input/TiffImage.h"
 
 #include "standard-plugins/common/LineWriter.h"
+#include "standard-plugins/common/reading/Background.h"
 
 namespace
 {
@@ -72,7 +73,28 @@ uint16_t Photometric(const TiffFile& file, const TiffImage& image)
     return IsFax(image.compression) ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK;
 }
 
-// The upper bytes: right for 257 times a value and for 256 times it. Some writers stored 8 bits.
+// How the values of a colour map count: over all 16 bits, as they should; in the upper byte alone;
+// or as 8 bits, as some writers had it.
+enum class MapScale { Whole, Upper, Lower };
+
+MapScale ScaleOf(uint16_t* const (&channels)[3], uint32_t count)
+{
+    uint32_t all = 0;
+    for (const uint16_t* channel : channels)
+        for (uint32_t i = 0; i < count; ++i)
+            all |= channel[i];
+    if (all <= 255)
+        return MapScale::Lower;
+    return (all & 255) == 0 ? MapScale::Upper : MapScale::Whole;
+}
+
+uint8_t MapValue(uint32_t value, MapScale scale)
+{
+    if (scale == MapScale::Whole)
+        return Narrow16(value);
+    return static_cast<uint8_t>(scale == MapScale::Upper ? value >> 8 : value);
+}
+
 bool ReadTable(const TiffFile& file, TiffImage* image)
 {
     uint16_t* channels[3] = {};
@@ -80,14 +102,10 @@ bool ReadTable(const TiffFile& file, TiffImage* image)
         !file.library->get(file.tiff, TIFFTAG_COLORMAP, &channels[0], &channels[1], &channels[2]))
         return false;
     const uint32_t count = 1u << image->bits;
-    uint32_t highest = 0;
-    for (const uint16_t* channel : channels)
-        for (uint32_t i = 0; i < count; ++i)
-            highest = channel[i] > highest ? channel[i] : highest;
-    const uint32_t shift = highest > 255 ? 8 : 0;
+    const MapScale scale = ScaleOf(channels, count);
     for (uint32_t c = 0; c < 3; ++c)
         for (uint32_t i = 0; i < count; ++i)
-            image->table[i][c] = static_cast<uint8_t>(channels[c][i] >> shift);
+            image->table[i][c] = MapValue(channels[c][i], scale);
     return true;
 }
 

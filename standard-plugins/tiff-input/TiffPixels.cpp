@@ -223,6 +223,25 @@ void PutRow(const TiffPixels& pixels, uint8_t* out)
         }
 }
 
+// Of most files: bytes that only change their order.
+bool IsPlainBytes(const TiffPixels& pixels)
+{
+    const TiffImage& image = *pixels.image;
+    const bool known = image.colors == TiffColors::Grey || image.colors == TiffColors::Rgb;
+    return known && image.bits == 8 && !image.separate && image.alpha == TiffAlpha::None &&
+           !ConvertsColors(pixels.colors);
+}
+
+void PutPlainBytes(const TiffImage& image, const uint8_t* row, uint8_t* out)
+{
+    const size_t green = image.colorSamples == 3 ? 1 : 0;
+    for (uint32_t x = 0; x < image.width; ++x, row += image.samples, out += 3) {
+        out[0] = row[2 * green];
+        out[1] = row[green];
+        out[2] = row[0];
+    }
+}
+
 ColorLayout LayoutOf(const TiffPixels& pixels)
 {
     if (pixels.image->colors == TiffColors::Inks)
@@ -256,6 +275,10 @@ bool OpenTiffPixels(TiffPixels* pixels, const TiffImage* image, const Background
 void ConvertTiffRow(TiffPixels* pixels, const uint8_t* row, uint8_t* out)
 {
     const TiffImage& image = *pixels->image;
+    if (IsPlainBytes(*pixels)) {
+        PutPlainBytes(image, row, out);
+        return;
+    }
     for (uint32_t x = 0; x < image.width; ++x) {
         TakeColor(pixels, row, x);
         if (image.alpha != TiffAlpha::None)
