@@ -46,16 +46,27 @@ void WatchBlock(GifDecode* decode, const uint8_t* bytes, size_t count)
     decode->inBlock = !decode->inBlock && count == 1 && bytes[0] != 0;
 }
 
+// The library takes no part of a block. The one in which the stream ends is filled up with zeros,
+// so that the codes before them give their pixels; the count of those knows nothing of the zeros,
+// and the length of the next block is not there.
 int OnRead(GifFileType* gif, GifByteType* bytes, int count)
 {
     auto* decode = static_cast<GifDecode*>(gif->UserData);
     if (count <= 0)
         return 0;
-    const size_t got = ReadPatiently(&decode->input, bytes, static_cast<size_t>(count));
+    const auto wanted = static_cast<size_t>(count);
+    const size_t got = ReadPatiently(&decode->input, bytes, wanted);
     if (got > 0)
         decode->lastByte = bytes[got - 1];
-    if (decode->inFrame)
-        WatchBlock(decode, bytes, got);
+    if (!decode->inFrame)
+        return static_cast<int>(got);
+    if (decode->inBlock && got < wanted) {
+        CheckCodes(&decode->check, bytes, got);
+        memset(bytes + got, 0, wanted - got);
+        decode->inBlock = false;
+        return count;
+    }
+    WatchBlock(decode, bytes, got);
     return static_cast<int>(got);
 }
 

@@ -233,8 +233,8 @@ TEST_F(TiffReader, ConvertsAColourProfile)
         Run("convert plain.tif -set profile:icc " + profiles + profile + " with.tif || true");
         Run("convert plain.tif -profile " + profiles + profile + " with.tif");
         ExpectLike(plugin, "with.tif",
-                   "convert with.tif -black-point-compensation -intent Perceptual -profile " + profiles +
-                       "srgb.icc -depth 8 ppm:-",
+                   "convert with.tif -black-point-compensation -intent Perceptual -profile " +
+                       profiles + "srgb.icc -depth 8 ppm:-",
                    tolerance);
     };
     expect("-depth 8", "a98.icc", 2);
@@ -306,7 +306,8 @@ TEST_F(TiffReader, TakesNoMoreMemoryForMoreLines)
         int i = 0;
         for (const int height : {400, 3200}) {
             Run("ppmmake -quiet rgb:80/70/60 1000 " + std::to_string(height) +
-                " | pnmtotiff -quiet -truecolor -rowsperstrip 16 > flat.tif 2>/dev/null && tiffcp " +
+                " | pnmtotiff -quiet -truecolor -rowsperstrip 16 > flat.tif 2>/dev/null && "
+                "tiffcp " +
                 form + " flat.tif big.tif");
             ByteStream stream(Read("big.tif"));
             Canvas canvas;
