@@ -286,13 +286,12 @@ int32_t ReadChunk(WebpDecode* decode, WebpChunk* chunk)
     if (chunk->name == ChunkName("ANMF"))
         return decode->whole ? PluginDone : ReadFrame(decode, chunk);
     // Alpha without the header that makes it one has no size yet and is passed over.
-    const WebpContainer& container = decode->container;
-    PlacedFrame& place = decode->rows.place;
+    const uint32_t width = decode->container.canvasWidth;
+    const uint32_t height = decode->container.canvasHeight;
     if (chunk->name == ChunkName("ALPH") && !decode->whole) {
-        if (!IsPictureSize(container.canvasWidth, container.canvasHeight))
-            return container.canvasWidth == 0 ? PluginDone : PluginFailed;
-        place.width = container.canvasWidth;
-        place.height = container.canvasHeight;
+        if (!IsPictureSize(width, height))
+            return width == 0 ? PluginDone : PluginFailed;
+        decode->rows.place = {width, height, 0, 0, width, height};
     }
     return ReadPart(decode, chunk);
 }
