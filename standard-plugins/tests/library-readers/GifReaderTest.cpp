@@ -292,9 +292,8 @@ TEST_F(GifReader, SkipsAHundredThousandExtensionsAndCanBeStoppedThere)
     EXPECT_LT(again.given, 200000u);
 }
 
-TEST_F(GifReader, CountsThePixelsOfSoundCodesAsTheLibraryDoes)
+TEST_F(GifReader, CountsThePixelsOfSoundCodesAlone)
 {
-    // Files of another program, cut anywhere and spoiled anywhere: as many rows as the count says.
     GifCodeCheck check;
     StartCodeCheck(&check, 2);
     // 4 clear, 1, 6 (not defined: the next is 6, which 1 precedes: it is 1 1), 7 (1 1 1), 5 end.
@@ -306,6 +305,12 @@ TEST_F(GifReader, CountsThePixelsOfSoundCodesAsTheLibraryDoes)
     const uint8_t notDefined[] = {0xcc, 0x5f}; // 4 clear, 1, 7: nothing defines it
     CheckCodes(&check, notDefined, 2);
     EXPECT_EQ(check.pixels, 1u);
+    EXPECT_TRUE(check.ended);
+    // What a clear code took back means nothing any more: 4, 1, 6, 7, 4, 1, 7.
+    StartCodeCheck(&check, 2);
+    const uint8_t takenBack[] = {0x8c, 0x4f, 0x39};
+    CheckCodes(&check, takenBack, 3);
+    EXPECT_EQ(check.pixels, 7u);
     EXPECT_TRUE(check.ended);
 }
 
