@@ -23,8 +23,10 @@ struct Format {
 };
 
 const Format formats[] = {
-    {"INPUT/PNG", "png"},
-    {"INPUT/JPEG", "jpeg"},
+    {"INPUT/PNG", "png"},   {"INPUT/JPEG", "jpeg"}, {"INPUT/GIF", "gif"}, {"INPUT/TIFF", "tiff"},
+    {"INPUT/WebP", "webp"}, {"INPUT/AVIF", "avif"}, {"INPUT/JXL", "jxl"}, {"INPUT/HEIF", "heif"},
+    {"INPUT/BMP", "bmp"},   {"INPUT/PNM", "pnm"},   {"INPUT/TGA", "tga"}, {"INPUT/PCX", "pcx"},
+    {"INPUT/ICO", "ico"},
 };
 
 void PrintTo(const Format& format, std::ostream* out)
