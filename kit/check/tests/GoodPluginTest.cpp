@@ -1,10 +1,8 @@
-// Plugins that keep the contract pass: one of every kind, and those that come with the program.
+// Plugins that keep the contract pass: one of every kind.
 
 #include "kit/check/tests/CheckProgram.h"
 
 #include <gtest/gtest.h>
-
-#include <TestPaths.h>
 
 using namespace checktest;
 
@@ -56,40 +54,4 @@ TEST(GoodPlugins, ADialogThatIsAnsweredRightlyPasses)
 {
     ExpectPass(RunCheck({Fixture("asks_rightly")}),
                "asks_rightly.dll: TX_OUTPUT, all checks passed");
-}
-
-TEST(BundledPlugins, ThePngReaderPassesWithItsSamples)
-{
-    const std::string inputs = TAVRIX_SOURCE_DIR "/tests/inputs/png/";
-    ExpectPass(RunCheck({"--sample", inputs + "good-colour.png", "--sample",
-                         inputs + "good-interlaced.png", "--sample",
-                         inputs + "good-16-bits-with-alpha.png",
-                         TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll"}),
-               "PNG.dll: TX_INPUT, all checks passed");
-}
-
-TEST(BundledPlugins, TheJpegReaderPassesWithItsSamples)
-{
-    const std::string inputs = TAVRIX_SOURCE_DIR "/tests/inputs/jpeg/";
-    ExpectPass(RunCheck({"--sample", inputs + "good-baseline.jpg", "--sample",
-                         inputs + "good-progressive.jpg", "--sample", inputs + "good-four-inks.jpg",
-                         TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/JPEG.dll"}),
-               "JPEG.dll: TX_INPUT, all checks passed");
-}
-
-TEST(BundledPlugins, ThePdfPrinterPasses)
-{
-    ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/PRINT/PDF.dll"}),
-               "PDF.dll: TX_PRINT, all checks passed");
-}
-
-TEST(BundledPlugins, ThoseThatChangePicturesPass)
-{
-    ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/EFFECT/GaussianBlur.dll"}),
-               "GaussianBlur.dll: TX_EFFECT, all checks passed");
-    ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/ADJUST/BrightnessContrast.dll"}),
-               "BrightnessContrast.dll: TX_ADJUST, all checks passed");
-    for (const std::string name : {"Bilinear.dll", "Lanczos.dll"})
-        ExpectPass(RunCheck({TAVRIX_BINARY_DIR "/bin/PLUGINS/SCALE/" + name}),
-                   name + ": TX_SCALE, all checks passed");
 }
