@@ -77,6 +77,10 @@ const Row rows[] = {
      PluginFailed,
      {PLUGIN_TEXT("The library zimg could not scale the picture."),
       PLUGIN_TEXT("ライブラリ zimg が画像を伸縮できませんでした。")}},
+    {WriteProblem::Stream,
+     PluginFailed,
+     {PLUGIN_TEXT("Pictures of this format can only be written to files."),
+      PLUGIN_TEXT("この形式の画像はファイルにのみ書き込めます。")}},
 };
 
 constexpr size_t rowCount = sizeof rows / sizeof *rows;

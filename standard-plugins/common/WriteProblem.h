@@ -25,7 +25,8 @@ enum class WriteProblem : uint8_t {
     TrueColor, // a picture that is to be changed has not 24 bits a pixel
     NewSize,   // a new size without pixels, or beyond what pictures can have
     Missing,   // a library that does the work is not installed
-    Scaling    // the library that scales gave up
+    Scaling,   // the library that scales gave up
+    Stream     // the format needs a file, and was given a stream
 };
 
 /// The negative result by which a processing export answers; PluginDone for None.

@@ -15,8 +15,8 @@ using tavrix::platform::FileOperation;
 namespace
 {
 
-constexpr u32 width = 173;
-constexpr u32 height = 211;
+constexpr u32 width = 273;
+constexpr u32 height = 311;
 
 /// A writer and how it is set.
 struct Form {
@@ -26,6 +26,7 @@ struct Form {
     const char16_t* setting; // set to 1
     const char16_t* caption;
     const char16_t* japaneseCaption;
+    bool goesToStreams = true;
 };
 const Form forms[] = {
     {"Png", "PNG.dll", "kept.png", nullptr, u"PNG writer", u"PNG 書き込み"},
@@ -37,6 +38,16 @@ const Form forms[] = {
     {"PlainPnm", "PNM.dll", "kept.ppm", u"PnmOutputPlain", u"PNM writer", u"PNM 書き込み"},
     {"ProgressiveJpeg", "JPEG.dll", "kept.jpg", u"JpegOutputProgressive", u"JPEG writer",
      u"JPEG 書き込み"},
+    {"Gif", "GIF.dll", "kept.gif", nullptr, u"GIF writer", u"GIF 書き込み"},
+    {"InterlacedGif", "GIF.dll", "kept.gif", u"GifOutputInterlaced", u"GIF writer",
+     u"GIF 書き込み"},
+    {"Tiff", "TIFF.dll", "kept.tif", nullptr, u"TIFF writer", u"TIFF 書き込み", false},
+    {"WebP", "WebP.dll", "kept.webp", nullptr, u"WebP writer", u"WebP 書き込み"},
+    {"LosslessWebP", "WebP.dll", "kept.webp", u"WebpOutputLossless", u"WebP writer",
+     u"WebP 書き込み"},
+    {"Jxl", "JXL.dll", "kept.jxl", nullptr, u"JPEG XL writer", u"JPEG XL 書き込み"},
+    {"LosslessJxl", "JXL.dll", "kept.jxl", u"JxlOutputLossless", u"JPEG XL writer",
+     u"JPEG XL 書き込み"},
 };
 
 void PrintTo(const Form& form, std::ostream* out)
@@ -82,10 +93,7 @@ protected:
     WriterFailure() : target(folder / GetParam().file)
     {
         Start(9);
-        // Enough for several buffers of a file.
-        Set(u"JpegOutputQuality", 100);
-        if (GetParam().setting)
-            Set(GetParam().setting, 1);
+        SetForm();
         WriteBytes(target, "the old file");
         Fill(&image, width, height, 24, Wild);
         // What the codec's library and the host make once is there before anything is counted.
@@ -96,6 +104,16 @@ protected:
     }
 
     void Start(u32 language) { Load(GetParam().pluginFile, language); }
+
+    // Of qualities that give enough for several buffers of a file.
+    void SetForm()
+    {
+        for (const char16_t* quality :
+             {u"JpegOutputQuality", u"WebpOutputQuality", u"JxlOutputQuality"})
+            Set(quality, 100);
+        if (GetParam().setting)
+            Set(GetParam().setting, 1);
+    }
 
     void ExpectUntouched(const std::string& what)
     {
@@ -143,8 +161,25 @@ protected:
     std::string whole;
 };
 
-INSTANTIATE_TEST_SUITE_P(Each, WriterFailure, testing::ValuesIn(forms),
-                         [](const auto& entry) { return std::string(entry.param.name); });
+std::vector<Form> FormsForStreams()
+{
+    std::vector<Form> found;
+    std::copy_if(std::begin(forms), std::end(forms), std::back_inserter(found),
+                 [](const Form& form) { return form.goesToStreams; });
+    return found;
+}
+
+class StreamWriterFailure : public WriterFailure
+{
+};
+
+std::string NameOf(const testing::TestParamInfo<Form>& entry)
+{
+    return entry.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, WriterFailure, testing::ValuesIn(forms), NameOf);
+INSTANTIATE_TEST_SUITE_P(Each, StreamWriterFailure, testing::ValuesIn(FormsForStreams()), NameOf);
 
 constexpr const char16_t* full = u"The disk is full.";
 constexpr const char16_t* fullJapanese = u"ディスクの空き容量が不足しています。";
@@ -222,9 +257,7 @@ TEST_P(WriterFailure, EveryWriteOfTheFileMayFailOrComeUpShort)
             });
         EXPECT_GE(fired, kind == FaultKind::Create ? 1u : 2u);
         CurrentWriterHost() = {};
-        Set(u"JpegOutputQuality", 100);
-        if (GetParam().setting)
-            Set(GetParam().setting, 1);
+        SetForm();
     }
 }
 
@@ -363,7 +396,7 @@ TEST_P(WriterFailure, LongestPathAndLongestNameHaveRoomForTheFileBesideThem)
     image.UnlockAll();
 }
 
-TEST_P(WriterFailure, StreamThatTakesLittleAtATimeGetsAllAndOneThatIsFullIsAFailure)
+TEST_P(StreamWriterFailure, StreamThatTakesLittleAtATimeGetsAllAndOneThatIsFullIsAFailure)
 {
     PartialStream slow;
     EXPECT_EQ(WriteStream(&image, &slow), 1);

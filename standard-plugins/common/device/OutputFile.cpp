@@ -140,6 +140,25 @@ bool WriteToStream(OutputFile* output, const uint8_t* bytes, size_t count)
     return true;
 }
 
+bool MoveInFile(OutputFile* output, uint64_t offset)
+{
+    auto low = static_cast<LONG>(static_cast<uint32_t>(offset));
+    auto high = static_cast<LONG>(offset >> 32);
+    SetLastError(0);
+    // A low half of all ones is no failure by itself.
+    if (SetFilePointer(output->file, low, &high, FILE_BEGIN) == INVALID_SET_FILE_POINTER &&
+        GetLastError() != 0)
+        return Fail(output, WriteProblem::Writing);
+    return true;
+}
+
+// Bytes that have left the buffer; the file's place is its end before and after.
+bool OverwriteInFile(OutputFile* output, uint64_t offset, const uint8_t* bytes, size_t count)
+{
+    return MoveInFile(output, offset) && WriteToFile(output, bytes, count) &&
+           MoveInFile(output, output->position - output->held);
+}
+
 bool EmptyBuffer(OutputFile* output)
 {
     const size_t count = output->held;
@@ -182,6 +201,30 @@ bool WriteOutput(OutputFile* output, const void* bytes, size_t count)
         from += run;
         count -= run;
     }
+    return true;
+}
+
+bool OverwriteOutput(OutputFile* output, uint64_t offset, const void* bytes, size_t count)
+{
+    if (output->problem != WriteProblem::None)
+        return false;
+    if (output->stream)
+        return Fail(output, WriteProblem::Stream);
+    if (count > output->position || offset > output->position - count)
+        return Fail(output, WriteProblem::Arguments);
+    const auto* from = static_cast<const uint8_t*>(bytes);
+    const uint64_t inFile = output->position - output->held;
+    if (offset < inFile) {
+        const uint64_t gone = inFile - offset;
+        const size_t run = count < gone ? count : static_cast<size_t>(gone);
+        if (!OverwriteInFile(output, offset, from, run))
+            return false;
+        offset += run;
+        from += run;
+        count -= run;
+    }
+    if (count > 0)
+        memcpy(output->buffer + (offset - inFile), from, count);
     return true;
 }
 

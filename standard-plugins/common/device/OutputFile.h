@@ -1,6 +1,6 @@
-// Where a writing plugin's bytes go: a file of the device, or the host's stream. Forward only,
-// through one buffer of 64 KB; nothing is ever read back, so that a stream which only measures
-// serves as well.
+// Where a writing plugin's bytes go: a file of the device, or the host's stream. Through one buffer
+// of 64 KB; nothing is ever read back, so that a stream which only measures serves as well. Forward
+// only, but for what a file's format has to put right in earlier bytes (OverwriteOutput).
 //
 // A file is written beside its target, under a name of its own in the same folder, and takes the
 // target's place in FinishOutput, at a stroke and once it is whole and on the disk. Until then the
@@ -9,7 +9,7 @@
 // path that the target itself has room for. A target that is a folder or write-protected is refused
 // before anything is made.
 //
-// Order: OpenOutput, any number of WriteOutput, FinishOutput after the last byte, CloseOutput in
+// Order: OpenOutput, any number of WriteOutput and OverwriteOutput, FinishOutput after the last byte, CloseOutput in
 // every case. The first failure stays: what follows it fails too and does nothing. Plain data, so
 // that a codec's jump may pass over it; zeroed memory is a closed one. Worker thread of the export.
 #pragma once
@@ -39,6 +39,10 @@ struct OutputFile {
 bool OpenOutput(OutputFile* output, const TavrixChar* path, PluginStreamRecord* stream);
 /// Takes all bytes or fails with `problem` DiskFull or Writing.
 bool WriteOutput(OutputFile* output, const void* bytes, size_t count);
+/// Puts `count` bytes in the place of those from `offset` on, all of which were written before: of a
+/// file alone. What is written next follows the last byte as before. Fails with `problem` Stream
+/// for a stream, Arguments for bytes that are not there yet, DiskFull or Writing.
+bool OverwriteOutput(OutputFile* output, uint64_t offset, const void* bytes, size_t count);
 /// Writes what is still in the buffer and lets the finished file take its place. True when the
 /// target is whole. Otherwise `problem` is set and the old file is as it was.
 bool FinishOutput(OutputFile* output);

@@ -1,0 +1,150 @@
+// The JPEG XL writer: quality, effort and limits, as other programs see them.
+
+#include "standard-plugins/jxl-output/JxlMemory.h"
+#include "standard-plugins/tests/writers/ReadingBack.h"
+
+using namespace plugintest;
+
+namespace
+{
+
+constexpr u32 width = 220;
+constexpr u32 height = 150;
+
+class JxlWriter : public WriterTest
+{
+protected:
+    JxlWriter() { Load("JXL.dll"); }
+
+    void SetForm(bool lossless, u32 quality, u32 effort)
+    {
+        Set(u"JxlOutputLossless", lossless);
+        Set(u"JxlOutputQuality", quality);
+        Set(u"JxlOutputEffort", effort);
+    }
+    /// The file's bytes.
+    std::string Written(bool lossless, u32 quality, u32 effort)
+    {
+        SetForm(lossless, quality, effort);
+        Raster image;
+        Fill(&image, width, height, 24, Soft);
+        EXPECT_EQ(Write(&image, folder / "a.jxl"), 1);
+        return FileBytes(folder / "a.jxl");
+    }
+    double Signal()
+    {
+        return SignalToNoise(ReadBack(djxl, folder / "a.jxl"), PixelsOf(width, height, Soft));
+    }
+};
+
+} // namespace
+
+TEST_F(JxlWriter, QualityIsPaidForInBytesAndSeenInTheSignal)
+{
+    const size_t coarse = Written(false, 1, 3).size();
+    const double coarseSignal = Signal();
+    const size_t middle = Written(false, 70, 3).size();
+    const double middleSignal = Signal();
+    const size_t fine = Written(false, 100, 3).size();
+    const double fineSignal = Signal();
+    EXPECT_LT(coarse, middle);
+    EXPECT_LT(middle, fine);
+    EXPECT_GT(coarseSignal, 20);
+    EXPECT_GT(middleSignal, coarseSignal + 2);
+    EXPECT_GT(fineSignal, middleSignal + 2);
+    EXPECT_GT(fineSignal, 38);
+}
+
+TEST_F(JxlWriter, EveryEffortGivesAFileThatIsReadBack)
+{
+    for (u32 effort = 1; effort <= 9; ++effort) {
+        Written(false, 90, effort);
+        EXPECT_GT(Signal(), 34) << effort;
+        Written(true, 90, effort);
+        EXPECT_EQ(Signal(), 1000) << effort;
+    }
+}
+
+TEST_F(JxlWriter, OtherToolSeesThePictureAndItsColours)
+{
+    Written(true, 90, 3);
+    const std::string text = AnswerOf("jxlinfo " + (folder / "a.jxl").string());
+    EXPECT_NE(text.find("220x150"), std::string::npos) << text;
+    EXPECT_NE(text.find("8-bit"), std::string::npos) << text;
+    EXPECT_NE(text.find("sRGB"), std::string::npos) << text;
+}
+
+TEST_F(JxlWriter, WithoutStoredSettingsItIsNinetyWithLossAndWildOnesComeIntoRange)
+{
+    Raster image;
+    Fill(&image, width, height, 24, Soft);
+    ASSERT_EQ(Write(&image, folder / "standard"), 1);
+    EXPECT_TRUE(Written(false, 90, 3) == FileBytes(folder / "standard"));
+    EXPECT_FALSE(Written(false, 80, 3) == FileBytes(folder / "standard"));
+    EXPECT_FALSE(Written(true, 90, 3) == FileBytes(folder / "standard"));
+    const std::string least = Written(false, 1, 1);
+    EXPECT_TRUE(Written(false, 0, 0) == least);
+    const std::string most = Written(true, 100, 9);
+    EXPECT_TRUE(Written(true, 4294967295u, 1000) == most);
+}
+
+TEST_F(JxlWriter, RefusalOfEachReportEndsItAtEveryEffort)
+{
+    Raster image;
+    Fill(&image, 130, 100, 24, Soft);
+    for (const bool lossless : {false, true})
+        for (const u32 effort : {1u, 3u, 5u, 7u, 8u, 9u}) {
+            SetForm(lossless, 90, effort);
+            CurrentWriterHost().refuseFrom = -1;
+            ASSERT_EQ(Write(&image, folder / "a.jxl"), 1);
+            const auto reports = static_cast<int>(CurrentWriterHost().progress.size());
+            std::filesystem::remove(folder / "a.jxl");
+            // The rows are the first half; all of the library's, and some of the rows'.
+            for (int refused = 45; refused < reports; ++refused) {
+                CurrentWriterHost().refuseFrom = refused;
+                EXPECT_EQ(Write(&image, folder / "a.jxl"), -9) << refused;
+                EXPECT_EQ(CurrentWriterHost().progress.size(), static_cast<size_t>(refused) + 1);
+                EXPECT_EQ(NamesIn(folder), "");
+            }
+        }
+    EXPECT_TRUE(CurrentWriterHost().messages.empty());
+}
+
+TEST_F(JxlWriter, PictureBeyondTheLimitOfMemoryIsRefusedAndTheSettingNamed)
+{
+    Raster image;
+    Fill(&image, 500, 300, 24, Soft); // 43 MB with loss, 47 without
+    Set(u"JxlOutputMemory", 44);
+    EXPECT_EQ(Write(&image, folder / "lossy"), 1);
+    for (const u32 language : {9u, 17u}) {
+        Load("JXL.dll", language);
+        Set(u"JxlOutputLossless", 1);
+        CurrentWriterHost().messages.clear();
+        EXPECT_EQ(Write(&image, folder / "a.jxl"), -2);
+        ASSERT_EQ(CurrentWriterHost().messages.size(), 1u);
+        const std::u16string& told = CurrentWriterHost().messages[0];
+        EXPECT_NE(told.find(u"JxlOutputMemory"), std::u16string::npos);
+        EXPECT_EQ(told.starts_with(u"A JPEG XL of this picture takes more memory"), language == 9);
+        EXPECT_TRUE(CurrentWriterHost().progress.empty());
+    }
+    EXPECT_EQ(NamesIn(folder), "lossy");
+    Set(u"JxlOutputMemory", 48);
+    EXPECT_EQ(Write(&image, folder / "a.jxl"), 1);
+}
+
+TEST_F(JxlWriter, TakesNoMoreMemoryThanWasReckoned)
+{
+    for (const bool lossless : {false, true})
+        for (const u32 effort : {1u, 3u, 7u, 9u})
+            for (const Samples& samples : {Samples(Wild), Samples(Soft)}) {
+                SetForm(lossless, 90, effort);
+                Raster image;
+                Fill(&image, 400, 300, 24, samples);
+                MemoryPeak peak;
+                CurrentWriterHost().onProgress = [&peak] { peak.Look(); };
+                ASSERT_EQ(Write(&image, folder / "a.jxl"), 1);
+                CurrentWriterHost().onProgress = nullptr;
+                EXPECT_GT(peak.Most(), 400u * 300 * 3);
+                EXPECT_LT(peak.Most(), JxlMemoryNeeded(400, 300, {lossless, 90, effort, 0}));
+            }
+}
