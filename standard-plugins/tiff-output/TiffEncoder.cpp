@@ -58,10 +58,21 @@ tmsize_t OnRead(thandle_t, void*, tmsize_t)
     return -1;
 }
 
+// The library begins a directory at an even offset and leaves out the byte before it, if need be.
+bool FillGap(TiffEncode* encode)
+{
+    constexpr uint8_t zeros[8] = {};
+    OutputFile* output = &encode->output;
+    if (encode->place <= output->position)
+        return true;
+    const uint64_t gap = encode->place - output->position;
+    return gap <= sizeof zeros && WriteOutput(output, zeros, static_cast<size_t>(gap));
+}
+
 bool Put(TiffEncode* encode, const uint8_t* bytes, size_t count)
 {
     OutputFile* output = &encode->output;
-    if (encode->place > output->position)
+    if (!FillGap(encode))
         return false;
     const uint64_t behind = output->position - encode->place;
     const size_t old = behind < count ? static_cast<size_t>(behind) : count;

@@ -259,8 +259,9 @@ TEST_F(Subtraction, RefusalOfEachReportEndsItAndInTheFirstPassThePictureIsAsItWa
             CurrentWriterHost().refuseFrom = refused;
             EXPECT_EQ(Subtract(&image), -9) << refused;
             EXPECT_EQ(CurrentWriterHost().progress.size(), static_cast<size_t>(refused) + 1);
-            if (looksFirst && told[static_cast<size_t>(refused)].first <= height)
+            if (looksFirst && told[static_cast<size_t>(refused)].first <= height) {
                 EXPECT_EQ(PixelsOf(&image), before) << refused;
+            }
         }
         EXPECT_TRUE(CurrentWriterHost().messages.empty());
     }
