@@ -58,10 +58,11 @@ tmsize_t OnRead(thandle_t, void*, tmsize_t)
     return -1;
 }
 
-// The library begins a directory at an even offset and leaves out the byte before it, if need be.
+// The library begins a directory at an even offset, leaves its place empty, and fills it when it
+// has written what the directory's entries name.
 bool FillGap(TiffEncode* encode)
 {
-    constexpr uint8_t zeros[8] = {};
+    constexpr uint8_t zeros[1024] = {};
     OutputFile* output = &encode->output;
     if (encode->place <= output->position)
         return true;

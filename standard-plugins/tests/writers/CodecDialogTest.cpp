@@ -54,7 +54,7 @@ const Form forms[] = {
      1001,
      u"Differences of neigh&bours (LZW, Deflate)",
      u"隣の画素との差分を使う (LZW、Deflate)(&S)",
-     {1012, 1001, IDOK, IDCANCEL}},
+     {1010, 1001, IDOK, IDCANCEL}},
     {"WebP",
      "WebP.dll",
      u"WebP",
