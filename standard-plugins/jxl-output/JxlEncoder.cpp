@@ -37,6 +37,7 @@ struct JxlEncode {
     ProgressThrottle progress;
     // Turns of the library's work so far.
     uint32_t turns;
+    // Null again when the encoder has taken its own numbers from them.
     uint8_t* pixels;
     uint8_t* block;
 };
@@ -78,23 +79,24 @@ void TellTurn(JxlEncode* encode, uint32_t piece, uint32_t pieces)
         (void)Fail(encode, WriteProblem::Stopped);
 }
 
+// Between two turns of the encoding itself, where the library was seen to end in order.
 bool EndsAtOnce(const JxlEncode& encode)
 {
-    return encode.choice.lossless && encode.problem != WriteProblem::None;
+    return encode.choice.lossless && !encode.pixels && encode.problem != WriteProblem::None;
 }
 
 JxlParallelRetCode OnTurn(void* self, void* work, JxlParallelRunInit init,
                           JxlParallelRunFunction run, uint32_t first, uint32_t end)
 {
     auto* encode = static_cast<JxlEncode*>(self);
+    if (EndsAtOnce(*encode))
+        return JXL_PARALLEL_RET_RUNNER_ERROR;
     const JxlParallelRetCode begun = init(work, 1);
     if (begun != 0)
         return begun;
     for (uint32_t piece = first; piece < end; ++piece) {
         run(work, piece, 0);
         TellTurn(encode, piece - first + 1, end - first);
-        if (EndsAtOnce(*encode))
-            return JXL_PARALLEL_RET_RUNNER_ERROR;
     }
     ++encode->turns;
     return 0;

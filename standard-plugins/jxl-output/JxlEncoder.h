@@ -5,9 +5,9 @@
 // the program.
 //
 // The library works in this thread alone. It hands the pieces of its work to a runner of ours,
-// which so tells the progress and hears a refusal. Without loss the work then ends at once; with
-// loss only when the frame is done, since the library ends the program where some of its pieces
-// fail.
+// which so tells the progress and hears a refusal. Without loss the work then ends at its next
+// turn; with loss only when the frame is done, since the library ends the program where some of its
+// pieces fail.
 #pragma once
 
 #include "standard-plugins/common/writing/Writer.h"
