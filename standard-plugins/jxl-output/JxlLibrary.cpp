@@ -6,7 +6,7 @@ bool OpenJxlLibrary(JxlLibrary* library)
 {
     *library = {};
     HostLibrary& host = library->host;
-    if (!OpenHostLibrary(&host, "libjxl.so.0.7", PLUGIN_TEXT("jxl.dll")))
+    if (!OpenLastingHostLibrary(&host, "libjxl.so.0.7", PLUGIN_TEXT("jxl.dll")))
         return false;
     if (BindHostFunction(host, "JxlEncoderCreate", &library->create) &&
         BindHostFunction(host, "JxlEncoderDestroy", &library->destroy) &&
