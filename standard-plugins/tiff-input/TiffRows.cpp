@@ -37,11 +37,16 @@ void OrderBytes(const TiffRows& rows, uint8_t* row)
         library.swapLongs(reinterpret_cast<uint32_t*>(row), count / 4);
 }
 
+uint32_t StripOf(const TiffImage& image, uint32_t y, uint32_t plane)
+{
+    const uint32_t perPlane = (image.height + image.rowsPerStrip - 1) / image.rowsPerStrip;
+    return plane * perPlane + y / image.rowsPerStrip;
+}
+
 bool ReadPlainRow(TiffRows* rows, uint32_t y, uint32_t plane, uint8_t* row)
 {
     const TiffImage& image = *rows->image;
-    const uint32_t perPlane = (image.height + image.rowsPerStrip - 1) / image.rowsPerStrip;
-    const uint32_t strip = plane * perPlane + y / image.rowsPerStrip;
+    const uint32_t strip = StripOf(image, y, plane);
     int failed = 0;
     const uint64_t offset = rows->library->stripOffset(rows->first->tiff, strip, &failed);
     if (failed)
@@ -56,10 +61,22 @@ bool ReadPlainRow(TiffRows* rows, uint32_t y, uint32_t plane, uint8_t* row)
     return true;
 }
 
+// By the row the library reads what is there of a strip, and is content when the rows come of it.
+void LookForStripsEnd(TiffRows* rows, uint32_t strip)
+{
+    int failed = 0;
+    const uint64_t offset = rows->library->stripOffset(rows->first->tiff, strip, &failed);
+    const uint64_t bytes = rows->library->stripBytes(rows->first->tiff, strip, &failed);
+    if (!failed && (offset > rows->bytes->size || bytes > rows->bytes->size - offset))
+        rows->first->troubled = true;
+}
+
 bool ReadStripRow(TiffRows* rows, uint32_t y)
 {
     const TiffImage& image = *rows->image;
     for (uint32_t plane = 0; plane < TiffPlanes(image); ++plane) {
+        if (y % image.rowsPerStrip == 0 && !IsPlain(image))
+            LookForStripsEnd(rows, StripOf(image, y, plane));
         uint8_t* row = rows->row + plane * rows->planeBytes;
         const bool got = IsPlain(image)
                              ? ReadPlainRow(rows, y, plane, row)

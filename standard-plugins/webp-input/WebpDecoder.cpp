@@ -1,6 +1,7 @@
 #include "standard-plugins/webp-input/WebpDecoder.h"
 
 #include "standard-plugins/common/PluginResult.h"
+#include "standard-plugins/common/reading/ExifOrientation.h"
 #include "standard-plugins/webp-input/WebpBitstream.h"
 #include "standard-plugins/webp-input/WebpContainer.h"
 #include "standard-plugins/webp-input/WebpLibrary.h"
@@ -377,8 +378,13 @@ int32_t FindSize(WebpContainer* container, uint32_t* width, uint32_t* height)
         *width = bitstream.width;
         *height = bitstream.height;
     } else if (chunk.name == ChunkName("VP8X") && TakeChunk(container, &chunk)) {
-        *width = container->canvasWidth;
-        *height = container->canvasHeight;
+        // How the picture is turned is told behind it.
+        while (container->awaitsExif && container->left > 0)
+            if (!ReadChunkHeader(container, &chunk) || !TakeChunk(container, &chunk))
+                break;
+        const bool turned = SwapsSides(container->orientation);
+        *width = turned ? container->canvasHeight : container->canvasWidth;
+        *height = turned ? container->canvasWidth : container->canvasHeight;
     }
     return IsPictureSize(*width, *height) ? PluginDone : PluginFailed;
 }

@@ -58,6 +58,9 @@ int OnWrite(const uint8_t* bytes, size_t count, const WebPPicture* copy)
 int OnProgress(int percent, const WebPPicture* copy)
 {
     auto* encode = static_cast<WebPWriting*>(copy->user_data);
+    // The library goes on reporting for a while; who gave up is not asked again.
+    if (encode->problem != WriteProblem::None)
+        return 0;
     const uint32_t done = percent < 0 ? 0 : static_cast<uint32_t>(percent);
     return ReportProgress(&encode->progress,
                           halfOfWork + (done < halfOfWork ? done : halfOfWork)) ||
