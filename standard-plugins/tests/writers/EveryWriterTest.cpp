@@ -79,6 +79,7 @@ protected:
         for (const Setting& setting : GetParam().settings)
             Set(setting.key, setting.value);
     }
+    static std::string NameOfForm() { return GetParam().name; }
     /// Samples that the form can hold.
     static Samples Fitting(const Samples& samples)
     {
@@ -86,9 +87,15 @@ protected:
     }
     void ExpectReadBack(const std::filesystem::path& file, const Pixels& expected)
     {
-        for (const char* reader : GetParam().readers)
+        for (const char* reader : GetParam().readers) {
+            // It takes a pass without rows for a fault, in the files of other programs too.
+            const bool hasEmptyPass =
+                expected.height < 5 && NameOfForm().ends_with("InterlacedGif");
+            if (reader == graphicsMagick && hasEmptyPass)
+                continue;
             EXPECT_TRUE(ReadBack(reader, file) == expected)
                 << reader << " " << expected.width << " x " << expected.height;
+        }
     }
     void ExpectWritten(u32 width, u32 height, u32 depth, const Samples& samples)
     {
