@@ -15,6 +15,7 @@ namespace
 struct Attempt {
     i32 result;
     u32 dialogs;
+    u32 messages;
     bool forced;
 };
 
@@ -26,7 +27,7 @@ Attempt RunConfigure(CheckContext& context, Workbench* bench, Raster* image, int
     context.Doing("Configure", circumstances);
     const i32 result = bench->Plugin().Configure(image);
     context.DoingNothing();
-    return {result, answers.Dialogs(), answers.WasForced()};
+    return {result, answers.Dialogs(), WhatWasSeen().messages, answers.WasForced()};
 }
 
 /// A plugin without Configure, and one that leaves things behind in the toolkit, are not for here.
@@ -62,11 +63,11 @@ void CheckConfirmed(CheckContext& context)
     if (done.result < 0)
         context.Violation("Configure fails (" + Result(done.result) +
                           ") though nothing failed, and the host warns the user.");
-    else if (done.result == 0 && done.dialogs == 0)
+    else if (done.result == 0 && done.dialogs == 0 && done.messages == 0)
         context.Violation(
-            "Configure answers 0, \"cancelled\", without having asked anybody, so the "
-            "plugin can never be used; it has to answer 1.");
-    else if (done.result == 0 && !done.forced)
+            "Configure answers 0, \"cancelled\", without having asked anybody or told "
+            "why, so the plugin can never be used; it has to answer 1.");
+    else if (done.result == 0 && done.dialogs != 0 && !done.forced)
         context.Violation("Configure answers 0, \"cancelled\", to a dialog that was left with OK.");
 }
 

@@ -55,3 +55,8 @@ TEST(GoodPlugins, ADialogThatIsAnsweredRightlyPasses)
     ExpectPass(RunCheck({Fixture("asks_rightly")}),
                "asks_rightly.dll: TX_OUTPUT, all checks passed");
 }
+
+TEST(GoodPlugins, OneThatTellsWhyItCannotBeUsedPasses)
+{
+    ExpectPass(RunCheck({Fixture("tells_why")}), "tells_why.dll: TX_OUTPUT, all checks passed");
+}
