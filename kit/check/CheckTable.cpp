@@ -68,7 +68,8 @@ const Check Checks[] = {
     // Configure.
     {"configure", "It exports Configure where the host would warn without it.", Configured,
      Needs::Kind, nullptr, CheckConfigureThere, false},
-    {"confirmed", "Configure answers 1 or more to a user who agrees or is not asked.",
+    {"confirmed",
+     "Configure answers 1 or more to a user who agrees or is not asked; 0 only after it told why.",
      AllKinds & ~Bit(Scale) & ~Bit(Subtract), Needs::Kind, nullptr, CheckConfirmed, false},
     {"cancelled", "Configure answers 0 to a user who cancels its dialog, and changes nothing.",
      AllKinds & ~Bit(Scale) & ~Bit(Subtract), Needs::Kind, nullptr, CheckCancelled, false},

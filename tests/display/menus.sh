@@ -140,6 +140,23 @@ Info=4
 Display=5
 Help=6
 
+# place KIND NAME: where a plugin stands among those of its kind, from 0: they come by their file's
+# name. (Every plugin that reads or writes has one format.) after KIND NAME: how many come behind it.
+plugins_of() {
+    (cd "$(dirname "$program")/PLUGINS/$1" && LC_ALL=C ls *.dll | LC_ALL=C sort -f)
+}
+place() {
+    plugins_of $1 | awk -v name=$2.dll '$0 == name { print NR - 1 }'
+}
+after() {
+    plugins_of $1 | awk -v name=$2.dll '$0 == name { place = NR } END { print NR - place }'
+}
+# entry_of_box COUNT: the keys that choose the entry so many below the first in a list that drops
+# down, and close it. The list begins with the plugin that came last.
+entry_of_box() {
+    keys Home $(yes Down | head -n $1) Return
+}
+
 # start ARGUMENT...: the program, at a screen of 640x480.
 start() {
     "$program" "$@" >>"$work/output" 2>&1 &
