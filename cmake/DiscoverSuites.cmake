@@ -15,12 +15,25 @@ if(${TAVRIX_SUITES_PROGRAM} IS_NEWER_THAN ${TAVRIX_SUITES_LIST})
   endif()
 endif()
 # A suite stands alone on its line, with a point behind it, and its tests below with blanks before
-# them.
-file(STRINGS ${TAVRIX_SUITES_LIST} lines REGEX "^[^ ]+\\.( .*)?$")
+# them. Of a suite of tests with a parameter each parameter is a test of its own: otherwise the
+# longest suites would end alone, with processors idle.
+file(STRINGS ${TAVRIX_SUITES_LIST} lines REGEX "^([^ ]+\\.|  [^ ]+)( .*)?$")
+set(tests "")
 foreach(line IN LISTS lines)
-  string(REGEX REPLACE "\\.( .*)?$" "" suite "${line}")
-  set(test ${TAVRIX_SUITES_NAME}.${suite})
-  add_test(${test} ${TAVRIX_SUITES_EMULATOR} ${TAVRIX_SUITES_PROGRAM} --gtest_filter=${suite}.*)
+  string(REGEX REPLACE " +#.*$" "" line "${line}")
+  if(line MATCHES "^  [^/]+/(.+)$")
+    list(APPEND tests "${suite}.*/${CMAKE_MATCH_1}")
+  elseif(line MATCHES "^  ")
+    list(APPEND tests "${suite}.*")
+  else()
+    string(REGEX REPLACE "\\.$" "" suite "${line}")
+  endif()
+endforeach()
+list(REMOVE_DUPLICATES tests)
+foreach(filter IN LISTS tests)
+  string(REGEX REPLACE "\\.\\*" "" name "${filter}")
+  set(test ${TAVRIX_SUITES_NAME}.${name})
+  add_test(${test} ${TAVRIX_SUITES_EMULATOR} ${TAVRIX_SUITES_PROGRAM} --gtest_filter=${filter})
   set_tests_properties(${test} PROPERTIES LABELS ${TAVRIX_SUITES_LABEL}
                        TIMEOUT ${TAVRIX_SUITES_TIMEOUT}
                        ENVIRONMENT "${TAVRIX_SUITES_ENVIRONMENT}")

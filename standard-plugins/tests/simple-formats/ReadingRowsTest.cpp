@@ -316,9 +316,12 @@ TEST_P(ReadingRows, GivesBackAllItTook)
         };
         once();
         const size_t before = MemoryInUse();
-        for (int i = 0; i < 5; ++i)
+        constexpr int runs = 5;
+        for (int i = 0; i < runs; ++i)
             once();
-        EXPECT_LE(MemoryInUse(), before + 512) << part;
+        // A closed handle keeps its place for a while, so that it is not mistaken for the next one.
+        const size_t handles = GetParam().goesToADisk ? runs * 128 : 0;
+        EXPECT_LE(MemoryInUse(), before + 512 + handles) << part;
     }
 }
 
