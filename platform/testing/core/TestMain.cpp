@@ -55,8 +55,8 @@ void SetSurroundings()
 }
 
 /// What the font library keeps for the life of the process is made where no leak is looked for. A
-/// list of suppressions alone would let each process read all its libraries' names at its end, which
-/// takes longer than most tests.
+/// list of suppressions alone would let each process read all its libraries' names at its end,
+/// which takes longer than most tests.
 void LoadFontsUnwatched()
 {
 #if defined(__SANITIZE_ADDRESS__)

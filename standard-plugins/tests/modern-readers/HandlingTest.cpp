@@ -190,7 +190,8 @@ TEST_P(EachFormat, GivesBackAllItTook)
     const size_t before = MemoryInUse();
     for (int i = 0; i < 20; ++i)
         DecodeInEveryWay(plugin, file);
-    // A closed file's handle keeps its place for a while, so that it is not mistaken for the next one.
+    // A closed file's handle keeps its place for a while, so that it is not mistaken for the next
+    // one.
     const size_t decodes = 20 * 5;
     const bool copies = std::string(GetParam().name) != "Jxl";
     EXPECT_LE(MemoryInUse(), before + (copies ? decodes * 128 : 512));
