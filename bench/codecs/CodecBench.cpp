@@ -63,7 +63,7 @@ const Row rows[] = {
      "dwebp -quiet lossless.webp -ppm -o tool.ppm"},
     {"AVIF", "read", "INPUT/AVIF", "", "soft.avif",
      "pnmtopng soft.ppm > a.png && avifenc -s 10 -j all a.png soft.avif > /dev/null",
-     "avifdec -j 1 -q --raw-color soft.avif tool.y4m"},
+     "avifdec -j 1 --raw-color soft.avif tool.y4m > /dev/null"},
     {"JPEG XL", "read", "INPUT/JXL", "", "soft.jxl", "cjxl -e 3 soft.ppm soft.jxl 2> /dev/null",
      "djxl --num_threads=0 soft.jxl tool.ppm 2> /dev/null"},
     {"HEIF", "read", "INPUT/HEIF", "", "soft.heic",

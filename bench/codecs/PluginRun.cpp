@@ -54,10 +54,13 @@ int32_t Lock(TavrixImageHandle, int32_t y, void** lines, uint32_t*)
         if (pread(picture.file, picture.rgb.data(), bytes,
                   picture.pixels + static_cast<off_t>(bytes) * y) != static_cast<ssize_t>(bytes))
             return -1;
+        // Through pointers of its own the compiler need not look the picture up for each byte.
+        uint8_t* line = picture.line.data();
+        const uint8_t* rgb = picture.rgb.data();
         for (size_t i = 0; i < bytes; i += 3) {
-            picture.line[i] = picture.rgb[i + 2];
-            picture.line[i + 1] = picture.rgb[i + 1];
-            picture.line[i + 2] = picture.rgb[i];
+            line[i] = rgb[i + 2];
+            line[i + 1] = rgb[i + 1];
+            line[i + 2] = rgb[i];
         }
     }
     lines[0] = picture.line.data();

@@ -78,10 +78,33 @@ bool ReadPixel(PnmDecode* decode, uint32_t x)
     return true;
 }
 
+// What most files hold: bytes as they are shown.
+bool IsPlainBytes(const PnmHeader& header)
+{
+    return !header.plain && !header.bits && header.highest == 255 && header.samples % 2 == 1;
+}
+
+void PutPlainBytes(const PnmHeader& header, const uint8_t* source, uint8_t* bgr)
+{
+    const uint32_t samples = header.samples;
+    const uint32_t green = samples / 2;
+    const uint32_t blue = samples - 1;
+    for (const uint8_t* end = source + size_t{samples} * header.width; source < end;
+         source += samples, bgr += 3) {
+        bgr[0] = source[blue];
+        bgr[1] = source[green];
+        bgr[2] = source[0];
+    }
+}
+
 bool ReadRow(PnmDecode* decode)
 {
     if (decode->source && !ReadBytes(&decode->rows, decode->source, SourceBytes(decode->header)))
         return false;
+    if (IsPlainBytes(decode->header)) {
+        PutPlainBytes(decode->header, decode->source, decode->rows.row);
+        return true;
+    }
     for (uint32_t x = 0; x < decode->rows.width; ++x)
         if (!ReadPixel(decode, x))
             return false;

@@ -34,6 +34,7 @@ bool BindData(TiffLibrary* library)
     const HostLibrary& host = library->host;
     return BindHostFunction(host, "TIFFScanlineSize64", &library->rowBytes) &&
            BindHostFunction(host, "TIFFReadScanline", &library->readRow) &&
+           BindHostFunction(host, "TIFFReadEncodedStrip", &library->readStrip) &&
            BindHostFunction(host, "TIFFTileRowSize64", &library->tileRowBytes) &&
            BindHostFunction(host, "TIFFTileSize64", &library->tileBytes) &&
            BindHostFunction(host, "TIFFComputeTile", &library->tileNumber) &&

@@ -25,6 +25,7 @@ struct TiffLibrary {
     decltype(&TIFFIsByteSwapped) isSwapped;
     decltype(&TIFFScanlineSize64) rowBytes;
     decltype(&TIFFReadScanline) readRow;
+    decltype(&TIFFReadEncodedStrip) readStrip;
     decltype(&TIFFTileRowSize64) tileRowBytes;
     decltype(&TIFFTileSize64) tileBytes;
     decltype(&TIFFComputeTile) tileNumber;

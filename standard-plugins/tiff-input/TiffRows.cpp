@@ -9,10 +9,11 @@ namespace
 {
 
 constexpr size_t slackBytes = 4;
+constexpr uint64_t mostWholeStrip = 512u << 10;
 
 TiffFile* PlaneFile(TiffRows* rows, uint32_t plane)
 {
-    return plane == 0 ? rows->first : &rows->others[plane];
+    return plane == 0 && !rows->others[0].tiff ? rows->first : &rows->others[plane];
 }
 
 bool IsPlain(const TiffImage& image)
@@ -71,9 +72,57 @@ void LookForStripsEnd(TiffRows* rows, uint32_t strip)
         rows->first->troubled = true;
 }
 
+bool IsReadByWholeStrips(const TiffImage& image, uint64_t rowBytes)
+{
+    return !image.tiled && !image.converted && TiffPlanes(image) == 1 &&
+           (image.compression == COMPRESSION_ADOBE_DEFLATE ||
+            image.compression == COMPRESSION_DEFLATE) &&
+           rowBytes <= mostWholeStrip && image.rowsPerStrip <= mostWholeStrip / rowBytes;
+}
+
+// Of a strip that breaks off there may be rows before the break: an opening that has not begun with
+// the strip yet goes on by the row.
+bool GoOnByRows(TiffRows* rows)
+{
+    free(rows->strip);
+    rows->strip = nullptr;
+    if (!OpenTiffFile(&rows->others[0], rows->library, rows->bytes))
+        return false;
+    rows->others[0].troubled = false;
+    return true;
+}
+
+bool LoadStrip(TiffRows* rows, uint32_t y)
+{
+    const TiffImage& image = *rows->image;
+    const uint32_t left = image.height - y;
+    const uint32_t lines = left < image.rowsPerStrip ? left : image.rowsPerStrip;
+    const auto wanted = static_cast<tmsize_t>(lines * rows->planeBytes);
+    return rows->library->readStrip(rows->first->tiff, StripOf(image, y, 0), rows->strip, wanted) ==
+           wanted;
+}
+
+// False where the row must be had in another way.
+bool TakeRowOfStrip(TiffRows* rows, uint32_t y)
+{
+    const uint32_t line = y % rows->image->rowsPerStrip;
+    if (line == 0 && !LoadStrip(rows, y))
+        return false;
+    memcpy(rows->row, rows->strip + line * rows->planeBytes, rows->planeBytes);
+    return true;
+}
+
 bool ReadStripRow(TiffRows* rows, uint32_t y)
 {
     const TiffImage& image = *rows->image;
+    if (rows->strip) {
+        if (y % image.rowsPerStrip == 0)
+            LookForStripsEnd(rows, StripOf(image, y, 0));
+        if (TakeRowOfStrip(rows, y))
+            return true;
+        if (!GoOnByRows(rows))
+            return false;
+    }
     for (uint32_t plane = 0; plane < TiffPlanes(image); ++plane) {
         if (y % image.rowsPerStrip == 0 && !IsPlain(image))
             LookForStripsEnd(rows, StripOf(image, y, plane));
@@ -223,6 +272,9 @@ int32_t OpenTiffRows(TiffRows* rows, TiffFile* first, const TiffImage* image)
         const int32_t result = MakeBlock(rows);
         if (result < 0)
             return result;
+    } else if (IsReadByWholeStrips(*image, rows->planeBytes)) {
+        // Without it rows are read one by one.
+        rows->strip = static_cast<uint8_t*>(malloc(rows->planeBytes * image->rowsPerStrip));
     }
     if (!OpenPlanes(rows))
         return PluginFailed;
@@ -248,6 +300,7 @@ void CloseTiffRows(TiffRows* rows)
     for (TiffFile& other : rows->others)
         CloseTiffFile(&other);
     free(rows->row);
+    free(rows->strip);
     free(rows->block);
     free(rows->piece);
     *rows = {};

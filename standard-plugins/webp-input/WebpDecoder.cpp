@@ -43,6 +43,10 @@ struct WebpDecode {
     bool waits;
     bool rowsOpen;
     uint8_t* piece;
+    // All that the library was given so far. It would copy it all with each piece.
+    uint8_t* data;
+    size_t dataBytes;
+    size_t dataRoom;
     TavrixMessageCallback message;
     TavrixGetPropertyCallback get;
 };
@@ -134,10 +138,28 @@ int32_t OpenDecoder(WebpDecode* decode, bool lossless)
     return decode->decoder ? PluginDone : PluginNoMemory;
 }
 
+bool KeepData(WebpDecode* decode, const uint8_t* bytes, size_t count)
+{
+    if (count > decode->dataRoom - decode->dataBytes) {
+        const size_t room = 2 * decode->dataRoom + count;
+        auto* data = static_cast<uint8_t*>(realloc(decode->data, room));
+        if (!data)
+            return false;
+        decode->data = data;
+        decode->dataRoom = room;
+    }
+    memcpy(decode->data + decode->dataBytes, bytes, count);
+    decode->dataBytes += count;
+    return true;
+}
+
 // Gives bytes to the library. PluginNothing: more are wanted.
 int32_t Append(WebpDecode* decode, const uint8_t* bytes, size_t count)
 {
-    const VP8StatusCode status = decode->library.append(decode->decoder, bytes, count);
+    if (!KeepData(decode, bytes, count))
+        return PluginNoMemory;
+    const VP8StatusCode status =
+        decode->library.update(decode->decoder, decode->data, decode->dataBytes);
     const bool goesOn = status == VP8_STATUS_OK || status == VP8_STATUS_SUSPENDED;
     decode->whole = status == VP8_STATUS_OK;
     const int32_t result = PutOrWait(decode);
@@ -148,8 +170,7 @@ int32_t Append(WebpDecode* decode, const uint8_t* bytes, size_t count)
     return decode->whole ? PluginDone : PluginNothing;
 }
 
-// A hundredth of the chunk at a time, for the progress; but a large one not in small pieces, since
-// the library copies what it holds with each.
+// A hundredth of the chunk at a time, for the progress.
 int32_t AppendChunk(WebpDecode* decode, WebpChunk* chunk)
 {
     size_t most = chunk->bytes / 100;
@@ -359,6 +380,7 @@ void CloseDecode(WebpDecode* decode)
     CloseWebpLibrary(&decode->library);
     CloseContainer(&decode->container);
     free(decode->piece);
+    free(decode->data);
     free(decode);
 }
 

@@ -10,7 +10,7 @@ bool OpenWebpLibrary(WebpLibrary* library)
         return false;
     if (BindHostFunction(host, "WebPInitDecoderConfigInternal", &library->initialize) &&
         BindHostFunction(host, "WebPIDecode", &library->open) &&
-        BindHostFunction(host, "WebPIAppend", &library->append) &&
+        BindHostFunction(host, "WebPIUpdate", &library->update) &&
         BindHostFunction(host, "WebPIDecGetRGB", &library->rows) &&
         BindHostFunction(host, "WebPIDelete", &library->close) &&
         BindHostFunction(host, "WebPFreeDecBuffer", &library->freeRows))

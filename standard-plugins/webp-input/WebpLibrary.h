@@ -9,7 +9,7 @@ struct WebpLibrary {
     HostLibrary host;
     decltype(&WebPInitDecoderConfigInternal) initialize;
     decltype(&WebPIDecode) open;
-    decltype(&WebPIAppend) append;
+    decltype(&WebPIUpdate) update;
     decltype(&WebPIDecGetRGB) rows;
     decltype(&WebPIDelete) close;
     decltype(&WebPFreeDecBuffer) freeRows;

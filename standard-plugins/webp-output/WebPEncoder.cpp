@@ -67,6 +67,11 @@ int OnProgress(int percent, const WebPPicture* copy)
            Fail(encode, WriteProblem::Stopped);
 }
 
+uint64_t Limit(const WebPChoice& choice)
+{
+    return uint64_t{choice.megabytes} << 20;
+}
+
 bool Configure(WebPWriting* encode)
 {
     const WebPLibrary& library = encode->library;
@@ -76,7 +81,8 @@ bool Configure(WebPWriting* encode)
                             WEBP_ENCODER_ABI_VERSION))
         return Fail(encode, WriteProblem::Codec);
     config->method = static_cast<int>(choice.effort);
-    config->low_memory = 1;
+    const PictureReader& picture = encode->picture;
+    config->low_memory = WebPMemoryOfQuickWay(picture.width, picture.height) > Limit(choice);
     // The library's levels of lossless compression run from 0 to 9.
     if (choice.lossless && !library.setLossless(config, static_cast<int>(choice.effort * 3 / 2)))
         return Fail(encode, WriteProblem::Codec);
@@ -143,8 +149,8 @@ bool RefuseLarge(WebPWriting* encode)
     const PictureReader& picture = encode->picture;
     if (picture.width > mostWebPSide || picture.height > mostWebPSide)
         return Fail(encode, WriteProblem::Size, &tooWideText);
-    const uint64_t limit = uint64_t{encode->choice.megabytes} << 20;
-    return WebPMemoryNeeded(picture.width, picture.height, encode->choice) <= limit ||
+    return WebPMemoryNeeded(picture.width, picture.height, encode->choice) <=
+               Limit(encode->choice) ||
            Fail(encode, WriteProblem::Memory, &tooLargeText);
 }
 

@@ -263,6 +263,29 @@ TEST_F(TiffReader, ReadsTheFirstPage)
     ExpectLike(plugin, "pages.tif", "cat in.ppm");
 }
 
+TEST_F(TiffReader, KeepsTheRowsBeforeABrokenPlaceInAStripAndReadsNoneBehindIt)
+{
+    // Three strips; bytes of the second are wrong. The directory stands behind them all.
+    Run("ppm2tiff -c zip -r $((($(pamfile -machine in.ppm | cut -d' ' -f4) + 2) / 3)) in.ppm "
+        "s.tif");
+    Canvas sound;
+    ASSERT_EQ(DecodeFile("s.tif", sound), 1);
+    std::string bytes = Read("s.tif");
+    for (size_t at = bytes.size() / 2; at < bytes.size() / 2 + 20; ++at)
+        bytes[at] = static_cast<char>(bytes[at] ^ 0x5a);
+    ByteStream broken(bytes);
+    Canvas canvas;
+    EXPECT_LT(Decode(plugin, broken, canvas), 0);
+    ASSERT_EQ(canvas.height, sound.height);
+    uint32_t same = 0;
+    for (bool is = true; is && same < canvas.height; same += is)
+        for (uint32_t x = 0; x < canvas.width; ++x)
+            is = is && canvas.At(x, same) == sound.At(x, same);
+    EXPECT_GT(same, sound.height / 3); // some of the second strip
+    EXPECT_LT(same, sound.height * 2 / 3);
+    EXPECT_FALSE(canvas.WasWritten(sound.height - 1));
+}
+
 TEST_F(TiffReader, LeavesNoTemporaryFileBehind)
 {
     Canvas canvas;

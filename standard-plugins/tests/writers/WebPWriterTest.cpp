@@ -138,12 +138,33 @@ TEST_F(WebPWriter, PictureBeyondTheLimitOfMemoryIsRefusedAndTheSettingNamed)
     EXPECT_EQ(Write(&image, folder / "a.webp"), 1);
 }
 
+TEST_F(WebPWriter, TakesTheQuickWayWhereItsMemoryIsAllowed)
+{
+    Set(u"WebpOutputQuality", 100);
+    Raster image;
+    Fill(&image, 600, 500, 24, Wild);
+    const uint64_t most[] = {WebPMemoryNeeded(600, 500, {false, 100, 4, 0}),
+                             WebPMemoryOfQuickWay(600, 500)};
+    size_t taken[2] = {};
+    for (int quick = 0; quick < 2; ++quick) {
+        Set(u"WebpOutputMemory", static_cast<u32>((most[quick] >> 20) + 1));
+        MemoryPeak peak;
+        CurrentWriterHost().onProgress = [&peak] { peak.Look(); };
+        ASSERT_EQ(Write(&image, folder / (quick ? "quick.webp" : "slow.webp")), 1);
+        CurrentWriterHost().onProgress = nullptr;
+        taken[quick] = peak.Most();
+        EXPECT_LT(taken[quick], most[quick]);
+    }
+    EXPECT_GT(taken[1], taken[0] + 600u * 500 * 4); // it is the other way
+}
+
 TEST_F(WebPWriter, TakesNoMoreMemoryThanWasReckoned)
 {
     for (const bool lossless : {false, true})
         for (const u32 effort : {0u, 4u, 6u})
             for (const Samples& samples : {Samples(Wild), Samples(Soft)}) {
                 Set(u"WebpOutputLossless", lossless);
+                Set(u"WebpOutputMemory", lossless ? 31 : 15); // too little for the quick way
                 Set(u"WebpOutputEffort", effort);
                 Raster image;
                 Fill(&image, 600, 500, 24, samples);
