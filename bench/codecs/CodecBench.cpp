@@ -130,7 +130,7 @@ std::string OursOf(const Row& row)
     const std::string plugin = plugins + row.plugin + ".dll";
     const bool reads = std::string(row.what) == "read";
     return std::string(row.settings) + " " + runner + " " + row.what + " " + plugin + " " +
-           (reads ? folder + "/" + row.file : folder + "/soft.ppm " + folder + "/" + row.file);
+           (reads ? folder + "/" + row.file : folder + "/soft-bgr.ppm " + folder + "/" + row.file);
 }
 
 bool Make(const Row& row)
@@ -140,8 +140,10 @@ bool Make(const Row& row)
         return std::system(("cd " + folder + " && " + command).c_str()) == 0;
     };
     if (!std::filesystem::exists(folder + "/soft.ppm") &&
-        !run(TAVRIX_BINARY_DIR "/tools/make-picture 4000 3000 soft-made.jpg && "
-                               "djpeg -outfile soft.ppm soft-made.jpg"))
+        !run(TAVRIX_BINARY_DIR
+             "/tools/make-picture 4000 3000 soft-made.jpg && "
+             "djpeg -outfile soft.ppm soft-made.jpg && "
+             "pamchannel -infile soft.ppm -tupletype RGB 2 1 0 | pamtopnm > soft-bgr.ppm"))
         return false;
     return row.make[0] == 0 || std::filesystem::exists(folder + "/" + row.file) || run(row.make);
 }

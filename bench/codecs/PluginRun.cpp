@@ -1,7 +1,8 @@
 // Runs one plugin once, as a process whose time and memory others measure:
 //   plugin-run idle             nothing: what the process itself takes
 //   plugin-run read DLL FILE    GetImage, into a picture that keeps no line
-//   plugin-run write DLL PPM OUT   PutImage of a binary PPM file, read line by line
+//   plugin-run write DLL PPM OUT   PutImage of a binary PPM file, read line by line; its samples
+//                               come in the host's order, blue first
 // Exits with 0 when the plugin succeeded.
 #include <tavrix/plugin.h>
 
@@ -25,7 +26,6 @@ struct Picture {
     int file = -1;
     off_t pixels = 0;
     std::vector<uint8_t> line;
-    std::vector<uint8_t> rgb;
 } picture;
 
 int32_t Alloc(TavrixImageHandle, uint32_t width, uint32_t height, uint32_t)
@@ -51,17 +51,9 @@ int32_t Lock(TavrixImageHandle, int32_t y, void** lines, uint32_t*)
 {
     if (picture.file >= 0) {
         const size_t bytes = size_t{3} * picture.width;
-        if (pread(picture.file, picture.rgb.data(), bytes,
+        if (pread(picture.file, picture.line.data(), bytes,
                   picture.pixels + static_cast<off_t>(bytes) * y) != static_cast<ssize_t>(bytes))
             return -1;
-        // Through pointers of its own the compiler need not look the picture up for each byte.
-        uint8_t* line = picture.line.data();
-        const uint8_t* rgb = picture.rgb.data();
-        for (size_t i = 0; i < bytes; i += 3) {
-            line[i] = rgb[i + 2];
-            line[i + 1] = rgb[i + 1];
-            line[i + 2] = rgb[i];
-        }
     }
     lines[0] = picture.line.data();
     return 1;
@@ -165,7 +157,6 @@ bool OpenPpm(const char* path)
     picture.width = width;
     picture.height = height;
     picture.line.assign(size_t{4} * width + 4, 0);
-    picture.rgb.assign(size_t{3} * width, 0);
     return true;
 }
 
