@@ -90,6 +90,13 @@ int32_t ReadRows(TiffDecode* decode)
     return PluginDone;
 }
 
+// Whether nothing was wrong with what was read, and nothing is missing.
+bool IsSound(TiffDecode* decode)
+{
+    return !IsTroubled(decode->rows) && !decode->file.lostTag && !decode->image.paletteMissing &&
+           !decode->pixels.beyond && AreDirectoriesSound(&decode->bytes);
+}
+
 int32_t ReadPage(TiffDecode* decode)
 {
     int32_t result = ReadRows(decode);
@@ -97,8 +104,7 @@ int32_t ReadPage(TiffDecode* decode)
         return result;
     if (!FinishOrientedLines(&decode->oriented))
         return decode->lines.result;
-    if (result == PluginDone &&
-        (IsTroubled(decode->rows) || decode->pixels.beyond || !AreDirectoriesSound(&decode->bytes)))
+    if (result == PluginDone && !IsSound(decode))
         result = PluginFailed;
     return result;
 }

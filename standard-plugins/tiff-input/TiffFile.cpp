@@ -52,8 +52,12 @@ int OnTrouble(TIFF*, void* self, const char*, const char* format, va_list)
 {
     // Data of before 1988, which are read all the same.
     constexpr char harmless[] = "Old-style LZW codes";
+    constexpr char lost[] = "IO error during reading of";
+    auto* file = static_cast<TiffFile*>(self);
     if (!format || strncmp(format, harmless, sizeof harmless - 1) != 0)
-        static_cast<TiffFile*>(self)->troubled = true;
+        file->troubled = true;
+    if (format && strncmp(format, lost, sizeof lost - 1) == 0)
+        file->lostTag = true;
     return 1;
 }
 
@@ -101,7 +105,7 @@ bool ReadForm(TemporaryFile* file, DirectoryForm* form)
 
 bool OpenTiffFile(TiffFile* file, const TiffLibrary* library, TemporaryFile* bytes)
 {
-    *file = {library, bytes, 0, nullptr, false};
+    *file = {library, bytes, 0, nullptr, false, false};
     TIFFOpenOptions* options = library->makeOptions();
     if (!options)
         return false;
@@ -140,6 +144,26 @@ bool AreDirectoriesSound(TemporaryFile* bytes)
             return true;
     }
     return false;
+}
+
+uint16_t WrittenTag(TemporaryFile* bytes, uint16_t tag, uint16_t standard)
+{
+    constexpr uint64_t mostEntries = 65535;
+    DirectoryForm form = {};
+    uint64_t count = 0;
+    if (!ReadForm(bytes, &form) || !ReadNumber(bytes, form, form.first, form.countBytes, &count))
+        return standard;
+    uint64_t at = form.first + form.countBytes;
+    for (uint64_t i = 0; i < count && i < mostEntries; ++i, at += form.entryBytes) {
+        uint64_t name = 0;
+        uint64_t value = 0;
+        if (!ReadNumber(bytes, form, at, 2, &name))
+            return standard;
+        // Behind its type and the count of its values.
+        if (name == tag && ReadNumber(bytes, form, at + 4 + form.offsetBytes, 2, &value))
+            return static_cast<uint16_t>(value);
+    }
+    return standard;
 }
 
 bool IsTiffStart(const uint8_t* bytes)

@@ -251,6 +251,9 @@ bool ReadTiffImage(TiffFile* file, TiffImage* image)
         !ReadAlpha(*file, image) || !FitsIntoFile(*file, *image) ||
         !AgreesWithLibrary(*file, *image))
         return false;
+    image->paletteMissing =
+        image->colors == TiffColors::Grey &&
+        WrittenTag(file->bytes, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK) == PHOTOMETRIC_PALETTE;
     void* profile = nullptr;
     if (file->library->get(file->tiff, TIFFTAG_ICCPROFILE, &image->profileBytes, &profile))
         image->profile = profile;

@@ -40,6 +40,8 @@ struct TiffImage {
     uint32_t tileHeight;
     /// Of a palette: red, green, blue of each value.
     uint8_t table[256][3];
+    /// The file has no sound palette for its values, and the library takes them for greys.
+    bool paletteMissing;
     /// Null without a colour profile; the library's until the file is closed.
     const void* profile;
     uint32_t profileBytes;
