@@ -249,6 +249,65 @@ TEST_F(ColorProfile, ThatIsNoneOrForOtherColoursChangesNothing)
     }
 }
 
+TEST_F(ColorProfile, WhoseTagsLeadNowhereOrToThemselvesIsSurvivedAndMostlyChangesNothing)
+{
+    const JpegForm jpeg = {.width = width, .height = height};
+    const PngForm png = {.width = width, .height = height};
+    const auto plainJpeg = ReadJpeg(MakeJpeg(jpeg, Value));
+    const auto plainPng = ReadPng(PngWith(png, "no profile"));
+    const std::string wide = WideRgbProfile();
+    const auto word = [](uint32_t value) {
+        return std::string{static_cast<char>(value >> 24), static_cast<char>(value >> 16),
+                           static_cast<char>(value >> 8), static_cast<char>(value)};
+    };
+    // The count stands at 128; then each tag has its name, its offset and its length.
+    constexpr size_t count = 128;
+    constexpr size_t firstTag = 132;
+    const auto changed = [&](uint32_t offset, uint32_t length) {
+        std::string profile = wide;
+        for (size_t i = 0; i < static_cast<uint8_t>(wide[count + 3]); ++i)
+            profile.replace(firstTag + 12 * i + 4, 8, word(offset) + word(length));
+        return profile;
+    };
+    const std::string profiles[] = {
+        std::string(wide).replace(count, 4, word(0)),
+        std::string(wide).replace(count, 4, word(101)),
+        std::string(wide).replace(count, 4, word(0xffffffff)),
+        changed(0, static_cast<uint32_t>(wide.size())), // the profile itself
+        changed(count, 36),                             // the list of the tags
+        changed(static_cast<uint32_t>(wide.size()), 20),
+        changed(0xfffffff0, 0x20),
+        changed(200, 0xffffffff),
+        changed(200, 0),
+    };
+    for (const std::string& profile : profiles) {
+        EXPECT_EQ(ReadPng(PngWith(png, profile)), plainPng);
+        EXPECT_EQ(ReadJpeg(JpegWith(jpeg, profile)), plainJpeg);
+    }
+    // With a length in its header that is not its own it is read or passed over as a whole.
+    const auto converted = ReadPng(PngWith(png, wide));
+    for (const uint32_t length : {0u, 100u, 132u, static_cast<uint32_t>(wide.size()) - 1,
+                                  static_cast<uint32_t>(wide.size()) + 1, 0xffffffffu}) {
+        const auto got = ReadPng(PngWith(png, std::string(wide).replace(0, 4, word(length))));
+        EXPECT_TRUE(got == plainPng || got == converted) << length;
+    }
+}
+
+TEST_F(ColorProfile, OfALargeTableIsAppliedUpToFourMegabytesAndThenPassedOver)
+{
+    // Inks over a table of 3 bytes for each of points^4 colours, 16 bits each.
+    const JpegForm form = {
+        .width = width, .height = height, .colors = JpegColors::Cmyk, .across = 1, .down = 1};
+    const auto plain = ReadJpeg(MakeJpeg(form, Value));
+    const std::string large = InkProfile(28);
+    EXPECT_LT(large.size(), 4u << 20);
+    EXPECT_GT(large.size(), 3u << 20);
+    EXPECT_NE(ReadJpeg(JpegWith(form, large)), plain);
+    const std::string larger = InkProfile(34);
+    EXPECT_GT(larger.size(), 7u << 20);
+    EXPECT_EQ(ReadJpeg(JpegWith(form, larger)), plain);
+}
+
 TEST_F(ColorProfile, OfAJpegWithPiecesThatContradictEachOtherChangesNothing)
 {
     const JpegForm form = {.width = width, .height = height};

@@ -49,21 +49,27 @@ struct Sample {
     std::string bytes;
 };
 
-std::vector<Sample> SoundFiles(const char* folder)
+std::vector<Sample> KeptFiles(const char* folder)
 {
     std::vector<Sample> samples;
     const auto place = std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs" / folder;
     for (const auto& entry : std::filesystem::directory_iterator(place))
-        if (entry.path().filename().string().starts_with("good-"))
-            samples.push_back({entry.path().filename(), BytesOf(entry.path())});
+        samples.push_back({entry.path().filename(), BytesOf(entry.path())});
     std::sort(samples.begin(), samples.end(),
               [](const Sample& a, const Sample& b) { return a.name < b.name; });
     return samples;
 }
 
+std::vector<Sample> SoundFiles(const char* folder)
+{
+    std::vector<Sample> samples = KeptFiles(folder);
+    std::erase_if(samples, [](const Sample& sample) { return !sample.name.starts_with("good-"); });
+    return samples;
+}
+
 // For what is done many times to each: the small ones, a few of them, and none whose picture ends
 // long before the file, as the first of several does.
-std::vector<Sample> SmallSoundFiles(const char* folder)
+std::vector<Sample> SmallSoundFiles(const char* folder, size_t most = 6)
 {
     std::vector<Sample> samples = SoundFiles(folder);
     std::erase_if(samples, [](const Sample& sample) {
@@ -71,8 +77,8 @@ std::vector<Sample> SmallSoundFiles(const char* folder)
                sample.name.find("-behind") != std::string::npos ||
                sample.name.find("animation") != std::string::npos;
     });
-    if (samples.size() > 6)
-        samples.resize(6);
+    if (samples.size() > most)
+        samples.resize(most);
     return samples;
 }
 
@@ -194,11 +200,14 @@ TEST_P(EveryReader, StopsWhereTheUserGivesUp)
 
 TEST_P(EveryReader, AFileThatBreaksOffIsNeverTakenForAWholeOne)
 {
-    for (const Sample& sample : SmallSoundFiles(GetParam().folder))
-        for (size_t part = 0; part < 16; ++part) {
-            const std::string cut = sample.bytes.substr(0, sample.bytes.size() * part / 16);
+    // All of them, but those behind the first few in fewer places.
+    const auto samples = SmallSoundFiles(GetParam().folder, 100);
+    for (size_t i = 0; i < samples.size(); ++i)
+        for (size_t part = 0; part < 16; part += i < 6 ? 1 : 5) {
+            const std::string& bytes = samples[i].bytes;
             Canvas canvas;
-            EXPECT_LT(Read(cut, canvas), 0) << sample.name << ", " << part << "/16";
+            EXPECT_LT(Read(bytes.substr(0, bytes.size() * part / 16), canvas), 0)
+                << samples[i].name << ", " << part << "/16";
         }
 }
 
@@ -229,6 +238,37 @@ TEST_P(EveryReader, RefusesWhatIsNoSuchFile)
     for (const Sample& sample : SmallSoundFiles(GetParam().folder))
         for (const size_t count : {1u, 2u, 4u, 8u})
             ExpectRefused(sample.bytes.substr(0, count), sample.name + "'s first bytes");
+}
+
+TEST_P(EveryReader, RefusesEveryKeptFileOfTheOtherFormats)
+{
+    for (const Format& other : formats) {
+        // As above.
+        if (std::string(other.folder) == GetParam().folder ||
+            std::string(other.folder) + GetParam().folder == "avifheif")
+            continue;
+        for (const Sample& sample : KeptFiles(other.folder))
+            // A PNG among the files of another format is one for its own reader.
+            if (sample.name.find("really-a-" + std::string(GetParam().folder)) == std::string::npos)
+                ExpectRefused(sample.bytes, sample.name);
+    }
+}
+
+TEST_P(EveryReader, TellsASizeOrAFailureOfEveryKeptFile)
+{
+    for (const Sample& sample : KeptFiles(GetParam().folder))
+        for (const bool half : {false, true}) {
+            ByteStream stream(sample.bytes.substr(0, sample.bytes.size() / (half ? 2 : 1)));
+            RasterInfo info = {};
+            info.size = sizeof info;
+            const int32_t result = plugin.getImageInfo(nullptr, &stream.record, &info);
+            EXPECT_TRUE(result == 1 || result < 0) << sample.name << ": " << result;
+            if (result == 1) {
+                EXPECT_GE(std::min(info.width, info.height), 1u) << sample.name;
+                EXPECT_LE(std::max(info.width, info.height), 65535u) << sample.name;
+            }
+            EXPECT_LT(stream.peak.Most(), 64u << 20) << sample.name;
+        }
 }
 
 TEST_P(EveryReader, TakesAFailureOfTheHostForItsOwn)

@@ -37,6 +37,8 @@ struct Exif {
     uint32_t directory = 8;
     uint32_t entries = 1;
     uint32_t magic = 42;
+    /// Offset of the next directory.
+    uint32_t next = 0;
 };
 
 std::string Data(const Exif& exif)
@@ -46,7 +48,7 @@ std::string Data(const Exif& exif)
         exif.type == 3 ? Word(exif.value, big) + Word(0, big) : Long(exif.value, big);
     return std::string("Exif\0\0", 6) + (big ? "MM" : "II") + Word(exif.magic, big) +
            Long(exif.directory, big) + Word(exif.entries, big) + Word(exif.tag, big) +
-           Word(exif.type, big) + Long(exif.count, big) + value + Long(0, big);
+           Word(exif.type, big) + Long(exif.count, big) + value + Long(exif.next, big);
 }
 
 std::string WithMarker(const JpegForm& form, const std::string& data)
@@ -154,6 +156,32 @@ TEST_F(Orientation, ThatIsNoneIsTheFilesOwn)
         ExpectTurned({.width = 20, .height = 10}, sound.substr(0, length), 1);
     ExpectTurned({.width = 20, .height = 10}, Data({.value = 6, .entries = 65535}), 6);
     ExpectTurned({.width = 20, .height = 10}, "http://ns.adobe.com/xap/1.0/", 1);
+}
+
+TEST_F(Orientation, IsReadBesideDirectoriesThatLeadInARing)
+{
+    // The next directory is this one, or lies in the middle of it, or nowhere.
+    for (const uint32_t next : {8u, 10u, 26u, 0xffffffffu})
+        ExpectTurned({.width = 20, .height = 10}, Data({.value = 6, .next = next}), 6);
+    // An entry that leads to a directory of the camera's own, which is this one again.
+    for (const uint32_t to : {0u, 8u, 22u, 0xffffffffu}) {
+        std::string data = Data({.value = 6, .entries = 2});
+        data.insert(data.size() - 4,
+                    Word(0x8769, false) + Word(4, false) + Long(1, false) + Long(to, false));
+        ExpectTurned({.width = 20, .height = 10}, data, 6);
+    }
+}
+
+TEST_F(Orientation, IsReadBesideASmallPictureThatIsLargerThanTheFile)
+{
+    const std::string start = Data({.value = 6, .next = 26});
+    for (const uint32_t length : {0u, 1000000u, 0x7fffffffu, 0xffffffffu})
+        for (const uint32_t offset : {0u, 26u, 0x7fffffffu, 0xffffffffu})
+            ExpectTurned({.width = 20, .height = 10},
+                         start + Word(2, false) + Word(0x201, false) + Word(4, false) +
+                             Long(1, false) + Long(offset, false) + Word(0x202, false) +
+                             Word(4, false) + Long(1, false) + Long(length, false) + Long(0, false),
+                         6);
 }
 
 TEST_F(Orientation, TheFirstMarkerThatTellsOneCounts)

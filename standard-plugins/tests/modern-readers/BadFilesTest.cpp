@@ -1,6 +1,7 @@
 // Files that break off, are broken or are something else: the answer is negative, nothing is
 // allocated for what is not there, and what came stays.
 
+#include "standard-plugins/tests/modern-readers/Boxes.h"
 #include "standard-plugins/tests/modern-readers/Formats.h"
 
 #include <cstdlib>
@@ -102,6 +103,53 @@ uint32_t RowsThatDiffer(const Canvas& part, const Canvas& whole)
     return rows;
 }
 
+// Bits of a JPEG XL's header, the lowest of each byte first. (ISO/IEC 18181-1, 9.2 and annex D.)
+class JxlBits
+{
+public:
+    void Put(uint32_t value, int bits)
+    {
+        for (int i = 0; i < bits; ++i, ++count) {
+            if (count % 8 == 0)
+                bytes += '\0';
+            bytes.back() = static_cast<char>(bytes.back() | (value >> i & 1) << count % 8);
+        }
+    }
+    /// One side less one, in 30 bits.
+    void PutSide(uint32_t side)
+    {
+        Put(3, 2);
+        Put(side - 1, 30);
+    }
+    std::string bytes;
+
+private:
+    int count = 0;
+};
+
+// A picture of the standard's own colours, or an animation of such, whose frame is none.
+std::string JxlOfSize(uint32_t width, uint32_t height, bool animated)
+{
+    JxlBits bits;
+    bits.Put(0, 1);
+    bits.PutSide(height);
+    bits.Put(0, 3); // no ratio
+    bits.PutSide(width);
+    bits.Put(!animated, 1); // all as it is by itself
+    if (animated) {
+        bits.Put(1, 1);     // more fields
+        bits.Put(0, 3 + 2); // orientation 1, no other size, no preview
+        bits.Put(1, 1);     // an animation,
+        bits.Put(0, 6 + 1); // a hundred ticks a second, without an end
+        bits.Put(0, 3 + 1); // 8 bits, in 16 all the way
+        bits.Put(0, 2);     // nothing but colours
+        bits.Put(7, 3);     // by the standard's space, colours and brightness
+        bits.Put(0, 2);     // nothing unknown
+    }
+    bits.Put(1, 1); // the standard's sums
+    return "\xff\x0a" + bits.bytes + std::string(5000, '\x5a');
+}
+
 } // namespace
 
 TEST_P(BrokenFormat, HasTheOutcomeOfTheTableForEveryKeptFile)
@@ -151,6 +199,48 @@ TEST_P(BrokenFormat, ReadsOnPastGarbageBehindThePicture)
     ByteStream stream(Plain() + std::string(1000, '\0'));
     Canvas canvas;
     EXPECT_EQ(Decode(plugin, stream, canvas), 1);
+}
+
+TEST_P(BrokenFormat, RefusesEverySizeThatTheFileCannotHold)
+{
+    const auto expectRefused = [&](const std::string& file, const std::string& what) {
+        ByteStream stream(file);
+        Canvas canvas;
+        EXPECT_LT(Decode(plugin, stream, canvas), 0) << what;
+        EXPECT_EQ(canvas.allocations, 0) << what;
+        EXPECT_LT(canvas.peak.Most(), 64u << 20) << what;
+    };
+    for (const auto& [width, height] : {std::pair{65500u, 65500u},
+                                        {65535u, 65535u},
+                                        {17000u, 17000u},
+                                        {10000000u, 1u},
+                                        {1u, 10000000u},
+                                        {1u << 30, 1u << 30}}) {
+        const std::string size = std::to_string(width) + "x" + std::to_string(height);
+        if (GetParam().name == std::string("Jxl")) {
+            expectRefused(JxlOfSize(width, height, false), size);
+            expectRefused(JxlOfSize(width, height, true), "animated " + size);
+            continue;
+        }
+        expectRefused(moderntest::WithSize(Plain(), width, height), size);
+        if (GetParam().name == std::string("Avif")) {
+            const std::string sequence = moderntest::Input(GetParam(), "good-sequence");
+            expectRefused(moderntest::WithSize(sequence, width, height), "animated " + size);
+        }
+    }
+}
+
+TEST(ModernReadersBroken, JxlHeadersOfThisTestTellTheirSize)
+{
+    const PluginLibrary plugin("INPUT/JXL");
+    for (const bool animated : {false, true}) {
+        ByteStream stream(JxlOfSize(65500, 65499, animated));
+        RasterInfo info = {};
+        info.size = sizeof info;
+        EXPECT_EQ(plugin.getImageInfo(nullptr, &stream.record, &info), 1) << animated;
+        EXPECT_EQ(info.width, 65500u);
+        EXPECT_EQ(info.height, 65499u);
+    }
 }
 
 TEST(ModernReadersBroken, AvifOfTilesKeepsTheRowsBeforeTheBreak)

@@ -61,7 +61,7 @@ std::string GreyProfile(double gamma)
     return Saved(profile);
 }
 
-std::string InkProfile()
+std::string InkProfile(uint32_t points)
 {
     cmsHPROFILE profile = cmsCreateProfilePlaceholder(nullptr);
     cmsSetProfileVersion(profile, 2.4);
@@ -69,7 +69,7 @@ std::string InkProfile()
     cmsSetColorSpace(profile, cmsSigCmykData);
     cmsSetPCS(profile, cmsSigLabData);
     cmsPipeline* pipeline = cmsPipelineAlloc(nullptr, 4, 3);
-    cmsStage* table = cmsStageAllocCLut16bit(nullptr, 5, 4, 3, nullptr);
+    cmsStage* table = cmsStageAllocCLut16bit(nullptr, points, 4, 3, nullptr);
     EXPECT_TRUE(cmsStageSampleCLut16bit(table, InkToLab, nullptr, 0));
     EXPECT_TRUE(cmsPipelineInsertStage(pipeline, cmsAT_BEGIN, table));
     EXPECT_TRUE(cmsWriteTag(profile, cmsSigAToB0Tag, pipeline));

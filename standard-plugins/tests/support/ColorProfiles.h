@@ -14,8 +14,8 @@ namespace plugintest
 std::string WideRgbProfile(double gamma = 1.8);
 std::string SrgbProfile();
 std::string GreyProfile(double gamma);
-/// Four inks through a table.
-std::string InkProfile();
+/// Four inks through a table of so many points for each ink: points^4 * 6 bytes.
+std::string InkProfile(uint32_t points = 5);
 /// Any profile with a tag of so many bytes besides.
 std::string WithPadding(const std::string& profile, size_t bytes);
 
