@@ -300,6 +300,23 @@ TEST(ColorReducing, NearestEntryIsTheFirstOfTheClosest)
     }
 }
 
+TEST(ColorReducing, OfTwoEntriesAsFarAwayAcrossTheEdgeOfACellTheFirstIsTaken)
+{
+    // Colours are looked up in cells of 16 x 16 x 16: the corner of the first cell lies in the
+    // middle between black and this grey, which is as near as black at its farthest.
+    for (const bool greyFirst : {false, true}) {
+        const Color black = {0, 0, 0};
+        const Color grey = {30, 30, 30};
+        auto matcher = std::make_unique<PaletteMatcher>();
+        PrepareMatcher(matcher.get(), PaletteOf(greyFirst ? std::vector<Color>{grey, black}
+                                                          : std::vector<Color>{black, grey}));
+        const uint8_t corner[] = {15, 15, 15};
+        const uint8_t darker[] = {15, 15, 14};
+        EXPECT_EQ(NearestEntry(matcher.get(), corner), 0);
+        EXPECT_EQ(NearestEntry(matcher.get(), darker), greyFirst ? 1 : 0);
+    }
+}
+
 TEST(ColorReducing, DiffusionIsThatOfTheFormulaPixelByPixel)
 {
     for (const uint32_t width : {1u, 2u, 3u, 40u}) {

@@ -61,6 +61,31 @@ TEST_F(JxlWriter, QualityIsPaidForInBytesAndSeenInTheSignal)
     EXPECT_GT(fineSignal, 38);
 }
 
+TEST_F(JxlWriter, QualityIsTheDistanceOfTheLibrarysOwnTool)
+{
+    // A tenth of what is missing to 100.
+    const std::string path = (folder / "a").string();
+    WriteBytes(path + ".ppm", Ppm(width, height, Busy));
+    for (const auto& [quality, distance] : {std::pair{90u, "1"}, {70u, "3"}, {30u, "7"}}) {
+        const auto size = static_cast<double>(Written(false, quality, 3).size());
+        const double signal = Signal();
+        const std::string answer = AnswerOf("cjxl -e 3 -d " + std::string(distance) + " " + path +
+                                            ".ppm " + path + ".jxl");
+        EXPECT_NEAR(size, static_cast<double>(FileBytes(path + ".jxl").size()), size / 10)
+            << answer;
+        EXPECT_NEAR(signal, Signal(), 0.5) << answer;
+    }
+}
+
+TEST_F(JxlWriter, EachEffortGivesAnotherFile)
+{
+    for (const bool lossless : {false, true}) {
+        const std::string standard = Written(lossless, 90, 3);
+        for (const u32 effort : {1u, 5u, 7u})
+            EXPECT_FALSE(Written(lossless, 90, effort) == standard) << lossless << " " << effort;
+    }
+}
+
 TEST_F(JxlWriter, EveryEffortGivesAFileThatIsReadBack)
 {
     for (u32 effort = 1; effort <= 9; ++effort) {

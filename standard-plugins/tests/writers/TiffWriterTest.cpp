@@ -35,6 +35,8 @@ TEST_F(TiffWriter, LibrarysOwnToolSeesWhatWasChosen)
         for (const bool predictor : {false, true}) {
             SetForm(compression, predictor);
             ASSERT_EQ(Write(&image, folder / "a.tif"), 1);
+            // Little-endian, and with offsets of 32 bits, which more programs read.
+            EXPECT_EQ(FileBytes(folder / "a.tif").substr(0, 4), std::string("II*\0", 4));
             const std::string text = AnswerOf("tiffinfo " + Path());
             for (const std::string& line :
                  {std::string("Image Width: 301 Image Length: 200"), std::string("Bits/Sample: 8"),

@@ -81,6 +81,16 @@ TEST_F(WebPWriter, MoreEffortGivesSmallerFilesWithoutLossAndTheQualityDoesNotMat
     EXPECT_EQ(Signal(), 1000);
 }
 
+TEST_F(WebPWriter, EachEffortGivesAnotherFileWithLossOfLikeQuality)
+{
+    const std::string standard = Written(false, 90, 4);
+    const double signal = Signal();
+    for (const u32 effort : {0u, 2u, 6u}) {
+        EXPECT_FALSE(Written(false, 90, effort) == standard) << effort;
+        EXPECT_NEAR(Signal(), signal, 3) << effort;
+    }
+}
+
 TEST_F(WebPWriter, WithoutStoredSettingsItIsNinetyWithLossAndWildOnesComeIntoRange)
 {
     Raster image;
