@@ -8,6 +8,11 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <TestPaths.h>
 
 using plugintest::ByteStream;
 using plugintest::Canvas;
@@ -301,6 +306,28 @@ TEST_F(JpegReader, DecodesQuicklyAtAHalfAQuarterOrAnEighth)
     Canvas canvas;
     EXPECT_EQ(DecodeFast(plugin, nullptr, &stream, canvas), 1);
     EXPECT_EQ(canvas.width, 13u);
+}
+
+TEST_F(JpegReader, QuickDecodeOfEveryKeptFileFailsWhereTheWholeOneDoes)
+{
+    const auto folder = std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs/jpeg";
+    for (const uint32_t divisor : {2u, 8u})
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            CurrentHost().settings[u"JpegInputFastDivisor"] = divisor;
+            std::ifstream in(entry.path(), std::ios::binary);
+            const std::string file(std::istreambuf_iterator<char>(in), {});
+            ByteStream stream(file);
+            Canvas whole;
+            whole.forgets = true;
+            const int32_t expected = Decode(plugin, stream, whole);
+            ByteStream again(file);
+            Canvas canvas;
+            canvas.forgets = true;
+            const int32_t got = DecodeFast(plugin, nullptr, &again, canvas);
+            EXPECT_EQ(got < 0, expected < 0) << entry.path() << ": " << got;
+            EXPECT_EQ(canvas.allocations, whole.allocations) << entry.path();
+            EXPECT_LT(canvas.peak.Most(), size_t{12} << 20) << entry.path();
+        }
 }
 
 TEST_F(JpegReader, QuickDecodeOfAPathThatIsNotThereFails)

@@ -194,6 +194,28 @@ TEST_P(BrokenFormat, IsNegativeForEveryFileThatBreaksOff)
     EXPECT_LT(Decode(plugin, almost, canvas), 0);
 }
 
+TEST_P(BrokenFormat, SurvivesSingleByteChanges)
+{
+    // No expectation but the sanitizers', a bounded picture and an end. In every byte of the start,
+    // where the headers are, and here and there behind it.
+    const std::string file = moderntest::Input(
+        GetParam(), GetParam().name == std::string("Jxl") ? "good-lossy" : GetParam().plain);
+    constexpr size_t startBytes = 150;
+    const size_t step = file.size() / 200 + 1;
+    for (size_t at = 0; at < file.size(); at += at < startBytes ? 1 : step) {
+        std::string changed = file;
+        changed[at] = static_cast<char>(changed[at] ^ (at % 3 == 0   ? 0x01
+                                                       : at % 3 == 1 ? 0x80
+                                                                     : 0xff));
+        ByteStream stream(changed);
+        Canvas canvas;
+        canvas.forgets = true;
+        (void)Decode(plugin, stream, canvas);
+        ASSERT_LE(uint64_t{canvas.stride} * canvas.height, uint64_t{1} << 28) << at;
+        ASSERT_LT(canvas.peak.Most(), size_t{1} << 30) << at;
+    }
+}
+
 TEST_P(BrokenFormat, ReadsOnPastGarbageBehindThePicture)
 {
     ByteStream stream(Plain() + std::string(1000, '\0'));
