@@ -2,6 +2,8 @@
 
 #include <stdlib.h>
 
+#include <string.h>
+
 namespace
 {
 
@@ -75,13 +77,36 @@ void ConvertPalette(const PictureReader& reader, const uint8_t* line, uint8_t* r
     }
 }
 
-void ConvertBytes(uint32_t width, uint32_t step, const uint8_t* line, uint8_t* rgb)
+template <uint32_t step>
+void ConvertBytes(const PictureReader& reader, const uint8_t* __restrict line,
+                  uint8_t* __restrict rgb)
 {
-    for (uint32_t x = 0; x < width; ++x, line += step, rgb += 3) {
-        rgb[0] = line[2];
-        rgb[1] = line[1];
-        rgb[2] = line[0];
+    for (uint32_t x = 0; x < reader.width; ++x) {
+        rgb[3 * x] = line[step * x + 2];
+        rgb[3 * x + 1] = line[step * x + 1];
+        rgb[3 * x + 2] = line[step * x];
     }
+}
+
+void CopyBytes(const PictureReader& reader, const uint8_t* line, uint8_t* bgr)
+{
+    memcpy(bgr, line, RowBytes(reader));
+}
+
+using Convert = void (*)(const PictureReader& reader, const uint8_t* line, uint8_t* row);
+
+bool ReadLine(PictureReader* reader, uint32_t y, Convert convert, uint8_t* row)
+{
+    const auto number = static_cast<int32_t>(y);
+    void* line = nullptr;
+    uint32_t count = 1;
+    if (reader->rasters->RasterLockLines(reader->image, number, &line, &count) < 1 || count != 1 ||
+        !line)
+        return Fail(reader, WriteProblem::Line);
+    convert(*reader, static_cast<const uint8_t*>(line), row);
+    // A line that cannot go back to its file is lost to the picture, whatever was read of it.
+    return reader->rasters->RasterUnlockLines(reader->image, number, 1) >= 1 ||
+           Fail(reader, WriteProblem::Line);
 }
 
 } // namespace
@@ -110,18 +135,13 @@ bool OpenPicture(PictureReader* reader, RasterFunctionTable* rasters,
 
 bool ReadRow(PictureReader* reader, uint32_t y, uint8_t* rgb)
 {
-    const auto number = static_cast<int32_t>(y);
-    void* line = nullptr;
-    uint32_t count = 1;
-    if (reader->rasters->RasterLockLines(reader->image, number, &line, &count) < 1 || count != 1 ||
-        !line)
-        return Fail(reader, WriteProblem::Line);
-    const auto* bytes = static_cast<const uint8_t*>(line);
-    if (reader->depth == 8)
-        ConvertPalette(*reader, bytes, rgb);
-    else
-        ConvertBytes(reader->width, reader->depth / 8, bytes, rgb);
-    // A line that cannot go back to its file is lost to the picture, whatever was read of it.
-    return reader->rasters->RasterUnlockLines(reader->image, number, 1) >= 1 ||
-           Fail(reader, WriteProblem::Line);
+    const Convert convert = reader->depth == 8    ? ConvertPalette
+                            : reader->depth == 24 ? ConvertBytes<3>
+                                                  : ConvertBytes<4>;
+    return ReadLine(reader, y, convert, rgb);
+}
+
+bool ReadHostRow(PictureReader* reader, uint32_t y, uint8_t* bgr)
+{
+    return ReadLine(reader, y, CopyBytes, bgr);
 }

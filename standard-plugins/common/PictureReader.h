@@ -45,3 +45,5 @@ inline size_t RowBytes(const PictureReader& reader)
 }
 /// Fills `rgb` with line `y`, counted from 0 at the top. False with `problem` Line.
 bool ReadRow(PictureReader* reader, uint32_t y, uint8_t* rgb);
+/// The same in the host's order, blue first; of a picture of 24 bits alone.
+bool ReadHostRow(PictureReader* reader, uint32_t y, uint8_t* bgr);

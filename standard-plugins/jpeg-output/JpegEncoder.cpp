@@ -129,7 +129,8 @@ void StartCodec(JpegEncode* encode)
     codec->image_width = encode->picture.width;
     codec->image_height = encode->picture.height;
     codec->input_components = components;
-    codec->in_color_space = JCS_RGB;
+    // The library takes the host's order as it is.
+    codec->in_color_space = encode->picture.depth == 24 ? JCS_EXT_BGR : JCS_RGB;
     jpeg_set_defaults(codec);
     jpeg_set_quality(codec, static_cast<int>(encode->choice.quality), TRUE);
     codec->dct_method = JDCT_ISLOW;
@@ -144,7 +145,10 @@ void WriteRows(JpegEncode* encode)
     jpeg_compress_struct* codec = &encode->writing.codec;
     while (codec->next_scanline < codec->image_height) {
         const uint32_t y = codec->next_scanline;
-        if (!ReadRow(&encode->picture, y, encode->row))
+        const bool read = codec->in_color_space == JCS_EXT_BGR
+                              ? ReadHostRow(&encode->picture, y, encode->row)
+                              : ReadRow(&encode->picture, y, encode->row);
+        if (!read)
             LeaveWriting(&encode->writing, encode->picture.problem);
         JSAMPROW row = encode->row;
         if (jpeg_write_scanlines(codec, &row, 1) != 1)
