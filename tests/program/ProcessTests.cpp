@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <regex>
+#include <sys/stat.h>
 
 #include <TestPaths.h>
 
@@ -88,6 +89,24 @@ TEST(Process, AMissingFileStartsEmptyAndSilent)
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.output, "");
     EXPECT_FALSE(QImage(QString::fromStdString(ShotPath())).isNull());
+}
+
+TEST(Process, WhatIsNoFileOfPixelsStartsEmptyAndHoldsNothingUp)
+{
+    const std::string home = TestHome();
+    fs::create_directory(home + "/folder.png");
+    ASSERT_EQ(mkfifo((home + "/pipe.png").c_str(), 0600), 0);
+    fs::create_symlink("nowhere", home + "/link.png");
+    fs::create_symlink("/dev/zero", home + "/endless.png");
+    std::ofstream(home + "/empty.png").flush();
+    for (const std::string name : {"folder", "pipe", "link", "endless", "empty"}) {
+        fs::remove(ShotPath());
+        const ProcessResult result =
+            RunTavrix({home + "/" + name + ".png"}, {{"TAVRIX_SHOT", ShotPath()}});
+        EXPECT_EQ(result.exitCode, 0) << name;
+        EXPECT_EQ(result.output, "") << name;
+        EXPECT_FALSE(QImage(QString::fromStdString(ShotPath())).isNull()) << name;
+    }
 }
 
 TEST(Process, HelpAndVersionNeedNoDisplay)
