@@ -7,7 +7,12 @@
 
 #include "foundation/Types.h"
 
-constexpr u32 DitherTableSize = 4096;
+constexpr u32 DitherSide = 4; // of the matrix
+constexpr u32 DitherEntries = 256;
+constexpr u32 DitherTableSize = DitherSide * DitherSide * DitherEntries;
+
+/// The threshold of a pixel, 0 to 7.
+u8 DitherThreshold(u32 x, u32 y);
 
 /// Entry v of the sub-table of a place with threshold t becomes (v + t) & ~7, at most 255.
 void FillDitherTable(u8* table);

@@ -5,6 +5,7 @@
 #include "image/Raster.h"
 #include "pixel/NormalizeRect.h"
 #include "pixel/RowWalk.h"
+#include "pixel/StretchRow.h"
 
 #include <algorithm>
 #include <math.h>
@@ -90,24 +91,15 @@ void TakeClip(Axis* axis, f64 clipLow, f64 clipHigh, u32 size, u32 targetSize)
     TakePart(axis, first, last - first + 1, size, targetSize);
 }
 
-void StretchRow(u8* target, const u8* source, const Axis& columns)
-{
-    target += size_t{3} * static_cast<u32>(columns.to + columns.first);
-    u8* const end = target + size_t{3} * static_cast<u32>(columns.count);
-    const u32 step = columns.step;
-    u32 position = columns.start + static_cast<u32>(columns.first) * step;
-    for (; target != end; target += 3, position += step) {
-        const u8* const pixel = source + size_t{3} * (position >> 16);
-        target[0] = pixel[0];
-        target[1] = pixel[1];
-        target[2] = pixel[2];
-    }
-}
-
-void StretchRows(Raster* source, Raster* target, const Axis& columns, const Axis& rows)
+void StretchRows(Raster* source, u32 sourceStride, Raster* target, const Axis& columns,
+                 const Axis& rows)
 {
     if (columns.count < 1)
         return;
+    StretchColumns mapped;
+    MapColumns(&mapped, columns.start + static_cast<u32>(columns.first) * columns.step,
+               columns.step, static_cast<u32>(columns.count), sourceStride);
+    const size_t firstWritten = size_t{3} * static_cast<u32>(columns.to + columns.first);
     u32 position = rows.start + static_cast<u32>(rows.first) * rows.step;
     for (i32 i = 0; i < rows.count; ++i, position += rows.step) {
         const i32 targetLine = rows.to + rows.first + i;
@@ -118,7 +110,7 @@ void StretchRows(Raster* source, Raster* target, const Axis& columns, const Axis
         // drawn again. The target's line then stays locked until UnlockAll.
         if (LockPair(target, targetLine, &written, source, line, &read) < 1)
             return;
-        StretchRow(written, read, columns);
+        StretchRow24(written + firstWritten, read, mapped);
         (void)source->ReleaseLines(line, 1, 0);
         (void)target->ReleaseLines(targetLine, 1, 0);
     }
@@ -165,7 +157,7 @@ i32 Raster::StretchRect(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sourc
     Axis rows = MapAxis(from.top, from.bottom, into.top, into.bottom, to.height);
     TakeAll(&columns, info.width, to.width);
     TakeAll(&rows, info.height, to.height);
-    StretchRows(this, target, columns, rows);
+    StretchRows(this, info.stride, target, columns, rows);
     return Done;
 }
 
@@ -194,6 +186,6 @@ i32 Raster::StretchRegion(Raster* target, f64 sourceLeft, f64 sourceTop, f64 sou
     Axis rows = MapAxis(from.top, from.bottom, into.top, into.bottom, to.height);
     TakeClip(&columns, clip.left, clip.right, info.width, to.width);
     TakeClip(&rows, clip.top, clip.bottom, info.height, to.height);
-    StretchRows(this, target, columns, rows);
+    StretchRows(this, info.stride, target, columns, rows);
     return Done;
 }

@@ -2,6 +2,7 @@
 
 #include "foundation/MemoryGauge.h"
 #include "image/Raster.h"
+#include "pixel/RowKernels.h"
 
 #include <algorithm>
 #include <string.h>
@@ -50,6 +51,30 @@ i32 CrossRow(const Crossing& crossing, u32 y)
     return Done;
 }
 
+// Some columns from `x` on of `count` rows from `first` on: `crossed` of them.
+i32 CrossColumns(const Crossing& crossing, u8* const* read, u32 first, u32 count, u32 x,
+                 u32* crossed)
+{
+    // Four by four, where 16 bytes can be read of the last four.
+    const bool wide = x + 6 <= crossing.columns;
+    u8* written[4] = {};
+    *crossed = wide ? 4 : 1;
+    const i32 status = crossing.target->LockLines(static_cast<i32>(x), written, crossed);
+    if (status < 1)
+        return status;
+    for (u32 n = 0; n < *crossed; ++n)
+        written[n] += size_t{3} * first;
+    const u32 fours = *crossed == 4 ? count & ~u32{3} : 0;
+    if (fours > 0)
+        Kernels().crossFour24(written, read, x, fours);
+    for (u32 n = 0; n < *crossed; ++n) {
+        for (u32 i = fours; i < count; ++i)
+            CopyPixel(written[n] + size_t{3} * i, read[i] + size_t{3} * (x + n));
+        (void)crossing.target->ReleaseLines(static_cast<i32>(x + n), 1, 0);
+    }
+    return status;
+}
+
 // As CrossRow for `count` rows, where no line leaves memory and every line of the target is there.
 // A row that cannot be locked ends it; the rows before it are done.
 i32 CrossBlock(const Crossing& crossing, u32 first, u32 count)
@@ -58,15 +83,11 @@ i32 CrossBlock(const Crossing& crossing, u32 first, u32 count)
     u32 held = count;
     const i32 status = crossing.source->LockLines(static_cast<i32>(first), read, &held);
     const u32 copied = first < crossing.rows ? std::min(held, crossing.rows - first) : 0;
-    for (u32 x = 0; x < crossing.columns && copied > 0; ++x) {
-        const i32 column = static_cast<i32>(x);
-        u8* written = nullptr;
-        const i32 locked = crossing.target->LockLines(column, &written, nullptr);
+    u32 crossed = 0;
+    for (u32 x = 0; x < crossing.columns && copied > 0; x += crossed) {
+        const i32 locked = CrossColumns(crossing, read, first, copied, x, &crossed);
         if (locked < 1)
             return locked;
-        for (u32 i = 0; i < copied; ++i)
-            CopyPixel(written + size_t{3} * (first + i), read[i] + size_t{3} * x);
-        (void)crossing.target->ReleaseLines(column, 1, 0);
     }
     // One by one: a run that reached the last line would release none.
     for (u32 i = 0; i < held; ++i)

@@ -1,0 +1,144 @@
+#include "pixel/PlainRows.h"
+
+#include "pixel/OrderedDither.h"
+
+#include <algorithm>
+#include <string.h>
+
+namespace
+{
+
+template <u32 Step>
+void BlendMaskRow(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
+{
+    const u32 colorWeight = WeightOf(color);
+    const u32 blue = color.blue;
+    const u32 green = color.green;
+    const u32 red = color.red;
+    for (size_t i = 0; i < count; ++i, pixels += Step) {
+        const u32 weight = mask[i] * colorWeight;
+        const u32 kept = 0x10000 - weight;
+        pixels[0] = static_cast<u8>((kept * pixels[0] + weight * blue) >> 16);
+        pixels[1] = static_cast<u8>((kept * pixels[1] + weight * green) >> 16);
+        pixels[2] = static_cast<u8>((kept * pixels[2] + weight * red) >> 16);
+    }
+}
+
+// The source's weight and the picture's make 256.
+u8 Mix(u32 source, u32 old, u32 alpha)
+{
+    return static_cast<u8>((source * (alpha + 1) + old * (255 - alpha)) >> 8);
+}
+
+template <u32 Step>
+void CompositeRow(u8* target, const u8* source, size_t count)
+{
+    for (size_t i = 0; i < count; ++i, target += Step, source += 4) {
+        const u32 alpha = source[3];
+        target[0] = Mix(source[0], target[0], alpha);
+        target[1] = Mix(source[1], target[1], alpha);
+        target[2] = Mix(source[2], target[2], alpha);
+    }
+}
+
+void DitherPixel(u8* target, const u8* source, const u8* entries)
+{
+    target[0] = entries[source[0]];
+    target[1] = entries[source[1]];
+    target[2] = entries[source[2]];
+}
+
+} // namespace
+
+namespace plain
+{
+
+void StoreRow24(u8* pixels, size_t count, const ColorBytes& color)
+{
+    const u8 blue = color.blue;
+    const u8 green = color.green;
+    const u8 red = color.red;
+    for (size_t i = 0; i < count; ++i, pixels += 3) {
+        pixels[0] = blue;
+        pixels[1] = green;
+        pixels[2] = red;
+    }
+}
+
+void BlendRow24(u8* pixels, size_t count, const ColorBlend& blend)
+{
+    const u32 blue = blend.added[0];
+    const u32 green = blend.added[1];
+    const u32 red = blend.added[2];
+    const u32 kept = blend.kept;
+    for (size_t i = 0; i < count; ++i, pixels += 3) {
+        pixels[0] = static_cast<u8>((blue + kept * pixels[0]) >> 8);
+        pixels[1] = static_cast<u8>((green + kept * pixels[1]) >> 8);
+        pixels[2] = static_cast<u8>((red + kept * pixels[2]) >> 8);
+    }
+}
+
+void InvertRow24(u8* pixels, size_t count)
+{
+    for (size_t i = 0; i < 3 * count; ++i)
+        pixels[i] = static_cast<u8>(255 - pixels[i]);
+}
+
+void BlendMaskRow24(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
+{
+    BlendMaskRow<3>(pixels, mask, count, color);
+}
+
+void BlendMaskRow32(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
+{
+    BlendMaskRow<4>(pixels, mask, count, color);
+}
+
+void ReverseRow24(u8* pixels, size_t count)
+{
+    u8* right = pixels + 3 * count;
+    for (size_t i = 0; i < count / 2; ++i, pixels += 3) {
+        right -= 3;
+        std::swap_ranges(pixels, pixels + 3, right);
+    }
+}
+
+void CopyMaskedRow24(u8* target, const u8* source, const u8* mask, size_t count)
+{
+    for (size_t i = 0; i < count; ++i, target += 3, source += 3) {
+        const u32 alpha = mask[i];
+        target[0] = Mix(source[0], target[0], alpha);
+        target[1] = Mix(source[1], target[1], alpha);
+        target[2] = Mix(source[2], target[2], alpha);
+    }
+}
+
+void CompositeRow24(u8* target, const u8* source, size_t count)
+{
+    CompositeRow<3>(target, source, count);
+}
+
+void CompositeRow32(u8* target, const u8* source, size_t count)
+{
+    CompositeRow<4>(target, source, count);
+}
+
+void DitherRow(u8* target, const u8* source, u32 columns, const u8* table, u32 y)
+{
+    const u8* const entries = table + (y % DitherSide) * DitherSide * DitherEntries;
+    for (; columns >= DitherSide;
+         columns -= DitherSide, target += 3 * DitherSide, source += 3 * DitherSide)
+        for (u32 x = 0; x < DitherSide; ++x)
+            DitherPixel(target + 3 * x, source + 3 * x, entries + x * DitherEntries);
+    for (u32 x = 0; x < columns; ++x)
+        DitherPixel(target + 3 * x, source + 3 * x, entries + x * DitherEntries);
+}
+
+void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count)
+{
+    for (size_t n = 0; n < 4; ++n)
+        for (size_t i = 0; i < count; ++i)
+            memcpy(targets[n] + 3 * i, sources[i] + 3 * (column + n), 3);
+}
+
+} // namespace plain

@@ -1,0 +1,212 @@
+// The rows' loops of every level of the processor against the plain ones: every count up to some
+// blocks and long rows, every place of the first byte, and not a byte beside the row.
+
+#include "pixel/OrderedDither.h"
+#include "pixel/PlainRows.h"
+#include "pixel/RowKernels.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+namespace
+{
+
+using Bytes = std::vector<u8>;
+
+constexpr size_t Beside = 64; // bytes around each row
+
+class RowKernelsTest : public testing::TestWithParam<ProcessorLevel>
+{
+protected:
+    void SetUp() override
+    {
+        kernels = KernelsOf(GetParam());
+        if (kernels == nullptr)
+            GTEST_SKIP() << "this processor lacks the level";
+    }
+
+    /// Ends of the scale come up often, since sums are at their limits there.
+    Bytes Random(size_t count)
+    {
+        Bytes bytes(count);
+        for (u8& byte : bytes) {
+            const u32 number = static_cast<u32>(random());
+            byte = number % 4 == 0 ? 0 : number % 4 == 1 ? 255 : static_cast<u8>(number >> 8);
+        }
+        return bytes;
+    }
+
+    /// `draw(kernel's or plain's choice, first byte, count)` on two copies of the same bytes.
+    template <typename Draw>
+    void ExpectSame(size_t step, const Draw& draw)
+    {
+        std::vector<size_t> counts = {255, 256, 1000, 4099};
+        for (size_t count = 0; count <= 101; ++count)
+            counts.push_back(count);
+        for (const size_t count : counts)
+            for (size_t place = 0; place<16; place += count> 101 ? 5 : 1) {
+                Bytes drawn = Random(2 * Beside + step * count);
+                Bytes expected = drawn;
+                draw(true, drawn.data() + Beside + place - 8, count);
+                draw(false, expected.data() + Beside + place - 8, count);
+                ASSERT_EQ(drawn, expected) << count << " pixels at place " << place;
+            }
+    }
+
+    const RowKernels* kernels = nullptr;
+    std::mt19937 random{1};
+};
+
+std::string NameOf(const testing::TestParamInfo<ProcessorLevel>& entry)
+{
+    constexpr const char* names[] = {"Plain", "Sse41", "Avx2"};
+    return names[static_cast<int>(entry.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(Level, RowKernelsTest,
+                         testing::Values(ProcessorLevel::Plain, ProcessorLevel::Sse41,
+                                         ProcessorLevel::Avx2),
+                         NameOf);
+
+constexpr ColorBytes colors[] = {
+    {1, 2, 3, 255}, {255, 0, 128, 0}, {0, 255, 255, 127}, {200, 100, 50, 128}, {9, 99, 199, 254}};
+
+} // namespace
+
+TEST_P(RowKernelsTest, StoresOneColour)
+{
+    for (const ColorBytes& color : colors)
+        ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+            (fast ? kernels->storeRow24 : plain::StoreRow24)(row, count, color);
+        });
+}
+
+TEST_P(RowKernelsTest, BlendsOneColour)
+{
+    for (const ColorBytes& color : colors)
+        ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+            (fast ? kernels->blendRow24 : plain::BlendRow24)(row, count, BlendOf(color));
+        });
+}
+
+TEST_P(RowKernelsTest, InvertsEachByte)
+{
+    ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+        (fast ? kernels->invertRow24 : plain::InvertRow24)(row, count);
+    });
+}
+
+TEST_P(RowKernelsTest, ExchangesThePixelsEndForEnd)
+{
+    ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+        (fast ? kernels->reverseRow24 : plain::ReverseRow24)(row, count);
+    });
+}
+
+TEST_P(RowKernelsTest, BlendsThroughAMask)
+{
+    const Bytes masks[] = {Random(5000), Bytes(5000, 0), Bytes(5000, 255)};
+    for (const ColorBytes& color : colors)
+        for (const Bytes& mask : masks)
+            ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+                const u8* cells = mask.data() + count % 17;
+                (fast ? kernels->blendMaskRow24 : plain::BlendMaskRow24)(row, cells, count, color);
+            });
+}
+
+TEST_P(RowKernelsTest, BlendsByEveryWeightOnEveryByte)
+{
+    // Each byte of the picture under each byte of the mask, for some colours of every alpha.
+    for (u32 alpha = 0; alpha < 256; alpha += 5)
+        for (const u8 level : {0, 1, 100, 254, 255}) {
+            const ColorBytes color = {level, static_cast<u8>(255 - level), 77,
+                                      static_cast<u8>(alpha)};
+            for (u32 cell = 0; cell < 256; cell += 3) {
+                const Bytes mask(86, static_cast<u8>(cell));
+                Bytes drawn(258);
+                for (size_t i = 0; i < drawn.size(); ++i)
+                    drawn[i] = static_cast<u8>(i);
+                Bytes expected = drawn;
+                kernels->blendMaskRow24(drawn.data(), mask.data(), mask.size(), color);
+                plain::BlendMaskRow24(expected.data(), mask.data(), mask.size(), color);
+                ASSERT_EQ(drawn, expected) << alpha << " " << u32{level} << " " << cell;
+            }
+        }
+}
+
+TEST_P(RowKernelsTest, CopiesThroughAMask)
+{
+    const Bytes source = Random(15000);
+    const Bytes mask = Random(5000);
+    ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+        (fast ? kernels->copyMaskedRow24 : plain::CopyMaskedRow24)(row, source.data() + count % 13,
+                                                                   mask.data() + count % 17, count);
+    });
+}
+
+TEST_P(RowKernelsTest, LaysAPictureOverAnotherByItsAlpha)
+{
+    const Bytes source = Random(20000);
+    ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+        (fast ? kernels->compositeRow24 : plain::CompositeRow24)(row, source.data() + count % 13,
+                                                                 count);
+    });
+}
+
+TEST_P(RowKernelsTest, DithersEachRowOfTheMatrix)
+{
+    u8 table[DitherTableSize];
+    FillDitherTable(table);
+    Bytes source = Random(15000);
+    for (size_t i = 0; i < 3 * 256 * 4; ++i) // each value at each threshold
+        source[100 + i] = static_cast<u8>(i / 3 / 4 + (i / 3 % 4) * 64);
+    for (u32 y = 0; y < 4; ++y)
+        ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+            (fast ? kernels->ditherRow : plain::DitherRow)(row, source.data() + 100,
+                                                           static_cast<u32>(count), table, y);
+        });
+}
+
+TEST_P(RowKernelsTest, ExchangesRowsAndColumnsOfFour)
+{
+    constexpr size_t width = 20;
+    for (const size_t count : {size_t{4}, size_t{8}, size_t{64}, size_t{128}})
+        for (size_t column = 0; column + 6 <= width; ++column) {
+            std::vector<Bytes> rows;
+            std::vector<const u8*> sources;
+            for (size_t i = 0; i < count; ++i)
+                rows.push_back(Random(3 * width));
+            for (const Bytes& row : rows)
+                sources.push_back(row.data());
+            Bytes lines[2][4];
+            for (int fast = 0; fast < 2; ++fast) {
+                u8* targets[4];
+                for (size_t n = 0; n < 4; ++n) {
+                    lines[fast][n].assign(3 * count + 8, 77);
+                    targets[n] = lines[fast][n].data() + 4;
+                }
+                (fast ? kernels->crossFour24 : plain::CrossFour24)(targets, sources.data(), column,
+                                                                   count);
+            }
+            for (size_t n = 0; n < 4; ++n)
+                ASSERT_EQ(lines[1][n], lines[0][n]) << count << " rows, column " << column + n;
+            EXPECT_EQ(lines[0][3][4 + 3], rows[1][3 * (column + 3)]);
+        }
+}
+
+TEST(ProcessorLevels, TheHighestThatIsThereIsInUse)
+{
+    const RowKernels* highest = KernelsOf(ProcessorLevel::Plain);
+    ASSERT_NE(highest, nullptr);
+    for (const ProcessorLevel level : {ProcessorLevel::Sse41, ProcessorLevel::Avx2})
+        if (const RowKernels* kernels = KernelsOf(level))
+            highest = kernels;
+    EXPECT_EQ(&Kernels(), highest);
+    EXPECT_TRUE(UseLevel(ProcessorLevel::Plain));
+    EXPECT_EQ(&Kernels(), KernelsOf(ProcessorLevel::Plain));
+    for (const ProcessorLevel level : {ProcessorLevel::Sse41, ProcessorLevel::Avx2})
+        EXPECT_EQ(UseLevel(level), KernelsOf(level) != nullptr);
+    EXPECT_EQ(&Kernels(), highest);
+}
