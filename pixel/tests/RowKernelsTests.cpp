@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <random>
 #include <vector>
 
@@ -14,6 +15,19 @@ namespace
 {
 
 using Bytes = std::vector<u8>;
+
+/// The whole program's tests run at the level that TAVRIX_TEST_PROCESSOR names, 0 for the plain
+/// one.
+class ChosenLevel : public testing::Environment
+{
+public:
+    void SetUp() override
+    {
+        if (const char* level = std::getenv("TAVRIX_TEST_PROCESSOR"))
+            (void)UseLevel(static_cast<ProcessorLevel>(level[0] - '0'));
+    }
+};
+const auto* const chosenLevel = testing::AddGlobalTestEnvironment(new ChosenLevel);
 
 constexpr size_t Beside = 64; // bytes around each row
 
@@ -198,6 +212,8 @@ TEST_P(RowKernelsTest, ExchangesRowsAndColumnsOfFour)
 
 TEST(ProcessorLevels, TheHighestThatIsThereIsInUse)
 {
+    if (std::getenv("TAVRIX_TEST_PROCESSOR"))
+        GTEST_SKIP() << "another was chosen";
     const RowKernels* highest = KernelsOf(ProcessorLevel::Plain);
     ASSERT_NE(highest, nullptr);
     for (const ProcessorLevel level : {ProcessorLevel::Sse41, ProcessorLevel::Avx2})
