@@ -27,6 +27,11 @@ VECTOR inline void Store(u8* bytes, __m128i vector)
     _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), vector);
 }
 
+VECTOR inline __m128i LoadEight(const u8* bytes)
+{
+    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes));
+}
+
 // A byte for each of 16 pixels, three times.
 VECTOR inline void Triple(__m128i bytes, __m128i* out)
 {
@@ -45,10 +50,23 @@ VECTOR inline void Join(const __m128i* twelves, __m128i* out)
     out[2] = _mm_or_si128(_mm_srli_si128(twelves[2], 8), _mm_slli_si128(twelves[3], 4));
 }
 
-// The numbers of three channels over and over, as they lie in 16 pixels.
-VECTOR inline void Repeat(u32 blue, u32 green, u32 red, Wide* out)
+// Bytes of three channels over and over, as they lie in 16 pixels.
+VECTOR inline void RepeatBytes(const ColorBytes& color, Wide* out)
 {
-    const u32 channels[] = {blue, green, red};
+    const __m128i one =
+        _mm_setr_epi8(static_cast<char>(color.blue), static_cast<char>(color.green),
+                      static_cast<char>(color.red), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
+    out[0] =
+        Widen(_mm_shuffle_epi8(one, _mm_setr_epi8(0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0)));
+    out[1] =
+        Widen(_mm_shuffle_epi8(one, _mm_setr_epi8(1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1)));
+    out[2] =
+        Widen(_mm_shuffle_epi8(one, _mm_setr_epi8(2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2, 0, 1, 2)));
+}
+
+// The same of numbers.
+VECTOR inline void Repeat(const u32* channels, Wide* out)
+{
     alignas(32) u16 numbers[Pixels * 3];
     for (size_t i = 0; i < Pixels * 3; ++i)
         numbers[i] = static_cast<u16>(channels[i % 3]);
@@ -68,7 +86,7 @@ VECTOR void StoreRow24(u8* pixels, size_t count, const ColorBytes& color)
 VECTOR void BlendRow24(u8* pixels, size_t count, const ColorBlend& blend)
 {
     Wide added[Vectors];
-    Repeat(blend.added[0], blend.added[1], blend.added[2], added);
+    Repeat(blend.added, added);
     const Wide kept = Splat(blend.kept);
     for (; count >= Pixels; count -= Pixels, pixels += 3 * Pixels)
         for (size_t i = 0; i < Vectors; ++i) {
@@ -98,24 +116,60 @@ VECTOR inline Wide Approach(Wide old, Wide color, Wide weight)
     return Add(old, Subtract(high, And(weight, SignsOf(difference))));
 }
 
+VECTOR inline void BlendSixteen(u8* pixels, __m128i cells, const Wide* wanted, Wide colorWeight)
+{
+    if (_mm_testz_si128(cells, cells))
+        return;
+    __m128i tripled[Vectors];
+    Triple(cells, tripled);
+    for (size_t i = 0; i < Vectors; ++i) {
+        u8* const at = pixels + 16 * i;
+        const Wide weight = Multiply(Widen(tripled[i]), colorWeight);
+        Store(at, Narrow(Approach(Widen(Load(at)), wanted[i], weight)));
+    }
+}
+
+VECTOR inline void BlendEight(u8* pixels, __m128i cells, const Wide* wanted, Wide colorWeight)
+{
+    __m128i tripled[Vectors];
+    Triple(cells, tripled);
+    const Wide weight = Multiply(Widen(tripled[0]), colorWeight);
+    const __m128i first = Narrow(Approach(Widen(Load(pixels)), wanted[0], weight));
+    u8* const rest = pixels + 16;
+    const Wide restWeight = Multiply(Widen(tripled[1]), colorWeight);
+    const __m128i second = Narrow(Approach(Widen(LoadEight(rest)), wanted[1], restWeight));
+    Store(pixels, first);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(rest), second);
+}
+
+// A cell of 0 leaves its pixel as it is: so a row's end is one more block that reaches back over
+// pixels that are done.
+alignas(16) constexpr u8 lastCells[2 * Pixels] = {
+    0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0,
+    255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255};
+
 VECTOR void BlendMaskRow24(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
 {
+    constexpr size_t half = Pixels / 2;
+    if (count < half)
+        return plain::BlendMaskRow24(pixels, mask, count, color);
     Wide wanted[Vectors];
-    Repeat(color.blue, color.green, color.red, wanted);
+    RepeatBytes(color, wanted);
     const Wide colorWeight = Splat(WeightOf(color));
-    for (; count >= Pixels; count -= Pixels, pixels += 3 * Pixels, mask += Pixels) {
-        const __m128i cells = Load(mask);
-        if (_mm_testz_si128(cells, cells))
-            continue;
-        __m128i tripled[Vectors];
-        Triple(cells, tripled);
-        for (size_t i = 0; i < Vectors; ++i) {
-            u8* const at = pixels + 16 * i;
-            const Wide weight = Multiply(Widen(tripled[i]), colorWeight);
-            Store(at, Narrow(Approach(Widen(Load(at)), wanted[i], weight)));
-        }
+    if (count < Pixels) {
+        const size_t left = count - half;
+        BlendEight(pixels, LoadEight(mask), wanted, colorWeight);
+        BlendEight(pixels + 3 * left,
+                   _mm_and_si128(LoadEight(mask + left), LoadEight(lastCells + half + left)),
+                   wanted, colorWeight);
+        return;
     }
-    plain::BlendMaskRow24(pixels, mask, count, color);
+    const u8* const end = mask + count;
+    for (; mask + Pixels <= end; mask += Pixels, pixels += 3 * Pixels)
+        BlendSixteen(pixels, Load(mask), wanted, colorWeight);
+    const auto left = static_cast<size_t>(end - mask);
+    BlendSixteen(pixels - 3 * (Pixels - left),
+                 _mm_and_si128(Load(end - Pixels), Load(lastCells + left)), wanted, colorWeight);
 }
 
 // 16 pixels end for end.
