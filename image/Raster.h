@@ -13,6 +13,7 @@
 // out, after which that line's data is lost until Reset and the picture may be damaged.
 #pragma once
 
+#include "foundation/MemoryGauge.h"
 #include "image/DrawingContext.h"
 #include "image/LineTable.h"
 #include "image/PixelRect.h"
@@ -65,6 +66,38 @@ public:
     /// reaches the last line is cut to height - line - count, so that releasing the last line alone
     /// does nothing. NothingDone when a line could not be written.
     i32 ReleaseLines(i32 line, u32 count, i32 force);
+    /// LockLines of one line, and ReleaseLines of one without force, for loops over rows: those
+    /// two, with a short way for a line that is in memory and stays there. `out` is not null.
+    [[nodiscard]] i32 LockLine(i32 line, u8** out)
+    {
+        const u32 at = static_cast<u32>(line);
+        if (line < 0 || at >= records || at >= info.height || swapped[at] ||
+            lineRef[at] >= lineCount)
+            return LockLines(line, out, nullptr);
+        locked[at] = 1;
+        *out = lines[lineRef[at]];
+        return Done;
+    }
+    i32 ReleaseLine(i32 line)
+    {
+        // The last line is not let go of.
+        const u64 at = static_cast<u32>(line);
+        if (line < 0 || at >= records || at + 1 >= info.height ||
+            MemoryGauge::HasRoomFor(info.stride) < 1)
+            return ReleaseLines(line, 1, 0);
+        locked[at] = 0;
+        return Done;
+    }
+    /// Whether a line that is released stays in memory: memory is not short, or there is no folder.
+    bool KeepsLines() const
+    {
+        return primaryDir == nullptr || MemoryGauge::HasRoomFor(info.stride) > 0;
+    }
+    /// The addresses of lines that are all in memory and would stay there when released, for loops
+    /// over many short rows. They are not pinned. False, with `out` undefined, where one is not so.
+    [[nodiscard]] bool GetKeptLines(i64 line, u32 count, u8** out) const;
+    /// Leaves such lines as locking and releasing each would.
+    void PassKeptLines(i64 line, u32 count);
     /// Unpins every line and pages nothing.
     i32 UnlockAll();
     /// The palette, always present. BadArgument for null.

@@ -66,6 +66,28 @@ i32 Raster::ReleaseLines(i32 line, u32 count, i32 force)
     return Done;
 }
 
+bool Raster::GetKeptLines(i64 line, u32 count, u8** out) const
+{
+    const u32 end = info.height < records ? info.height : records;
+    if (line < 0 || line + count > end || !KeepsLines())
+        return false;
+    const u32* const inFile = swapped + line;
+    const uintptr_t* const physical = lineRef + line;
+    for (u32 i = 0; i < count; ++i) {
+        if (inFile[i] || physical[i] >= lineCount)
+            return false;
+        out[i] = lines[physical[i]];
+    }
+    return true;
+}
+
+void Raster::PassKeptLines(i64 line, u32 count)
+{
+    // The last line is not let go of.
+    for (u32 i = 0; i < count; ++i)
+        locked[line + i] = line + i + 1 == info.height;
+}
+
 i32 Raster::UnlockAll()
 {
     if (!created)

@@ -6,6 +6,8 @@
 #include "pixel/PlainRows.h"
 #include "pixel/RowKernels.h"
 #include "pixel/StretchRow.h"
+#include "pixel/TextCoverage.h"
+#include "pixel/VectorConstants.h"
 
 #include <immintrin.h>
 #include <string.h>
@@ -15,84 +17,141 @@
 namespace
 {
 
-using Wide = __m256i;
+#include "pixel/VectorLanes.h"
 
-VECTOR inline Wide LoadWide(const u16* numbers)
+namespace vector
 {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(numbers));
-}
 
-VECTOR inline Wide Widen(__m128i bytes)
-{
-    return _mm256_cvtepu8_epi16(bytes);
-}
+// As Lanes16 and what goes with it.
+struct Lanes32 {
+    enum : size_t { Bytes = 32 };
+    __m256i v;
 
-VECTOR inline __m128i Narrow(Wide wide)
-{
-    return _mm_packus_epi16(_mm256_castsi256_si128(wide), _mm256_extracti128_si256(wide, 1));
-}
-
-VECTOR inline Wide Splat(u32 number)
-{
-    return _mm256_set1_epi16(static_cast<short>(number));
-}
-
-VECTOR inline Wide Add(Wide a, Wide b)
-{
-    return _mm256_add_epi16(a, b);
-}
-
-VECTOR inline Wide Subtract(Wide a, Wide b)
-{
-    return _mm256_sub_epi16(a, b);
-}
-
-VECTOR inline Wide Multiply(Wide a, Wide b)
-{
-    return _mm256_mullo_epi16(a, b);
-}
-
-VECTOR inline Wide MultiplyHigh(Wide a, Wide b)
-{
-    return _mm256_mulhi_epu16(a, b);
-}
-
-VECTOR inline Wide And(Wide a, Wide b)
-{
-    return _mm256_and_si256(a, b);
-}
-
-VECTOR inline Wide ShiftRight8(Wide a)
-{
-    return _mm256_srli_epi16(a, 8);
-}
-
-VECTOR inline Wide SignsOf(Wide a)
-{
-    return _mm256_srai_epi16(a, 15);
-}
-
-// 32 pixels.
-struct Stripe {
-    __m256i vectors[3];
+    static VECTOR Lanes32 Load(const u8* bytes)
+    {
+        return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes))};
+    }
+    static VECTOR Lanes32 LoadNumbers(const u16* numbers)
+    {
+        return {_mm256_loadu_si256(reinterpret_cast<const __m256i*>(numbers))};
+    }
+    static VECTOR Lanes32 LoadSixteen(const u8* bytes) { return Repeat(Lanes16::Load(bytes).v); }
+    static VECTOR Lanes32 Repeat(__m128i sixteen) { return {_mm256_broadcastsi128_si256(sixteen)}; }
+    static VECTOR Lanes32 Splat(u32 number)
+    {
+        return {_mm256_set1_epi16(static_cast<short>(number))};
+    }
+    static VECTOR Lanes32 SplatByte(u32 byte)
+    {
+        return {_mm256_set1_epi8(static_cast<char>(byte))};
+    }
+    VECTOR void Store(u8* bytes) const
+    {
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), v);
+    }
+    VECTOR bool IsZero() const { return _mm256_testz_si256(v, v) != 0; }
 };
 
-VECTOR inline Stripe StripeOf(const ColorBytes& color)
+using Lanes = Lanes32;
+
+VECTOR inline Lanes32 Add(Lanes32 a, Lanes32 b)
 {
-    u8 bytes[96];
-    plain::StoreRow24(bytes, 32, color);
-    Stripe stripe;
-    for (int i = 0; i < 3; ++i)
-        stripe.vectors[i] = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes) + i);
-    return stripe;
+    return {_mm256_add_epi16(a.v, b.v)};
 }
 
-VECTOR inline void StoreStripe(u8* pixels, const Stripe& stripe)
+VECTOR inline Lanes32 AddBytes(Lanes32 a, Lanes32 b)
 {
-    auto* at = reinterpret_cast<__m256i*>(pixels);
-    for (int i = 0; i < 3; ++i)
-        _mm256_storeu_si256(at + i, stripe.vectors[i]);
+    return {_mm256_add_epi8(a.v, b.v)};
 }
+
+VECTOR inline Lanes32 AddBytesUpTo255(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_adds_epu8(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 Subtract(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_sub_epi16(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 Multiply(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_mullo_epi16(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 MultiplyHigh(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_mulhi_epu16(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 MultiplyHighSigned(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_mulhi_epi16(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 And(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_and_si256(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 Or(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_or_si256(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 Xor(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_xor_si256(a.v, b.v)};
+}
+
+template <int Bits>
+VECTOR inline Lanes32 ShiftLeft(Lanes32 a)
+{
+    return {_mm256_slli_epi16(a.v, Bits)};
+}
+
+template <int Bits>
+VECTOR inline Lanes32 ShiftRight(Lanes32 a)
+{
+    return {_mm256_srli_epi16(a.v, Bits)};
+}
+
+VECTOR inline Lanes32 SignsOf(Lanes32 a)
+{
+    return {_mm256_srai_epi16(a.v, 15)};
+}
+
+VECTOR inline Lanes32 EqualBytes(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_cmpeq_epi8(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 Choose(Lanes32 a, Lanes32 b, Lanes32 choice)
+{
+    return {_mm256_blendv_epi8(a.v, b.v, choice.v)};
+}
+
+VECTOR inline Lanes32 Shuffle(Lanes32 bytes, Lanes32 indices)
+{
+    return {_mm256_shuffle_epi8(bytes.v, indices.v)};
+}
+
+// May read 8 bytes more.
+VECTOR inline void LoadFours(const u8* pixels, Lanes32* out)
+{
+    const __m256i eight = Lanes32::Load(pixels).v;
+    out->v = _mm256_permutevar8x32_epi32(eight, _mm256_setr_epi32(0, 1, 2, 0, 3, 4, 5, 0));
+}
+
+VECTOR inline void StoreFours(u8* pixels, Lanes32 fours)
+{
+    const __m256i eight =
+        _mm256_permutevar8x32_epi32(fours.v, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), _mm256_castsi256_si128(eight));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(pixels + 16), _mm256_extracti128_si256(eight, 1));
+}
+
+} // namespace vector
 
 #include "pixel/VectorRows.h"
 

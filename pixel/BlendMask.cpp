@@ -7,6 +7,74 @@
 
 #include <algorithm>
 
+namespace
+{
+
+constexpr u32 BatchRows = 16;
+
+struct MaskedRows {
+    Raster* raster;
+    Raster* mask;
+    i64 line;     // of the raster, the first row that is not painted
+    i64 maskLine; // one above the mask's row 0 counts from the mask's end, as line numbers do
+    size_t firstByte;
+    size_t firstCell;
+    size_t count;
+    u32 depth;
+    ColorBytes color;
+};
+
+void BlendRows(const MaskedRows& at, u8** rows, u8** cells, u32 count)
+{
+    for (u32 i = 0; i < count; ++i) {
+        rows[i] += at.firstByte;
+        cells[i] += at.firstCell;
+    }
+    if (at.depth == 24)
+        BlendMaskRows24(rows, cells, count, at.count, at.color);
+    else
+        for (u32 i = 0; i < count; ++i)
+            BlendMaskRow32(rows[i], cells[i], at.count, at.color);
+}
+
+i32 PaintRow(const MaskedRows& at)
+{
+    u8* row = nullptr;
+    u8* cells = nullptr;
+    const i32 line = static_cast<i32>(at.line);
+    const i32 maskLine = static_cast<i32>(at.maskLine);
+    const i32 status = LockPair(at.raster, line, &row, at.mask, maskLine, &cells);
+    if (status < 1)
+        return status;
+    BlendRows(at, &row, &cells, 1);
+    (void)at.raster->ReleaseLine(line);
+    (void)at.mask->ReleaseLine(maskLine);
+    return Done;
+}
+
+// A batch comes to the same as its rows one by one.
+i32 PaintRows(const MaskedRows& at, u32 rows)
+{
+    u8* row[BatchRows];
+    u8* cells[BatchRows];
+    if (at.raster->GetKeptLines(at.line, rows, row) &&
+        at.mask->GetKeptLines(at.maskLine, rows, cells)) {
+        BlendRows(at, row, cells, rows);
+        at.raster->PassKeptLines(at.line, rows);
+        at.mask->PassKeptLines(at.maskLine, rows);
+        return Done;
+    }
+    MaskedRows next = at;
+    for (u32 i = 0; i < rows; ++i, ++next.line, ++next.maskLine) {
+        const i32 status = PaintRow(next);
+        if (status < 1)
+            return status;
+    }
+    return Done;
+}
+
+} // namespace
+
 i32 Raster::BlendMask(u32 color, PixelRect* rectangle, Raster* mask, i32 maskX, i32 maskY)
 {
     if (rectangle == nullptr || mask == nullptr)
@@ -33,25 +101,23 @@ i32 Raster::BlendMask(u32 color, PixelRect* rectangle, Raster* mask, i32 maskX, 
 
     // The mask has no cells left of its column 0, which leaves the pixels there as they are.
     const i64 missing = std::clamp<i64>(-maskLeft, 0, columns);
-    const size_t firstCell = static_cast<size_t>(std::max<i64>(maskLeft, 0));
-    const size_t firstByte = StepOf(info.depth) * static_cast<size_t>(cut.left + missing);
-    const size_t count = static_cast<size_t>(columns - missing);
-    const ColorBytes bytes = BytesOf(color);
-    for (i64 i = 0; i < rows; ++i) {
-        const i32 line = static_cast<i32>(cut.top + i);
-        // One above the mask's row 0 counts from the mask's end, as line numbers do.
-        const i32 maskLine = static_cast<i32>(maskTop + i);
-        u8* row = nullptr;
-        u8* cells = nullptr;
-        const i32 status = LockPair(this, line, &row, mask, maskLine, &cells);
+    MaskedRows at = {this,
+                     mask,
+                     cut.top,
+                     maskTop,
+                     StepOf(info.depth) * static_cast<size_t>(cut.left + missing),
+                     static_cast<size_t>(std::max<i64>(maskLeft, 0)),
+                     static_cast<size_t>(columns - missing),
+                     info.depth,
+                     BytesOf(color)};
+    for (i64 left = rows; left > 0;) {
+        const u32 batch = static_cast<u32>(std::min(left, i64{BatchRows}));
+        const i32 status = PaintRows(at, batch);
         if (status < 1)
             return status;
-        if (info.depth == 24)
-            BlendMaskRow24(row + firstByte, cells + firstCell, count, bytes);
-        else
-            BlendMaskRow32(row + firstByte, cells + firstCell, count, bytes);
-        (void)ReleaseLines(line, 1, 0);
-        (void)mask->ReleaseLines(maskLine, 1, 0);
+        at.line += batch;
+        at.maskLine += batch;
+        left -= batch;
     }
     return Done;
 }

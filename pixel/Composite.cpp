@@ -42,8 +42,8 @@ i32 Raster::CompositeTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32
             CompositeRow24(written + firstWritten, read + firstRead, count);
         else
             CompositeRow32(written + firstWritten, read + firstRead, count);
-        (void)target->ReleaseLines(targetLine, 1, 0);
-        (void)ReleaseLines(line, 1, 0);
+        (void)target->ReleaseLine(targetLine);
+        (void)ReleaseLine(line);
     }
     return Done;
 }

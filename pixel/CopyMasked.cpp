@@ -63,13 +63,13 @@ i32 Raster::CopyMasked(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 
         i32 status = LockPair(target, targetLine, &written, this, line, &read);
         if (status < 1)
             return status;
-        status = mask->LockLines(maskLine, &cells, nullptr);
+        status = mask->LockLine(maskLine, &cells);
         if (status < 1)
             return status;
         CopyMaskedRow24(written + firstWritten, read + firstRead, cells + firstCell, count);
-        (void)target->ReleaseLines(targetLine, 1, 0);
-        (void)ReleaseLines(line, 1, 0);
-        (void)mask->ReleaseLines(maskLine, 1, 0);
+        (void)target->ReleaseLine(targetLine);
+        (void)ReleaseLine(line);
+        (void)mask->ReleaseLine(maskLine);
     }
     return Done;
 }

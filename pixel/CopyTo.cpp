@@ -56,8 +56,8 @@ i32 Raster::CopyTo(i32 x, i32 y, i32 width, i32 height, Raster* target, i32 targ
         if (status < 1)
             return status;
         CopyRow(written, to.depth, read, info.depth, run);
-        (void)ReleaseLines(line, 1, 0);
-        (void)target->ReleaseLines(targetLine, 1, 0);
+        (void)ReleaseLine(line);
+        (void)target->ReleaseLine(targetLine);
     }
     return Done;
 }

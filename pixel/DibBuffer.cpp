@@ -85,10 +85,10 @@ i32 DibBuffer::CopyFrom(Raster* raster)
     u8* row = bits;
     for (u32 line = height; line-- > 0; row += rowBytes) {
         u8* source = nullptr;
-        if (raster->LockLines(static_cast<i32>(line), &source, nullptr) < 1 || source == nullptr)
+        if (raster->LockLine(static_cast<i32>(line), &source) < 1 || source == nullptr)
             return NothingDone;
         memcpy(row, source, copied);
-        (void)raster->ReleaseLines(static_cast<i32>(line), 1, 0);
+        (void)raster->ReleaseLine(static_cast<i32>(line));
     }
     return Done;
 }

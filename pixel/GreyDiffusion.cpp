@@ -2,30 +2,62 @@
 
 #include <handheld.h>
 
+#include <algorithm>
 #include <string.h>
 #include <utility>
 
 namespace
 {
 
-// The brightness that each level shows.
-constexpr i32 Brightness[4] = {0, 128, 192, 255};
+// Pixels whose noise and brightness are had first, so that only the errors go from pixel to pixel.
+constexpr u32 RunPixels = 64;
 
-u32 LevelOf(i32 light, i32 noise)
-{
-    if (light < noise + 64)
-        return 0;
-    if (light < noise + 128)
-        return 1;
-    // Meant: not the middle between the two brightest levels. The top of the scale has a narrower
-    // band than its neighbours.
-    return light < noise + 196 ? 2 : 3;
-}
+struct Run {
+    i32 noise[RunPixels];
+    i32 luma[RunPixels];
+};
 
 // From -4 to 3.
 i32 Noise()
 {
     return static_cast<signed char>(::Random() & 255) / 32;
+}
+
+void Prepare(Run* run, const u8* source, u32 count)
+{
+    for (u32 i = 0; i < count; ++i)
+        run->noise[i] = Noise();
+    for (u32 i = 0; i < count; ++i, source += 3)
+        run->luma[i] = (28 * source[0] + 77 * source[2] + 151 * source[1]) >> 8;
+}
+
+// The errors of the last two pixels, the nearest first.
+struct Errors {
+    i32 last;
+    i32 before;
+};
+
+// All bits from a boundary on, else none. No branch: noise cannot be foreseen.
+i32 From(i32 light, i32 boundary)
+{
+    return (boundary - 1 - light) >> 31;
+}
+
+// Draws a pixel and gives its level. The pixel before it has all its errors then and hands them
+// down.
+//
+// Meant: the highest boundary is 196 and not the middle between the two brightest levels. The top
+// of the scale has a narrower band than its neighbours.
+u32 DiffusePixel(Errors* errors, i32 luma, i32 noise, const i32* current, i32* next)
+{
+    const i32 light = luma + (*current + 7 * errors->last) / 16;
+    const i32 above = light - noise;
+    // The levels' brightness is 0, 128, 192 and 255.
+    const i32 error =
+        (light - (From(above, 64) & 128)) - ((From(above, 128) & 64) + (From(above, 196) & 63));
+    next[-1] += errors->before + 5 * errors->last + 3 * error;
+    *errors = {error, errors->last};
+    return static_cast<u32>(-(From(above, 64) + From(above, 128) + From(above, 196)));
 }
 
 } // namespace
@@ -64,17 +96,22 @@ void GreyErrors::Advance()
     memset(next - 1, 0, (size_t{columns} + 2) * sizeof(i32));
 }
 
-void DiffuseGreyRow(u8* target, const u8* source, u32 columns, i32* current, i32* next)
+void DiffuseGreyRow(u8* target, const u8* source, u32 columns, const i32* current, i32* next)
 {
-    for (u32 x = 0; x < columns; ++x, source += 3, ++current, ++next) {
-        const i32 luma = (28 * source[0] + 77 * source[2] + 151 * source[1]) >> 8;
-        const i32 light = luma + current[0] / 16;
-        const u32 level = LevelOf(light, Noise());
-        const i32 error = light - Brightness[level];
-        current[1] += 7 * error;
-        next[-1] += 3 * error;
-        next[0] += 5 * error;
-        next[1] += error;
-        target[x >> 2] = static_cast<u8>(target[x >> 2] | level << (6 - (x & 3) * 2));
+    Run run;
+    Errors errors = {};
+    u32 levels = 0; // of the pixels up to this one, two bits each
+    for (u32 done = 0; done < columns; done += RunPixels) {
+        const u32 count = std::min(columns - done, RunPixels);
+        Prepare(&run, source + size_t{3} * done, count);
+        for (u32 i = 0; i < count; ++i, ++current, ++next) {
+            const u32 level = DiffusePixel(&errors, run.luma[i], run.noise[i], current, next);
+            levels = levels << 2 | level;
+            if ((i & 3) == 3 || i == count - 1)
+                target[(done + i) >> 2] = static_cast<u8>(levels << (3 - (i & 3)) * 2);
+        }
     }
+    // `next` is that of the pixel behind the row.
+    next[-1] += errors.before + 5 * errors.last;
+    next[0] += errors.last;
 }

@@ -32,4 +32,4 @@ private:
 
 /// Draws a row of the picture into a row of the bitmap that has been cleared, four pixels a byte,
 /// the first in the top two bits. Takes one number from Random for each pixel, from the left.
-void DiffuseGreyRow(u8* target, const u8* source, u32 columns, i32* current, i32* next);
+void DiffuseGreyRow(u8* target, const u8* source, u32 columns, const i32* current, i32* next);

@@ -15,11 +15,11 @@ i32 Raster::FlipHorizontal()
     for (u32 y = 0; y < info.height; ++y) {
         const i32 line = static_cast<i32>(y);
         u8* row = nullptr;
-        const i32 status = LockLines(line, &row, nullptr);
+        const i32 status = LockLine(line, &row);
         if (status < 1)
             return status;
         ReverseRow24(row + size_t{3} * left, count);
-        (void)ReleaseLines(line, 1, 0);
+        (void)ReleaseLine(line);
     }
     return Done;
 }

@@ -4,26 +4,9 @@
 
 #include <algorithm>
 
-namespace
-{
-
-constexpr u8 Thresholds[DitherSide * DitherSide] = {
-    7, 3, 6, 2, //
-    1, 5, 0, 4, //
-    6, 2, 7, 3, //
-    0, 4, 1, 5,
-};
-
-} // namespace
-
-u8 DitherThreshold(u32 x, u32 y)
-{
-    return Thresholds[y % DitherSide * DitherSide + x % DitherSide];
-}
-
 void FillDitherTable(u8* table)
 {
-    for (const u32 threshold : Thresholds)
+    for (const u32 threshold : DitherThresholds)
         for (u32 value = 0; value < DitherEntries; ++value)
             *table++ = static_cast<u8>(std::min((value + threshold) & ~u32{7}, u32{255}));
 }

@@ -11,8 +11,18 @@ constexpr u32 DitherSide = 4; // of the matrix
 constexpr u32 DitherEntries = 256;
 constexpr u32 DitherTableSize = DitherSide * DitherSide * DitherEntries;
 
+constexpr u8 DitherThresholds[DitherSide * DitherSide] = {
+    7, 3, 6, 2, //
+    1, 5, 0, 4, //
+    6, 2, 7, 3, //
+    0, 4, 1, 5,
+};
+
 /// The threshold of a pixel, 0 to 7.
-u8 DitherThreshold(u32 x, u32 y);
+constexpr u8 DitherThreshold(u32 x, u32 y)
+{
+    return DitherThresholds[y % DitherSide * DitherSide + x % DitherSide];
+}
 
 /// Entry v of the sub-table of a place with threshold t becomes (v + t) & ~7, at most 255.
 void FillDitherTable(u8* table);

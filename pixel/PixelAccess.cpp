@@ -21,13 +21,13 @@ i32 Raster::GetPixel(i32 x, i32 y, u32* color)
     if (!HoldsPixel(info, x, y))
         return Failed;
     u8* row = nullptr;
-    const i32 status = LockLines(y, &row, nullptr);
+    const i32 status = LockLine(y, &row);
     if (status < 1)
         return status;
     const u8* const pixel = row + size_t{StepOf(info.depth)} * static_cast<u32>(x);
     const u32 alpha = info.depth == 32 ? pixel[3] : 255;
     *color = u32{pixel[0]} << 8 | u32{pixel[1]} << 16 | u32{pixel[2]} << 24 | alpha;
-    (void)ReleaseLines(y, 1, 0);
+    (void)ReleaseLine(y);
     return Done;
 }
 
@@ -36,7 +36,7 @@ i32 Raster::SetPixel(i32 x, i32 y, u32 color)
     if (!HoldsPixel(info, x, y))
         return Failed;
     u8* row = nullptr;
-    const i32 status = LockLines(y, &row, nullptr);
+    const i32 status = LockLine(y, &row);
     if (status < 1)
         return status;
     const ColorBytes bytes = BytesOf(color);
@@ -46,6 +46,6 @@ i32 Raster::SetPixel(i32 x, i32 y, u32 color)
     pixel[2] = bytes.red;
     if (info.depth == 32)
         pixel[3] = bytes.alpha;
-    (void)ReleaseLines(y, 1, 0);
+    (void)ReleaseLine(y);
     return Done;
 }

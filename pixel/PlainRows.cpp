@@ -1,6 +1,7 @@
 #include "pixel/PlainRows.h"
 
 #include "pixel/OrderedDither.h"
+#include "pixel/TextCoverage.h"
 
 #include <algorithm>
 #include <string.h>
@@ -39,6 +40,17 @@ void CompositeRow(u8* target, const u8* source, size_t count)
         target[1] = Mix(source[1], target[1], alpha);
         target[2] = Mix(source[2], target[2], alpha);
     }
+}
+
+constexpr u32 FullTextWeight = 64 * 256;
+constexpr u32 TextWeightShift = 14;
+
+void BlendTextPixel(u8* pixel, u32 weight, const ColorBytes& color)
+{
+    const u32 kept = FullTextWeight - weight;
+    pixel[0] = static_cast<u8>((kept * pixel[0] + weight * color.blue) >> TextWeightShift);
+    pixel[1] = static_cast<u8>((kept * pixel[1] + weight * color.green) >> TextWeightShift);
+    pixel[2] = static_cast<u8>((kept * pixel[2] + weight * color.red) >> TextWeightShift);
 }
 
 void DitherPixel(u8* target, const u8* source, const u8* entries)
@@ -84,9 +96,11 @@ void InvertRow24(u8* pixels, size_t count)
         pixels[i] = static_cast<u8>(255 - pixels[i]);
 }
 
-void BlendMaskRow24(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
+void BlendMaskRows24(u8* const* pixels, const u8* const* masks, size_t rows, size_t count,
+                     const ColorBytes& color)
 {
-    BlendMaskRow<3>(pixels, mask, count, color);
+    for (size_t i = 0; i < rows; ++i)
+        BlendMaskRow<3>(pixels[i], masks[i], count, color);
 }
 
 void BlendMaskRow32(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
@@ -132,6 +146,14 @@ void DitherRow(u8* target, const u8* source, u32 columns, const u8* table, u32 y
             DitherPixel(target + 3 * x, source + 3 * x, entries + x * DitherEntries);
     for (u32 x = 0; x < columns; ++x)
         DitherPixel(target + 3 * x, source + 3 * x, entries + x * DitherEntries);
+}
+
+void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
+                  const ColorBytes& color)
+{
+    const u32 opacity = WeightOf(color);
+    for (size_t i = 0; i < count; ++i)
+        BlendTextPixel(pixels + 3 * i, TextCoverage(bits + i, rowBytes) * opacity, color);
 }
 
 void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count)

@@ -37,7 +37,7 @@ i32 TurnHalf(Raster* source, Raster* target, u32 width, u32 height)
         return status;
     for (u32 y = 0; y < height; ++y) {
         u8* row = nullptr;
-        status = target->LockLines(static_cast<i32>(y), &row, nullptr);
+        status = target->LockLine(static_cast<i32>(y), &row);
         if (status < 1)
             return status;
         ReverseRow24(row, width);

@@ -16,16 +16,19 @@ enum class ProcessorLevel {
     Avx2   // 32 bytes at a time
 };
 
-/// Each as the function of that name in Rows.h and OrderedDither.h says.
+/// Each as the function of that name in Rows.h, OrderedDither.h and TextCoverage.h says.
 struct RowKernels {
     void (*storeRow24)(u8* pixels, size_t count, const ColorBytes& color);
     void (*blendRow24)(u8* pixels, size_t count, const ColorBlend& blend);
     void (*invertRow24)(u8* pixels, size_t count);
-    void (*blendMaskRow24)(u8* pixels, const u8* mask, size_t count, const ColorBytes& color);
+    void (*blendMaskRows24)(u8* const* pixels, const u8* const* masks, size_t rows, size_t count,
+                            const ColorBytes& color);
     void (*reverseRow24)(u8* pixels, size_t count);
     void (*copyMaskedRow24)(u8* target, const u8* source, const u8* mask, size_t count);
     void (*compositeRow24)(u8* target, const u8* source, size_t count);
     void (*ditherRow)(u8* target, const u8* source, u32 columns, const u8* table, u32 y);
+    void (*blendTextRow)(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
+                         const ColorBytes& color);
     /// Four pixels from `column` on of `count` rows, a multiple of 4, become pixels of four rows:
     /// the n-th of source row i comes to targets[n] + 3 * i. Rows do not overlap, and 16 bytes from
     /// `column` on may be read.

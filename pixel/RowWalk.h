@@ -9,8 +9,8 @@
 [[nodiscard]] inline i32 LockPair(Raster* first, i32 firstLine, u8** firstRow, Raster* second,
                                   i32 secondLine, u8** secondRow)
 {
-    const i32 status = first->LockLines(firstLine, firstRow, nullptr);
-    return status < 1 ? status : second->LockLines(secondLine, secondRow, nullptr);
+    const i32 status = first->LockLine(firstLine, firstRow);
+    return status < 1 ? status : second->LockLine(secondLine, secondRow);
 }
 
 /// Calls `draw(row)` for the rows from `first` to `last`.
@@ -20,11 +20,11 @@ i32 DrawRows(Raster* raster, i64 first, i64 last, const Draw& draw)
     for (i64 y = first; y <= last; ++y) {
         const i32 line = static_cast<i32>(y);
         u8* row = nullptr;
-        const i32 status = raster->LockLines(line, &row, nullptr);
+        const i32 status = raster->LockLine(line, &row);
         if (status < 1)
             return status;
         draw(row);
-        (void)raster->ReleaseLines(line, 1, 0);
+        (void)raster->ReleaseLine(line);
     }
     return Done;
 }

@@ -36,12 +36,13 @@ void InvertRow32(u8* pixels, size_t count)
     }
 }
 
-void BlendMaskRow24(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)
+void BlendMaskRows24(u8* const* pixels, const u8* const* masks, size_t rows, size_t count,
+                     const ColorBytes& color)
 {
-    if (Overlap(pixels, 3 * count, mask, count))
-        plain::BlendMaskRow24(pixels, mask, count, color);
-    else
-        Kernels().blendMaskRow24(pixels, mask, count, color);
+    bool apart = true;
+    for (size_t i = 0; i < rows; ++i)
+        apart &= !Overlap(pixels[i], 3 * count, masks[i], count);
+    (apart ? Kernels().blendMaskRows24 : plain::BlendMaskRows24)(pixels, masks, rows, count, color);
 }
 
 void BlendMaskRow32(u8* pixels, const u8* mask, size_t count, const ColorBytes& color)

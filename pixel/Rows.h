@@ -66,9 +66,11 @@ void InvertRow24(u8* pixels, size_t count);
 void InvertRow32(u8* pixels, size_t count);
 
 /// With m the mask's byte and w = m * (alpha + 1): ((0x10000 - w) * old + w * color) >> 16. Meant:
-/// 16 bits of weight, not 8, so that the faint rim of a soft stamp still counts.
-void BlendMaskRow24(u8* pixels, const u8* mask, size_t count, const ColorBytes& color);
-/// The same; byte 3 stays.
+/// 16 bits of weight, not 8, so that the faint rim of a soft stamp still counts. `rows` rows one
+/// after the other, each with its mask's.
+void BlendMaskRows24(u8* const* pixels, const u8* const* masks, size_t rows, size_t count,
+                     const ColorBytes& color);
+/// The same of one row; byte 3 stays.
 void BlendMaskRow32(u8* pixels, const u8* mask, size_t count, const ColorBytes& color);
 
 /// Exchanges the pixels end for end.

@@ -51,7 +51,7 @@ i32 Raster::ScaleTo(Raster* target, u32 background, u32 fit, u32 box)
                            left + width - 1.0, top + height - 1.0);
     for (u32 y = 0; y < height; ++y) {
         u8* row = nullptr;
-        status = target->LockLines(static_cast<i32>(top + y), &row, nullptr);
+        status = target->LockLine(static_cast<i32>(top + y), &row);
         if (status < 1)
             return status;
         status = BoxScaleLine(row + size_t{3} * left, y, height, width);
@@ -59,7 +59,7 @@ i32 Raster::ScaleTo(Raster* target, u32 background, u32 fit, u32 box)
             return status;
         // Meant: the row that is released is not the one that was locked, unless the picture has
         // the target's height. UnlockAll at the end of the command settles it.
-        (void)target->ReleaseLines(static_cast<i32>(y), 1, 0);
+        (void)target->ReleaseLine(static_cast<i32>(y));
     }
     return Done;
 }

@@ -18,10 +18,10 @@ i32 Raster::SnapshotTo(Raster* target)
         const i32 line = static_cast<i32>(y);
         u8* read = nullptr;
         u8* written = nullptr;
-        status = LockLines(line, &read, nullptr);
+        status = LockLine(line, &read);
         if (status < 0)
             return status;
-        status = target->LockLines(line, &written, nullptr);
+        status = target->LockLine(line, &written);
         if (status < 0)
             return status;
         // A line whose data is lost stays blank in the copy.

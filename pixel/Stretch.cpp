@@ -111,8 +111,8 @@ void StretchRows(Raster* source, u32 sourceStride, Raster* target, const Axis& c
         if (LockPair(target, targetLine, &written, source, line, &read) < 1)
             return;
         StretchRow24(written + firstWritten, read, mapped);
-        (void)source->ReleaseLines(line, 1, 0);
-        (void)target->ReleaseLines(targetLine, 1, 0);
+        (void)source->ReleaseLine(line);
+        (void)target->ReleaseLine(targetLine);
     }
 }
 

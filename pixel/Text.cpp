@@ -72,13 +72,13 @@ i32 Raster::RenderText(const WCHAR* text, u32 color, PixelRect rectangle, u32 fo
             return Done;
         const i32 line = static_cast<i32>(y);
         u8* row = nullptr;
-        const i32 status = LockLines(line, &row, nullptr);
+        const i32 status = LockLine(line, &row);
         if (status < Done)
             return status;
         if (first < behind)
             BlendTextRow(row + 3 * first, bits + (first - rectangle.left), rowBytes,
                          static_cast<size_t>(behind - first), ink);
-        (void)ReleaseLines(line, 1, 0);
+        (void)ReleaseLine(line);
     }
     return Done;
 }

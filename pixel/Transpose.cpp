@@ -1,6 +1,5 @@
 // Exchanging rows and columns, into another raster.
 
-#include "foundation/MemoryGauge.h"
 #include "image/Raster.h"
 #include "pixel/RowKernels.h"
 
@@ -33,21 +32,21 @@ i32 CrossRow(const Crossing& crossing, u32 y)
 {
     const i32 line = static_cast<i32>(y);
     u8* read = nullptr;
-    i32 status = crossing.source->LockLines(line, &read, nullptr);
+    i32 status = crossing.source->LockLine(line, &read);
     if (status < 1)
         return status;
     for (u32 x = 0; x < crossing.width; ++x) {
         const i32 column = static_cast<i32>(x);
         u8* written = nullptr;
-        status = crossing.target->LockLines(column, &written, nullptr);
+        status = crossing.target->LockLine(column, &written);
         // The source's line stays locked, until UnlockAll.
         if (status < 1)
             return status;
         if (x < crossing.columns && y < crossing.rows)
             CopyPixel(written + size_t{3} * y, read + size_t{3} * x);
-        (void)crossing.target->ReleaseLines(column, 1, 0);
+        (void)crossing.target->ReleaseLine(column);
     }
-    (void)crossing.source->ReleaseLines(line, 1, 0);
+    (void)crossing.source->ReleaseLine(line);
     return Done;
 }
 
@@ -70,7 +69,7 @@ i32 CrossColumns(const Crossing& crossing, u8* const* read, u32 first, u32 count
     for (u32 n = 0; n < *crossed; ++n) {
         for (u32 i = fours; i < count; ++i)
             CopyPixel(written[n] + size_t{3} * i, read[i] + size_t{3} * (x + n));
-        (void)crossing.target->ReleaseLines(static_cast<i32>(x + n), 1, 0);
+        (void)crossing.target->ReleaseLine(static_cast<i32>(x + n));
     }
     return status;
 }
@@ -91,16 +90,8 @@ i32 CrossBlock(const Crossing& crossing, u32 first, u32 count)
     }
     // One by one: a run that reached the last line would release none.
     for (u32 i = 0; i < held; ++i)
-        (void)crossing.source->ReleaseLines(static_cast<i32>(first + i), 1, 0);
+        (void)crossing.source->ReleaseLine(static_cast<i32>(first + i));
     return status;
-}
-
-// Whether a line that is released goes to its file.
-bool SendsLinesOut(Raster* raster, u32 stride)
-{
-    SwapDirs folders = {};
-    (void)raster->GetSwapDirs(&folders);
-    return folders.primary != nullptr && MemoryGauge::HasRoomFor(stride) < 1;
 }
 
 } // namespace
@@ -118,8 +109,7 @@ i32 Raster::TransposeTo(Raster* target)
         return Done;
     const Crossing crossing = {this, target, info.width, std::min(info.width, info.stride / 3),
                                target->info.stride / 3};
-    const bool single =
-        SendsLinesOut(this, info.stride) || SendsLinesOut(target, target->info.stride);
+    const bool single = !KeepsLines() || !target->KeepsLines();
     i32 status = CrossRow(crossing, 0);
     for (u32 y = 1; status > 0 && y < info.height;) {
         const u32 count = single ? 1 : std::min(BlockLines, info.height - y);

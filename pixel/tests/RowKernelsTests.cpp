@@ -4,6 +4,7 @@
 #include "pixel/OrderedDither.h"
 #include "pixel/PlainRows.h"
 #include "pixel/RowKernels.h"
+#include "pixel/TextCoverage.h"
 
 #include <gtest/gtest.h>
 
@@ -121,12 +122,15 @@ TEST_P(RowKernelsTest, ExchangesThePixelsEndForEnd)
 
 TEST_P(RowKernelsTest, BlendsThroughAMask)
 {
-    const Bytes masks[] = {Random(5000), Bytes(5000, 0), Bytes(5000, 255)};
+    const Bytes masks[] = {Random(8000), Bytes(8000, 0), Bytes(8000, 255)};
     for (const ColorBytes& color : colors)
         for (const Bytes& mask : masks)
             ExpectSame(3, [&](bool fast, u8* row, size_t count) {
-                const u8* cells = mask.data() + count % 17;
-                (fast ? kernels->blendMaskRow24 : plain::BlendMaskRow24)(row, cells, count, color);
+                const u8* cells[2] = {mask.data() + count % 17, mask.data() + count / 2};
+                u8* const rows[2] = {row, row + 3 * (count / 2)};
+                const auto blend = fast ? kernels->blendMaskRows24 : plain::BlendMaskRows24;
+                blend(rows, cells, 2, count / 2, color);
+                blend(rows, cells + 1, 1, count, color);
             });
 }
 
@@ -143,8 +147,11 @@ TEST_P(RowKernelsTest, BlendsByEveryWeightOnEveryByte)
                 for (size_t i = 0; i < drawn.size(); ++i)
                     drawn[i] = static_cast<u8>(i);
                 Bytes expected = drawn;
-                kernels->blendMaskRow24(drawn.data(), mask.data(), mask.size(), color);
-                plain::BlendMaskRow24(expected.data(), mask.data(), mask.size(), color);
+                const u8* const cells = mask.data();
+                u8* row = drawn.data();
+                kernels->blendMaskRows24(&row, &cells, 1, mask.size(), color);
+                row = expected.data();
+                plain::BlendMaskRows24(&row, &cells, 1, mask.size(), color);
                 ASSERT_EQ(drawn, expected) << alpha << " " << u32{level} << " " << cell;
             }
         }
@@ -181,6 +188,42 @@ TEST_P(RowKernelsTest, DithersEachRowOfTheMatrix)
             (fast ? kernels->ditherRow : plain::DitherRow)(row, source.data() + 100,
                                                            static_cast<u32>(count), table, y);
         });
+}
+
+TEST_P(RowKernelsTest, LaysInkOnARow)
+{
+    constexpr size_t rowBytes = 5004;
+    // Much of a text's ground is empty, and the middle of a letter is full.
+    Bytes bits = Random(TextScale * rowBytes);
+    for (size_t i = 0; i < bits.size(); ++i)
+        if (i / 40 % 3 < 2)
+            bits[i] = i / 40 % 3 == 0 ? 0 : 255;
+    for (const ColorBytes& color : colors)
+        ExpectSame(3, [&](bool fast, u8* row, size_t count) {
+            (fast ? kernels->blendTextRow : plain::BlendTextRow)(row, bits.data() + count % 29,
+                                                                 rowBytes, count, color);
+        });
+}
+
+TEST_P(RowKernelsTest, LaysEveryShareOfInkOnEveryByte)
+{
+    for (u32 alpha = 0; alpha < 256; alpha += 15)
+        for (const u8 level : {0, 77, 255})
+            for (u32 coverage = 0; coverage <= 64; ++coverage) {
+                const ColorBytes color = {level, static_cast<u8>(255 - level), 128,
+                                          static_cast<u8>(alpha)};
+                Bytes bits(TextScale * 86);
+                for (u32 bit = 0; bit < coverage; ++bit)
+                    for (size_t x = 0; x < 86; ++x)
+                        bits[bit % TextScale * 86 + x] |= static_cast<u8>(1 << bit / TextScale);
+                Bytes drawn(258);
+                for (size_t i = 0; i < drawn.size(); ++i)
+                    drawn[i] = static_cast<u8>(i);
+                Bytes expected = drawn;
+                kernels->blendTextRow(drawn.data(), bits.data(), 86, 86, color);
+                plain::BlendTextRow(expected.data(), bits.data(), 86, 86, color);
+                ASSERT_EQ(drawn, expected) << alpha << " " << u32{level} << " " << coverage;
+            }
 }
 
 TEST_P(RowKernelsTest, ExchangesRowsAndColumnsOfFour)
