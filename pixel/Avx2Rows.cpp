@@ -136,6 +136,25 @@ VECTOR inline Lanes32 Shuffle(Lanes32 bytes, Lanes32 indices)
     return {_mm256_shuffle_epi8(bytes.v, indices.v)};
 }
 
+struct EndSums {
+    __m256i sums; // of the first column and of the last
+
+    VECTOR EndSums() : sums(_mm256_setzero_si256()) {}
+    VECTOR void Add(const u16* first, const u16* last, __m128i weights)
+    {
+        const __m128i both =
+            _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(first)),
+                               _mm_loadl_epi64(reinterpret_cast<const __m128i*>(last)));
+        const __m256i repeated = _mm256_permutevar8x32_epi32(
+            _mm256_castsi128_si256(weights), _mm256_setr_epi32(0, 0, 0, 0, 2, 2, 2, 2));
+        sums = _mm256_add_epi32(sums, _mm256_mullo_epi32(_mm256_cvtepu16_epi32(both), repeated));
+    }
+    VECTOR __m128i Sums() const
+    {
+        return _mm_add_epi32(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
+    }
+};
+
 // May read 8 bytes more.
 VECTOR inline void LoadFours(const u8* pixels, Lanes32* out)
 {

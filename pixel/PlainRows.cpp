@@ -60,6 +60,27 @@ void DitherPixel(u8* target, const u8* source, const u8* entries)
     target[2] = entries[source[2]];
 }
 
+// Adds a group of rows and gives its weights.
+u32 WeighGroup(u32* weighed, const BoxSums& sums, u32 group, const BoxColumns& columns)
+{
+    const u32 cover = sums.cover[group];
+    const u32 first = (columns.covers[0] * cover) >> 4;
+    const u32 unit = (columns.covers[1] * cover) >> 4;
+    const u32 last = (columns.covers[2] * cover) >> 4;
+    for (u32 channel = 0; channel < 3; ++channel) {
+        const u16* at = sums.bytes[group] + size_t{3} * columns.first + channel;
+        weighed[channel] += first * *at;
+        u32 between = 0;
+        for (u32 i = 0; i < columns.between; ++i) {
+            at += 3;
+            between += *at;
+        }
+        weighed[channel] += unit * between;
+        weighed[channel] += last * sums.bytes[group][size_t{3} * columns.last + channel];
+    }
+    return sums.rows[group] * (first + unit * columns.between + last);
+}
+
 } // namespace
 
 namespace plain
@@ -154,6 +175,26 @@ void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
     const u32 opacity = WeightOf(color);
     for (size_t i = 0; i < count; ++i)
         BlendTextPixel(pixels + 3 * i, TextCoverage(bits + i, rowBytes) * opacity, color);
+}
+
+void SumRows(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes)
+{
+    std::fill_n(sums, bytes, u16{0});
+    for (u32 row = 0; row < count; ++row)
+        for (size_t i = 0; i < bytes; ++i)
+            sums[i] = static_cast<u16>(sums[i] + rows[row][offset + i]);
+}
+
+void AverageColumns(u8* out, const BoxSums& sums, const BoxColumns* columns, u32 count)
+{
+    for (u32 i = 0; i < count; ++i, ++columns, out += 3) {
+        u32 weighed[3] = {};
+        u32 weights = 0;
+        for (u32 group = 0; group < 3; ++group)
+            weights += WeighGroup(weighed, sums, group, *columns);
+        for (u32 channel = 0; channel < 3 && weights != 0; ++channel)
+            out[channel] = static_cast<u8>(weighed[channel] / weights);
+    }
 }
 
 void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count)

@@ -1,7 +1,8 @@
-// The loops of Rows.h, OrderedDither.h and TextCoverage.h as they are written down, for every
-// processor: what is right. Faster forms give the same bytes, and end their rows by these.
+// The loops of Rows.h, OrderedDither.h, TextCoverage.h and BoxRow.h as they are written down, for
+// every processor: what is right. Faster forms give the same bytes, and end their rows by these.
 #pragma once
 
+#include "pixel/BoxRow.h"
 #include "pixel/Rows.h"
 
 namespace plain
@@ -20,6 +21,8 @@ void CompositeRow32(u8* target, const u8* source, size_t count);
 void DitherRow(u8* target, const u8* source, u32 columns, const u8* table, u32 y);
 void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                   const ColorBytes& color);
+void SumRows(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes);
+void AverageColumns(u8* out, const BoxSums& sums, const BoxColumns* columns, u32 count);
 void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count);
 
 } // namespace plain

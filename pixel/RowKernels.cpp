@@ -16,6 +16,8 @@ const RowKernels plainRows = {plain::StoreRow24,
                               plain::CompositeRow24,
                               plain::DitherRow,
                               plain::BlendTextRow,
+                              plain::SumRows,
+                              plain::AverageColumns,
                               plain::CrossFour24,
                               nullptr};
 

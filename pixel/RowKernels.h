@@ -7,6 +7,8 @@
 
 #include "pixel/Rows.h"
 
+struct BoxColumns;
+struct BoxSums;
 struct StretchColumns;
 
 /// What an instruction set adds to that of every processor.
@@ -16,7 +18,7 @@ enum class ProcessorLevel {
     Avx2   // 32 bytes at a time
 };
 
-/// Each as the function of that name in Rows.h, OrderedDither.h and TextCoverage.h says.
+/// Each as the function of that name in Rows.h, OrderedDither.h, TextCoverage.h and BoxRow.h says.
 struct RowKernels {
     void (*storeRow24)(u8* pixels, size_t count, const ColorBytes& color);
     void (*blendRow24)(u8* pixels, size_t count, const ColorBlend& blend);
@@ -29,6 +31,9 @@ struct RowKernels {
     void (*ditherRow)(u8* target, const u8* source, u32 columns, const u8* table, u32 y);
     void (*blendTextRow)(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                          const ColorBytes& color);
+    /// Sums of `bytes` bytes from `offset` on of up to 257 rows; 0 of no rows.
+    void (*sumRows)(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes);
+    void (*averageColumns)(u8* out, const BoxSums& sums, const BoxColumns* columns, u32 count);
     /// Four pixels from `column` on of `count` rows, a multiple of 4, become pixels of four rows:
     /// the n-th of source row i comes to targets[n] + 3 * i. Rows do not overlap, and 16 bytes from
     /// `column` on may be read.

@@ -23,6 +23,7 @@ namespace vector
 {
 
 using Lanes = Lanes16;
+using EndSums = EndSums16;
 
 } // namespace vector
 

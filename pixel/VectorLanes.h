@@ -120,6 +120,26 @@ VECTOR inline Lanes16 Shuffle(Lanes16 bytes, Lanes16 indices)
     return {_mm_shuffle_epi8(bytes.v, indices.v)};
 }
 
+/// Four numbers of 16 bits as ones of 32.
+VECTOR inline __m128i LoadSums(const u16* sums)
+{
+    return _mm_cvtepu16_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(sums)));
+}
+
+/// Sums of four numbers of each of two columns, weighed by the first and the third weight.
+struct EndSums16 {
+    __m128i sums;
+
+    VECTOR EndSums16() : sums(_mm_setzero_si128()) {}
+    VECTOR void Add(const u16* first, const u16* last, __m128i weights)
+    {
+        const __m128i one = _mm_mullo_epi32(LoadSums(first), _mm_shuffle_epi32(weights, 0));
+        const __m128i other = _mm_mullo_epi32(LoadSums(last), _mm_shuffle_epi32(weights, 0xAA));
+        sums = _mm_add_epi32(sums, _mm_add_epi32(one, other));
+    }
+    VECTOR __m128i Sums() const { return sums; }
+};
+
 /// Four pixels in each 16 bytes, of which the last 4 are anything. May read 4 bytes more.
 VECTOR inline void LoadFours(const u8* pixels, Lanes16* out)
 {

@@ -5,6 +5,7 @@
 // What is left at a row's end is for the plain loops, or for one more block that reaches back.
 
 #include "pixel/VectorBlends.h"
+#include "pixel/VectorBox.h"
 
 namespace vector
 {
@@ -201,6 +202,7 @@ VECTOR void CrossFour24(u8* const* targets, const u8* const* sources, size_t col
 
 constexpr RowKernels vectorRows = {StoreRow24,   BlendRow24,      InvertRow24,    BlendMaskRows24,
                                    ReverseRow24, CopyMaskedRow24, CompositeRow24, DitherRow,
-                                   BlendTextRow, CrossFour24,     StretchBlocks};
+                                   BlendTextRow, SumRows,         AverageColumns, CrossFour24,
+                                   StretchBlocks};
 
 } // namespace vector

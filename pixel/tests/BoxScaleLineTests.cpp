@@ -81,6 +81,19 @@ TEST_F(BoxScaleLine, IsItsFormulaForLargeRasters)
     CheckAll(square, 1, 1);
 }
 
+TEST_F(BoxScaleLine, TheBrightestPixelsThereAreAreItsFormulaForAnyNumberOfThem)
+{
+    constexpr u32 sizes[][2] = {{520, 1},  {900, 3}, {1400, 2}, {40, 259},
+                                {30, 270}, {2, 600}, {257, 4},  {64, 64}};
+    for (const auto& [width, height] : sizes) {
+        Twin source(width, height, 24, 1);
+        source.SetRows(Rows(height, std::vector<u8>(source.plain.stride, 255)));
+        for (const u32 outWidth : {1u, 2u, 3u})
+            for (const u32 outHeight : {1u, 2u})
+                CheckAll(source, outHeight, outWidth);
+    }
+}
+
 TEST_F(BoxScaleLine, ReductionsSoLargeThatWeightsFallToNothingAreItsFormula)
 {
     Twin wide(3000, 3, 24, 1);
