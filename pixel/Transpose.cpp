@@ -1,17 +1,13 @@
 // Exchanging rows and columns, into another raster.
 
 #include "image/Raster.h"
-#include "pixel/RowKernels.h"
+#include "pixel/CrossPixels.h"
 
 #include <algorithm>
 #include <string.h>
 
 namespace
 {
-
-// Lines of a block: enough that a pixel's place in a target line costs little beside its bytes, few
-// enough that a cache line of each fits into the smallest cache.
-constexpr u32 BlockLines = 64;
 
 struct Crossing {
     Raster* source;
@@ -50,27 +46,21 @@ i32 CrossRow(const Crossing& crossing, u32 y)
     return Done;
 }
 
-// Some columns from `x` on of `count` rows from `first` on: `crossed` of them.
-i32 CrossColumns(const Crossing& crossing, u8* const* read, u32 first, u32 count, u32 x,
+// Columns from `x` on of the rows from `first` on: `crossed` of them.
+i32 CrossColumns(const Crossing& crossing, const CrossedBlock& block, u32 first, u32 x,
                  u32* crossed)
 {
-    // Four by four, where 16 bytes can be read of the last four.
-    const bool wide = x + 6 <= crossing.columns;
-    u8* written[4] = {};
-    *crossed = wide ? 4 : 1;
+    u8* written[CrossedColumns] = {};
+    *crossed = std::min(CrossedColumns, crossing.columns - x);
     const i32 status = crossing.target->LockLines(static_cast<i32>(x), written, crossed);
     if (status < 1)
         return status;
     for (u32 n = 0; n < *crossed; ++n)
         written[n] += size_t{3} * first;
-    const u32 fours = *crossed == 4 ? count & ~u32{3} : 0;
-    if (fours > 0)
-        Kernels().crossFour24(written, read, x, fours);
-    for (u32 n = 0; n < *crossed; ++n) {
-        for (u32 i = fours; i < count; ++i)
-            CopyPixel(written[n] + size_t{3} * i, read[i] + size_t{3} * (x + n));
+    PrefetchCrossed(written, *crossed, block, x);
+    CrossPixels24(written, *crossed, block, x);
+    for (u32 n = 0; n < *crossed; ++n)
         (void)crossing.target->ReleaseLine(static_cast<i32>(x + n));
-    }
     return status;
 }
 
@@ -78,13 +68,15 @@ i32 CrossColumns(const Crossing& crossing, u8* const* read, u32 first, u32 count
 // A row that cannot be locked ends it; the rows before it are done.
 i32 CrossBlock(const Crossing& crossing, u32 first, u32 count)
 {
-    u8* read[BlockLines] = {};
+    u8* read[CrossedRows] = {};
     u32 held = count;
     const i32 status = crossing.source->LockLines(static_cast<i32>(first), read, &held);
-    const u32 copied = first < crossing.rows ? std::min(held, crossing.rows - first) : 0;
+    CrossedBlock block = {{}, 0, crossing.columns};
+    block.count = first < crossing.rows ? std::min(held, crossing.rows - first) : 0;
+    std::copy_n(read, block.count, block.rows);
     u32 crossed = 0;
-    for (u32 x = 0; x < crossing.columns && copied > 0; x += crossed) {
-        const i32 locked = CrossColumns(crossing, read, first, copied, x, &crossed);
+    for (u32 x = 0; x < crossing.columns && block.count > 0; x += crossed) {
+        const i32 locked = CrossColumns(crossing, block, first, x, &crossed);
         if (locked < 1)
             return locked;
     }
@@ -112,7 +104,7 @@ i32 Raster::TransposeTo(Raster* target)
     const bool single = !KeepsLines() || !target->KeepsLines();
     i32 status = CrossRow(crossing, 0);
     for (u32 y = 1; status > 0 && y < info.height;) {
-        const u32 count = single ? 1 : std::min(BlockLines, info.height - y);
+        const u32 count = single ? 1 : std::min(CrossedRows, info.height - y);
         status = single ? CrossRow(crossing, y) : CrossBlock(crossing, y, count);
         y += count;
     }
