@@ -51,6 +51,7 @@ int main(int argc, char** argv)
     bench::AddBlends();
     bench::AddSurfaces();
     bench::AddTurns();
+    bench::AddTexts();
     bench::AddStores();
     const bool right = bench::RunAll();
     bench::EndPeers();

@@ -88,6 +88,49 @@ void AddCreate(Size size)
     AddLimit(name, size);
 }
 
+// Into a target that holds the last snapshot, which goes first.
+Work OurSnapshot(Size size)
+{
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    RasterPointer from = MakeRaster(*source);
+    auto to = std::make_shared<Raster>();
+    return {[=] {
+                (void)from->SnapshotTo(to.get());
+                from->UnlockAll();
+                to->UnlockAll();
+            },
+            [=] { return Difference(*source, PictureOf(*to)); }};
+}
+
+Work CallocAndCopy(Size size)
+{
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    RasterPointer from = MakeRaster(*source);
+    const std::vector<u8*> lines = LinesOf(*from);
+    auto plain = std::make_shared<PlainLines>();
+    return {[=] {
+                plain->Drop();
+                plain->Take(size);
+                for (u32 y = 0; y < size.height; ++y)
+                    std::memcpy(plain->lines[y], lines[y], StrideOf(size));
+            },
+            [=]() -> std::string {
+                const std::vector<u8*> read = LinesOf(*from);
+                for (u32 y = 0; y < size.height; ++y)
+                    if (std::memcmp(plain->lines[y], read[y], StrideOf(size)) != 0)
+                        return "a line is another";
+                return {};
+            }};
+}
+
+void AddSnapshot(Size size)
+{
+    const std::string name = "SnapshotTo/" + Name(size);
+    AddOurs(name, [=] { return OurSnapshot(size); });
+    AddPeer(name, "calloc-and-copy", [=] { return CallocAndCopy(size); });
+    AddLimit(name, size);
+}
+
 // Forth and back: what is left of the source is dropped by the next Create in it.
 Work OurTakeFrom(Size size)
 {
@@ -241,6 +284,7 @@ void AddStores()
     for (const Size size : Created)
         AddCreate(size);
     for (const Size size : Sizes) {
+        AddSnapshot(size);
         AddTakeFrom(size);
         AddPaging(size);
     }

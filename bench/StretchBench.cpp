@@ -163,11 +163,6 @@ i32 CopyByCopyTo(Raster& from, Raster& to, Size size)
                        SRCCOPY);
 }
 
-i32 CopyBySnapshot(Raster& from, Raster& to, Size)
-{
-    return from.SnapshotTo(&to);
-}
-
 Work OurCopy(Size size, Copy copy)
 {
     auto source = std::make_shared<Picture>(MakePicture(size, Seed));
@@ -293,7 +288,6 @@ void AddStretches()
     for (const Size size : Sizes) {
         AddCopy("StretchRect/1:1", size, CopyByStretch);
         AddCopy("CopyTo", size, CopyByCopyTo);
-        AddCopy("SnapshotTo", size, CopyBySnapshot);
     }
     AddBox("BoxScaleLine", {4000, 3000}, {800, 600}, OurBoxByRows);
     AddBox("BoxScaleLine", {800, 480}, {400, 240}, OurBoxByRows);

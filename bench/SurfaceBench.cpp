@@ -4,6 +4,8 @@
 #include "bench/Table.h"
 #include "pixel/ScreenSurface.h"
 
+#include <handheld.h>
+
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -22,6 +24,7 @@ namespace
 {
 
 constexpr u32 Seed = 41;
+constexpr i32 Brightness[4] = {0, 128, 192, 255}; // of the four greys
 
 // What a window would be painted with.
 Picture ShownBy(const ScreenSurface& surface, Size size)
@@ -106,6 +109,62 @@ std::string FaultOfGreys(const Picture& drawn, const Picture& source)
         return "there are " + std::to_string(greys.size()) + " greys";
     const f64 off = MeanGrey(drawn) - MeanGrey(source);
     return std::abs(off) > 6 ? "the brightness is off by " + std::to_string(off) : std::string();
+}
+
+// The formula as it is written down, a pixel after the other.
+void DiffuseRow(const u8* source, u32 columns, i32* current, i32* next, u8* levels)
+{
+    for (u32 x = 0; x < columns; ++x, source += 3) {
+        const i32 luma = (28 * source[0] + 77 * source[2] + 151 * source[1]) >> 8;
+        const i32 light = luma + current[x] / 16;
+        const i32 noise = static_cast<signed char>(::Random() & 255) / 32;
+        const u32 level = light < noise + 64    ? 0
+                          : light < noise + 128 ? 1
+                          : light < noise + 196 ? 2
+                                                : 3;
+        const i32 error = light - Brightness[level];
+        current[x + 1] += 7 * error;
+        (next + x)[-1] += 3 * error;
+        next[x] += 5 * error;
+        next[x + 1] += error;
+        levels[x >> 2] = static_cast<u8>(levels[x >> 2] | level << (6 - (x & 3) * 2));
+    }
+}
+
+Work PlainGreys(Size size)
+{
+    auto source = std::make_shared<Picture>(MakePicture(size, Seed));
+    const size_t bytes = (size.width + 3) / 4;
+    auto levels = std::make_shared<std::vector<u8>>(bytes * size.height);
+    return {[=] {
+                std::fill(levels->begin(), levels->end(), u8{0});
+                std::vector<i32> errors[2] = {std::vector<i32>(size.width + 2),
+                                              std::vector<i32>(size.width + 2)};
+                for (u32 y = 0; y < size.height; ++y) {
+                    std::fill(errors[1].begin(), errors[1].end(), 0);
+                    DiffuseRow(source->At(0, y), size.width, errors[0].data() + 1,
+                               errors[1].data() + 1, levels->data() + bytes * y);
+                    std::swap(errors[0], errors[1]);
+                }
+            },
+            [=] {
+                Picture picture(size);
+                for (u32 y = 0; y < size.height; ++y)
+                    for (u32 x = 0; x < size.width; ++x) {
+                        const u32 byte = (*levels)[bytes * y + x / 4];
+                        std::fill_n(picture.At(x, y), 3,
+                                    static_cast<u8>(Brightness[byte >> (6 - (x & 3) * 2) & 3]));
+                    }
+                return FaultOfGreys(picture, *source);
+            }};
+}
+
+// Ours without vectors.
+Work PlainOrdered(Size size)
+{
+    Work work = OurPresent(size, 24, 1, FaultOfOrdered);
+    work.run = AtPlainLevel(work.run);
+    return work;
 }
 
 #if defined(TAVRIX_BENCH_LEPTONICA)
@@ -226,6 +285,7 @@ void AddOrdered(Size size)
 {
     const std::string name = "Present/ordered-dither/" + Name(size);
     AddOurs(name, [=] { return OurPresent(size, 24, 1, FaultOfOrdered); });
+    AddPeer(name, "plain-loop", [=] { return PlainOrdered(size); });
 #if defined(TAVRIX_BENCH_GRAPHICSMAGICK)
     AddPeer(
         name, "graphicsmagick",
@@ -240,6 +300,7 @@ void AddGreys(Size size)
 {
     const std::string name = "Present/four-greys/" + Name(size);
     AddOurs(name, [=] { return OurPresent(size, 2, 0, FaultOfGreys); });
+    AddPeer(name, "plain-loop", [=] { return PlainGreys(size); });
 #if defined(TAVRIX_BENCH_LEPTONICA)
     AddPeer(name, "leptonica", [=] { return LeptonicaGreys(size); });
 #else

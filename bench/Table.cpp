@@ -1,5 +1,7 @@
 #include "bench/Table.h"
 
+#include "pixel/RowKernels.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -254,6 +256,17 @@ void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items)
 void AddLimit(const std::string& operation, Size size)
 {
     AddLimit(operation, size.height, size_t{3} * size.width);
+}
+
+std::function<void()> AtPlainLevel(std::function<void()> run)
+{
+    return [run = std::move(run)] {
+        (void)UseLevel(ProcessorLevel::Plain);
+        run();
+        for (const ProcessorLevel level : {ProcessorLevel::Avx2, ProcessorLevel::Sse41})
+            if (UseLevel(level))
+                break;
+    };
 }
 
 bool RunAll()

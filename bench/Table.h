@@ -41,6 +41,9 @@ void AddLimit(const std::string& operation, u32 rows, size_t bytes, u32 items = 
 /// The copy limit of a whole picture of 24 bits.
 void AddLimit(const std::string& operation, Size size);
 
+/// The same with the plain loops on rows in place of those that the processor is given otherwise.
+std::function<void()> AtPlainLevel(std::function<void()> run);
+
 /// Runs what the filter of Google Benchmark leaves and prints the table. False when a contestant
 /// did not do what it should.
 bool RunAll();
@@ -52,5 +55,6 @@ void AddBlends();
 void AddSurfaces();
 void AddTurns();
 void AddStores();
+void AddTexts();
 
 } // namespace bench

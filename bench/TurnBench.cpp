@@ -20,7 +20,7 @@ namespace
 
 constexpr u32 Seed = 51;
 
-enum class Turn { Quarter, Half, UpsideDown };
+enum class Turn { Quarter, Half, UpsideDown, Mirror };
 
 Size Turned(Size size, Turn turn)
 {
@@ -37,7 +37,8 @@ std::string FaultOf(const Picture& drawn, const Picture& source, Turn turn)
         const u8* const from = turn == Turn::Quarter ? source.At(y, size.height - 1 - x)
                                : turn == Turn::Half
                                    ? source.At(size.width - 1 - x, size.height - 1 - y)
-                                   : source.At(x, size.height - 1 - y);
+                               : turn == Turn::Mirror ? source.At(size.width - 1 - x, y)
+                                                      : source.At(x, size.height - 1 - y);
         std::copy_n(from, 3, pixel);
     });
 }
@@ -55,12 +56,13 @@ Work OurTurn(Size size, Turn turn)
             [=] { return FaultOf(PictureOf(*to), *source, turn); }};
 }
 
-Work OurFlip(Size size)
+Work OurFlip(Size size, Turn turn)
 {
     auto source = std::make_shared<Picture>(MakePicture(size, Seed));
     RasterPointer raster = MakeRaster(*source);
-    return {[=] { (void)raster->FlipVertical(); },
-            [=] { return FaultOf(PictureOf(*raster), *source, Turn::UpsideDown); }};
+    return {
+        [=] { (void)(turn == Turn::Mirror ? raster->FlipHorizontal() : raster->FlipVertical()); },
+        [=] { return FaultOf(PictureOf(*raster), *source, turn); }};
 }
 
 #if defined(TAVRIX_BENCH_OPENCV)
@@ -74,27 +76,31 @@ Work OpenCvTurn(Size size, Turn turn)
                 if (turn == Turn::Quarter)
                     cv::rotate(from, to, cv::ROTATE_90_CLOCKWISE);
                 else
-                    cv::flip(from, to, turn == Turn::Half ? -1 : 0);
+                    cv::flip(from, to, turn == Turn::Half ? -1 : turn == Turn::Mirror ? 1 : 0);
             },
             [=] { return FaultOf(PictureOf(to), *source, turn); }};
 }
 #endif
 
 #if defined(TAVRIX_BENCH_LIBYUV)
-Work LibYuvHalfTurn(Size size)
+Work LibYuvTurn(Size size, Turn turn)
 {
     auto source = std::make_shared<Picture>(MakePicture(size, Seed));
     auto from = std::make_shared<std::vector<u8>>(WithAlpha(*source));
     auto to = std::make_shared<std::vector<u8>>(from->size());
     const int stride = static_cast<int>(size.width * 4);
     return {[=] {
-                libyuv::ARGBRotate(from->data(), stride, to->data(), stride,
-                                   static_cast<int>(size.width), static_cast<int>(size.height),
-                                   libyuv::kRotate180);
+                const int width = static_cast<int>(size.width);
+                const int height = static_cast<int>(size.height);
+                if (turn == Turn::Mirror)
+                    libyuv::ARGBMirror(from->data(), stride, to->data(), stride, width, height);
+                else
+                    libyuv::ARGBRotate(from->data(), stride, to->data(), stride, width, height,
+                                       libyuv::kRotate180);
             },
             [=] {
                 return FaultOf(PictureOf(to->data(), size, size_t{4} * size.width, 4), *source,
-                               Turn::Half);
+                               turn);
             }};
 }
 #endif
@@ -150,6 +156,16 @@ void AddVips([[maybe_unused]] const std::string& name, [[maybe_unused]] Size siz
 #endif
 }
 
+void AddLibYuv([[maybe_unused]] const std::string& name, [[maybe_unused]] Size size,
+               [[maybe_unused]] Turn turn)
+{
+#if defined(TAVRIX_BENCH_LIBYUV)
+    AddPeer(name, "libyuv-32", [=] { return LibYuvTurn(size, turn); });
+#else
+    AddMissing(name, "libyuv-32", LibYuvPackage);
+#endif
+}
+
 void AddQuarter(Size size)
 {
     const std::string name = "Rotated/90/" + Name(size);
@@ -164,11 +180,7 @@ void AddHalf(Size size)
     const std::string name = "Rotated/180/" + Name(size);
     AddOurs(name, [=] { return OurTurn(size, Turn::Half); });
     AddOpenCv(name, size, Turn::Half);
-#if defined(TAVRIX_BENCH_LIBYUV)
-    AddPeer(name, "libyuv-32", [=] { return LibYuvHalfTurn(size); });
-#else
-    AddMissing(name, "libyuv-32", LibYuvPackage);
-#endif
+    AddLibYuv(name, size, Turn::Half);
     AddVips(name, size, Turn::Half);
     AddLimit(name, size);
 }
@@ -177,8 +189,18 @@ void AddHalf(Size size)
 void AddFlip(Size size)
 {
     const std::string name = "FlipVertical/" + Name(size);
-    AddOurs(name, [=] { return OurFlip(size); });
+    AddOurs(name, [=] { return OurFlip(size, Turn::UpsideDown); });
     AddOpenCv(name, size, Turn::UpsideDown);
+    AddLimit(name, size);
+}
+
+// In place; the others write another picture.
+void AddMirror(Size size)
+{
+    const std::string name = "FlipHorizontal/" + Name(size);
+    AddOurs(name, [=] { return OurFlip(size, Turn::Mirror); });
+    AddOpenCv(name, size, Turn::Mirror);
+    AddLibYuv(name, size, Turn::Mirror);
     AddLimit(name, size);
 }
 
@@ -190,6 +212,7 @@ void AddTurns()
         AddQuarter(size);
         AddHalf(size);
         AddFlip(size);
+        AddMirror(size);
     }
 }
 

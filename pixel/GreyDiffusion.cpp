@@ -1,5 +1,7 @@
 #include "pixel/GreyDiffusion.h"
 
+#include "pixel/RowKernels.h"
+
 #include <handheld.h>
 
 #include <algorithm>
@@ -14,7 +16,7 @@ constexpr u32 RunPixels = 64;
 
 struct Run {
     i32 noise[RunPixels];
-    i32 luma[RunPixels];
+    u16 luma[RunPixels];
 };
 
 // From -4 to 3.
@@ -27,8 +29,7 @@ void Prepare(Run* run, const u8* source, u32 count)
 {
     for (u32 i = 0; i < count; ++i)
         run->noise[i] = Noise();
-    for (u32 i = 0; i < count; ++i, source += 3)
-        run->luma[i] = (28 * source[0] + 77 * source[2] + 151 * source[1]) >> 8;
+    Kernels().lumaRow24(run->luma, source, count);
 }
 
 // The errors of the last two pixels, the nearest first.

@@ -169,6 +169,12 @@ void DitherRow(u8* target, const u8* source, u32 columns, const u8* table, u32 y
         DitherPixel(target + 3 * x, source + 3 * x, entries + x * DitherEntries);
 }
 
+void LumaRow24(u16* luma, const u8* source, size_t count)
+{
+    for (size_t i = 0; i < count; ++i, source += 3)
+        luma[i] = static_cast<u16>((28 * source[0] + 151 * source[1] + 77 * source[2]) >> 8);
+}
+
 void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                   const ColorBytes& color)
 {

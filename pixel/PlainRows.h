@@ -19,6 +19,7 @@ void CopyMaskedRow24(u8* target, const u8* source, const u8* mask, size_t count)
 void CompositeRow24(u8* target, const u8* source, size_t count);
 void CompositeRow32(u8* target, const u8* source, size_t count);
 void DitherRow(u8* target, const u8* source, u32 columns, const u8* table, u32 y);
+void LumaRow24(u16* luma, const u8* source, size_t count);
 void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                   const ColorBytes& color);
 void SumRows(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes);

@@ -29,6 +29,8 @@ struct RowKernels {
     void (*copyMaskedRow24)(u8* target, const u8* source, const u8* mask, size_t count);
     void (*compositeRow24)(u8* target, const u8* source, size_t count);
     void (*ditherRow)(u8* target, const u8* source, u32 columns, const u8* table, u32 y);
+    /// (28 * blue + 151 * green + 77 * red) >> 8 of each pixel.
+    void (*lumaRow24)(u16* luma, const u8* source, size_t count);
     void (*blendTextRow)(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                          const ColorBytes& color);
     /// Sums of `bytes` bytes from `offset` on of up to 257 rows; 0 of no rows.

@@ -165,6 +165,40 @@ VECTOR void DitherRow(u8* target, const u8* source, u32 columns, const u8* table
     plain::DitherRow(target, source, columns, table, y);
 }
 
+// One channel of 8 pixels as numbers.
+VECTOR inline Lanes16 ChannelOf(Lanes16 first, Lanes16 second, const u8 (&indices)[2][16])
+{
+    return Or(Shuffle(first, Lanes16::Load(indices[0])),
+              Shuffle(second, Lanes16::Load(indices[1])));
+}
+
+// Of the 16 bytes from the first pixel on, and of those from byte 8 on.
+alignas(16) constexpr u8 planeIndices[3][2][16] = {
+    {{0, 128, 3, 128, 6, 128, 9, 128, 128, 128, 128, 128, 128, 128, 128, 128},
+     {128, 128, 128, 128, 128, 128, 128, 128, 4, 128, 7, 128, 10, 128, 13, 128}},
+    {{1, 128, 4, 128, 7, 128, 10, 128, 128, 128, 128, 128, 128, 128, 128, 128},
+     {128, 128, 128, 128, 128, 128, 128, 128, 5, 128, 8, 128, 11, 128, 14, 128}},
+    {{2, 128, 5, 128, 8, 128, 11, 128, 128, 128, 128, 128, 128, 128, 128, 128},
+     {128, 128, 128, 128, 128, 128, 128, 128, 6, 128, 9, 128, 12, 128, 15, 128}}};
+
+// At most 256 times 255.
+VECTOR void LumaRow24(u16* luma, const u8* source, size_t count)
+{
+    constexpr size_t block = 8;
+    for (; count >= block; count -= block, source += 3 * block, luma += block) {
+        const Lanes16 first = Lanes16::Load(source);
+        const Lanes16 second = Lanes16::Load(source + 8);
+        const Lanes16 blue = ChannelOf(first, second, planeIndices[0]);
+        const Lanes16 green = ChannelOf(first, second, planeIndices[1]);
+        const Lanes16 red = ChannelOf(first, second, planeIndices[2]);
+        const Lanes16 sum =
+            Add(Add(Multiply(blue, Lanes16::Splat(28)), Multiply(green, Lanes16::Splat(151))),
+                Multiply(red, Lanes16::Splat(77)));
+        StoreNumbers(luma, ShiftRight<8>(sum));
+    }
+    plain::LumaRow24(luma, source, count);
+}
+
 VECTOR void StretchBlocks(u8* target, const u8* source, const StretchColumns& columns)
 {
     for (size_t i = 0; i < columns.blocks; ++i, target += 3 * StretchBlockPixels)
@@ -202,7 +236,7 @@ VECTOR void CrossFour24(u8* const* targets, const u8* const* sources, size_t col
 
 constexpr RowKernels vectorRows = {StoreRow24,   BlendRow24,      InvertRow24,    BlendMaskRows24,
                                    ReverseRow24, CopyMaskedRow24, CompositeRow24, DitherRow,
-                                   BlendTextRow, SumRows,         AverageColumns, CrossFour24,
-                                   StretchBlocks};
+                                   LumaRow24,    BlendTextRow,    SumRows,        AverageColumns,
+                                   CrossFour24,  StretchBlocks};
 
 } // namespace vector

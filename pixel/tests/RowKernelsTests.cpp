@@ -190,6 +190,23 @@ TEST_P(RowKernelsTest, DithersEachRowOfTheMatrix)
         });
 }
 
+TEST_P(RowKernelsTest, TakesTheBrightnessOfEachPixel)
+{
+    for (size_t count = 0; count < 70; ++count)
+        for (size_t place = 0; place < 16; ++place) {
+            const Bytes source = Random(300);
+            std::vector<u16> drawn(80, 7);
+            std::vector<u16> expected = drawn;
+            kernels->lumaRow24(drawn.data() + 3, source.data() + place, count);
+            plain::LumaRow24(expected.data() + 3, source.data() + place, count);
+            ASSERT_EQ(drawn, expected) << count << " pixels at place " << place;
+        }
+    const Bytes white(24, 255);
+    u16 luma[8];
+    kernels->lumaRow24(luma, white.data(), 8);
+    EXPECT_EQ(luma[7], 255);
+}
+
 TEST_P(RowKernelsTest, LaysInkOnARow)
 {
     constexpr size_t rowBytes = 5004;
