@@ -1,6 +1,6 @@
 // What a person waits for while the pen moves: one stamp of the brush, from the pointer's message
-// to the pixels in the window, and one redraw of the whole view. A real main window of 800x480 in
-// the headless platform; the picture is loaded by nobody, only painted.
+// to the pixels in the window, a stroke of 1000, and one redraw of the whole view. A real main
+// window of 800x480 in the headless platform; the picture is loaded by nobody, only painted.
 //
 // "of_copy" is the ratio to a plain copy of the same surface in the same run; "of_frame" to one
 // frame of a 60 Hz display, 16.7 ms.
@@ -18,6 +18,7 @@
 #include <ctime>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -156,12 +157,66 @@ void RedrawView(benchmark::State& state, ScreenMode mode, u32 zoomCommand)
     MainFrame& frame = FrameIn(mode, zoomCommand);
     BesideACopy(state, frame, [&] { frame.RedrawView(); });
 }
-BENCHMARK_CAPTURE(RedrawView, colour_100, Colour, CommandZoom100)->UseManualTime();
-BENCHMARK_CAPTURE(RedrawView, dithered_100, Dithered, CommandZoom100)->UseManualTime();
-BENCHMARK_CAPTURE(RedrawView, four_greys_100, FourGreys, CommandZoom100)->UseManualTime();
-BENCHMARK_CAPTURE(RedrawView, colour_adjusted, Colour, CommandZoomWindow)->UseManualTime();
-BENCHMARK_CAPTURE(RedrawView, dithered_adjusted, Dithered, CommandZoomWindow)->UseManualTime();
-BENCHMARK_CAPTURE(RedrawView, four_greys_adjusted, FourGreys, CommandZoomWindow)->UseManualTime();
+/// A drag that moves over the whole view, from the press to the lift; checked as one stamp is.
+void Stroke(benchmark::State& state, ScreenMode mode)
+{
+    constexpr int Dabs = 1000;
+    MainFrame& frame = FrameIn(mode, CommandZoom100);
+    if (frame.brush->Create(static_cast<u32>(state.range(0)), 256, 1) != Done)
+        return state.SkipWithError("no brush");
+    frame.ChooseTool(CommandBrush);
+    u32 color = 0x20C04000;
+    int x = 0;
+    int y = 0;
+    BesideACopy(state, frame, [&] {
+        color ^= 0xFFFFFF00; // so that no stroke finds its own colour there
+        frame.faceColor = color;
+        SendMessageW(frame.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(400, 240));
+        for (int step = 1; step < Dabs; ++step) {
+            x = 150 + step * 37 % 500;
+            y = 150 + step * 23 % 200;
+            SendMessageW(frame.window, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(x, y));
+        }
+        SendMessageW(frame.window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+    });
+    u32 painted = 0;
+    MainFrame::Point point = {static_cast<f64>(x), static_cast<f64>(y)};
+    frame.WindowToView(&point);
+    frame.ViewToImage(&point);
+    (void)frame.image->GetPixel(static_cast<i32>(point.x), static_cast<i32>(point.y), &painted);
+    frame.image->UnlockAll();
+    for (const int shift : {8, 16, 24}) {
+        const u32 got = painted >> shift & 255;
+        const u32 ink = color >> shift & 255;
+        if (got > ink + 1 || got + 1 < ink)
+            return state.SkipWithError("the stroke is not in the picture");
+    }
+    state.SetItemsProcessed(state.iterations() * Dabs);
+}
+
+void AddStrokesAndRedraws()
+{
+    const std::pair<const char*, ScreenMode> modes[] = {
+        {"colour", Colour}, {"dithered", Dithered}, {"four_greys", FourGreys}};
+    const std::pair<const char*, u32> zooms[] = {{"100", CommandZoom100},
+                                                 {"25", CommandZoom25},
+                                                 {"400", CommandZoom400},
+                                                 {"adjusted", CommandZoomWindow}};
+    for (const auto& [modeName, mode] : modes) {
+        const ScreenMode shown = mode;
+        benchmark::RegisterBenchmark((std::string("Stroke_of_1000/") + modeName).c_str(),
+                                     [shown](benchmark::State& state) { Stroke(state, shown); })
+            ->Arg(5)
+            ->UseManualTime();
+        for (const auto& [zoomName, zoom] : zooms) {
+            const u32 command = zoom;
+            benchmark::RegisterBenchmark(
+                (std::string("RedrawView/") + modeName + "_" + zoomName).c_str(),
+                [shown, command](benchmark::State& state) { RedrawView(state, shown, command); })
+                ->UseManualTime();
+        }
+    }
+}
 
 /// Away from the person's own settings and pages, without a display.
 void SetSurroundings()
@@ -184,6 +239,7 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
+    AddStrokesAndRedraws();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     // The window and what it stands on go with the process, as in the program.
