@@ -4,14 +4,17 @@
 // end a table in Markdown.
 //
 //   codec_bench [--benchmark_filter=...]
+//   codec_bench --pictures    makes what it reads and ends
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <sys/resource.h>
 #include <sys/utsname.h>
@@ -161,6 +164,11 @@ double Net(const Line& line)
     return line.ours.seconds - line.idle.seconds;
 }
 
+std::string FirstWord(const std::string& text)
+{
+    return text.substr(0, text.find(' '));
+}
+
 void Measure(benchmark::State& state, const Row& row)
 {
     if (!std::filesystem::exists(plugins + row.plugin + ".dll") || !Make(row)) {
@@ -181,15 +189,11 @@ void Measure(benchmark::State& state, const Row& row)
         return;
     }
     lines.push_back(line);
+    state.SetLabel(FirstWord(row.tool));
     state.counters["of_tool"] = Net(line) / line.tool.seconds;
     state.counters["our_mb"] =
         static_cast<double>(line.ours.kilobytes - line.idle.kilobytes) / 1024;
     state.counters["tool_mb"] = static_cast<double>(line.tool.kilobytes) / 1024;
-}
-
-std::string FirstWord(const std::string& text)
-{
-    return text.substr(0, text.find(' '));
 }
 
 void PrintTable()
@@ -217,6 +221,8 @@ void PrintTable()
 
 int main(int count, char** arguments)
 {
+    if (count == 2 && std::strcmp(arguments[1], "--pictures") == 0)
+        return std::all_of(std::begin(rows), std::end(rows), Make) ? 0 : 1;
     for (const Row& row : rows)
         benchmark::RegisterBenchmark((std::string(row.what) + "/" + row.name).c_str(),
                                      [&row](benchmark::State& state) { Measure(state, row); })

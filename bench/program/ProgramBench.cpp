@@ -2,9 +2,9 @@
 // little: opening, drawing, painting, reversing, turning, saving, closing. Each flow is a process
 // of its own (program-run), whose picture is compared with what the library read, turned likewise.
 //
-// A benchmark is named FLOW/STEP; its time is the step's on the clock, the best of the rounds.
-// "peer_ms" is what the label names, in the same run: the plain decode by the library, the disk's
-// own floor for line files, or a copy of all lines.
+// With --pictures it makes what it reads and ends. A benchmark is named FLOW/STEP; its time is the
+// step's on the clock, the best of the rounds. "peer_ms" is what the label names, in the same run:
+// the plain decode by the library, the disk's own floor for line files, or a copy of all lines.
 
 #include "bench/program/Flow.h"
 #include "bench/program/LibraryCodecs.h"
@@ -254,10 +254,16 @@ std::vector<std::string> NamesOf(const std::string& step)
     return step == "check" ? std::vector<std::string>{} : std::vector<std::string>{step};
 }
 
-void Register(Flow added)
+/// All of them, which stay where they are.
+std::deque<Flow>& Flows()
 {
     static std::deque<Flow> flows;
-    const Flow& flow = flows.emplace_back(std::move(added));
+    return flows;
+}
+
+void Register(Flow added)
+{
+    const Flow& flow = Flows().emplace_back(std::move(added));
     std::vector<std::string> names;
     for (const std::string& step : flow.steps)
         for (const std::string& name : NamesOf(step))
@@ -307,11 +313,24 @@ void RegisterFlows()
                   2, growing});
 }
 
+/// Makes the pictures that are not there yet, and nothing else.
+bool MakePictures()
+{
+    bool made = true;
+    for (const Flow& flow : Flows())
+        for (const std::string& step : flow.steps)
+            if (Is(step, "open:"))
+                made = !flow.picture(flow.width, flow.height, ArgumentOf(step)).empty() && made;
+    return made;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     RegisterFlows();
+    if (argc == 2 && std::strcmp(argv[1], "--pictures") == 0)
+        return MakePictures() ? 0 : 1;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;
