@@ -47,10 +47,17 @@ def seconds(run, key="real_time"):
 
 
 def time(value):
+    if value <= 0:
+        return "0"
     for limit, unit, factor in ((1e-6, "ns", 1e9), (1e-3, "us", 1e6), (1, "ms", 1e3)):
         if value < limit:
             return f"{value * factor:.3g} {unit}"
     return f"{value:.2f} s" if value < 100 else f"{value:.0f} s"
+
+
+def rate(value):
+    unit, factor = ("M/s", 1e-6) if value >= 1e6 else ("k/s", 1e-3)
+    return f"{value * factor:.3g} {unit}"
 
 
 def milliseconds(value):
@@ -105,7 +112,7 @@ def pixel():
 
     def figure(run):
         if "items_per_second" in run:
-            return f"{run['items_per_second'] / 1e3:.3g} k/s"
+            return rate(run["items_per_second"])
         return time(seconds(run, "cpu_time"))
 
     rows = []
@@ -113,7 +120,7 @@ def pixel():
         ours = best.pop("tavrix", None)
         if ours is None:
             continue
-        for who, theirs in best.items():
+        for who, theirs in sorted(best.items(), key=lambda peer: (peer[0] == "limit", peer[0])):
             beside = "copy limit" if who == "limit" else who
             ratio = times(theirs["cpu_time"], ours["cpu_time"])
             rows.append([operation, figure(ours), beside, figure(theirs), ratio])
@@ -256,6 +263,8 @@ def named(run, keep):
 
 def plugin():
     rows = [named(run, ["cpu_time", "of_plain"]) for run in runs("plugin_bench")]
+    # Without a plugin there is nothing plain to stand beside.
+    rows = [row[:2] + [""] if row[0] == "StartUpPass/0" else row for row in rows]
     return table(["", "ours", "plain ones"], rows)
 
 
