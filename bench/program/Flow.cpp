@@ -41,6 +41,31 @@ const std::string folder = TAVRIX_BINARY_DIR "/bench/program";
     _exit(127);
 }
 
+/// Starts it with its output in the pipe, whose other end stays open.
+pid_t Start(const std::vector<std::string>& steps, const std::string& memory,
+            const std::string& pages, const int (&ends)[2])
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(ends[1], STDOUT_FILENO);
+        close(ends[0]);
+        close(ends[1]);
+        Become(steps, memory, pages);
+    }
+    close(ends[1]);
+    return child;
+}
+
+/// How it ended; empty for as it should.
+std::string WaitFor(pid_t child)
+{
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (WIFSIGNALED(status))
+        return "killed by signal " + std::to_string(WTERMSIG(status));
+    return status == 0 ? "" : "ended with " + std::to_string(WEXITSTATUS(status));
+}
+
 // A request to end would wait for the job under way, so that a process that takes too long is
 // killed.
 std::string ReadUntilEnd(int pipe, pid_t child, int secondsAtMost)
@@ -101,32 +126,23 @@ FlowResult RunFlow(const std::vector<std::string>& steps, const std::string& mem
                    const std::string& pages, int secondsAtMost)
 {
     std::filesystem::create_directories(folder + "/home");
-    std::filesystem::create_directories(pages);
     std::filesystem::permissions(folder + "/home", std::filesystem::perms::owner_all);
-    int ends[2] = {};
+    std::filesystem::create_directories(pages);
     FlowResult result;
+    int ends[2] = {};
     if (pipe(ends) != 0) {
         result.fault = "no pipe";
         return result;
     }
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(ends[1], STDOUT_FILENO);
-        close(ends[0]);
-        close(ends[1]);
-        Become(steps, memory, pages);
-    }
-    close(ends[1]);
+    const pid_t child = Start(steps, memory, pages, ends);
     const std::string text = ReadUntilEnd(ends[0], child, secondsAtMost);
     close(ends[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);)
         Take(&result, line);
-    if (result.fault.empty() && status != 0)
-        result.fault = WIFSIGNALED(status) ? "killed by signal " + std::to_string(WTERMSIG(status))
-                                           : "ended with " + std::to_string(WEXITSTATUS(status));
+    const std::string end = WaitFor(child);
+    if (result.fault.empty())
+        result.fault = end;
     return result;
 }
 

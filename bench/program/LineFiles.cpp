@@ -20,6 +20,11 @@ double SecondsSince(Clock::time_point begin)
     return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
+std::string FolderIn(const std::string& pages)
+{
+    return pages + "-floor";
+}
+
 std::string NameOf(const std::string& folder, unsigned line)
 {
     char name[16];
@@ -47,23 +52,31 @@ bool ReadAndRemove(const std::string& name, std::vector<char>* line)
 
 } // namespace
 
-LineFilesCost MeasureLineFiles(const std::string& pages, unsigned count, unsigned bytes)
+double MakeLineFiles(const std::string& pages, unsigned count, unsigned bytes)
 {
-    const std::string folder = pages + "/floor";
+    const std::string folder = FolderIn(pages);
     std::filesystem::create_directories(folder);
-    std::vector<char> line(bytes, 'x');
-    LineFilesCost cost;
-    cost.whole = true;
-    auto begin = Clock::now();
-    for (unsigned i = 0; i < count && cost.whole; ++i)
-        cost.whole = Write(NameOf(folder, i), line);
-    cost.made = SecondsSince(begin);
-    begin = Clock::now();
+    const std::vector<char> line(bytes, 'x');
+    bool whole = true;
+    const auto begin = Clock::now();
+    for (unsigned i = 0; i < count && whole; ++i)
+        whole = Write(NameOf(folder, i), line);
+    const double spent = SecondsSince(begin);
+    sync(); // what follows is not to wait for these files
+    return whole ? spent : 0;
+}
+
+double ReadLineFiles(const std::string& pages, unsigned count, unsigned bytes)
+{
+    const std::string folder = FolderIn(pages);
+    std::vector<char> line(bytes);
+    bool whole = true;
+    const auto begin = Clock::now();
     for (unsigned i = 0; i < count; ++i)
-        cost.whole = ReadAndRemove(NameOf(folder, i), &line) && cost.whole;
-    cost.read = SecondsSince(begin);
+        whole = ReadAndRemove(NameOf(folder, i), &line) && whole;
+    const double spent = SecondsSince(begin);
     std::filesystem::remove_all(folder);
-    return cost;
+    return whole ? spent : 0;
 }
 
 } // namespace bench
