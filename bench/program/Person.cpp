@@ -6,7 +6,6 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <utility>
 
 namespace bench
@@ -66,15 +65,15 @@ void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD)
 
 } // namespace
 
-void TypeNextName(const std::string& file)
+bool TypeNextName(const std::string& file)
 {
     std::u16string path;
     if (tavrix::platform::DevicePathOf(file, &path) != tavrix::platform::HostPathResult::Done)
-        std::printf("fault %s cannot be named on the device\n", file.c_str());
-    else
-        nextName = path.substr(1); // the dialog stands in the root
+        return false;
+    nextName = path.substr(1); // the dialog stands in the root
     if (looking == 0)
         looking = SetTimer(nullptr, 0, LookMilliseconds, Look);
+    return true;
 }
 
 bool IsNameTaken()

@@ -8,8 +8,9 @@
 namespace bench
 {
 
-/// The host file whose name the next file dialog gets. Begins to look for dialogs.
-void TypeNextName(const std::string& file);
+/// The host file whose name the next file dialog gets. Begins to look for dialogs. False for a name
+/// that the device cannot have.
+bool TypeNextName(const std::string& file);
 /// Whether it was typed since.
 bool IsNameTaken();
 /// Called right before each answer that closes a dialog; an empty one ends it.

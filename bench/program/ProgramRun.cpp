@@ -71,7 +71,8 @@ u32 PixelAt(MainFrame& frame, i32 x, i32 y)
 void RunNamed(MainFrame& frame, const std::string& what, const std::string& file)
 {
     const bool opens = what == "open";
-    bench::TypeNextName(file);
+    if (!bench::TypeNextName(file))
+        Fail("no name on the device: " + file);
     StepClock clock(what + "_" + file.substr(file.rfind('.') + 1));
     bench::OnLastAnswer([&clock] { clock.Restart(); });
     Command(frame, opens ? CommandOpenFile : CommandSave);
