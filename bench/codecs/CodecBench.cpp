@@ -28,7 +28,7 @@ namespace
 const std::string folder = TAVRIX_BINARY_DIR "/bench/codec-pictures";
 const std::string runner = TAVRIX_BINARY_DIR "/bench/plugin-run";
 const std::string plugins = TAVRIX_BINARY_DIR "/bin/PLUGINS/";
-constexpr int rounds = 3;
+constexpr int rounds = 2;
 
 struct Row {
     const char* name;

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <poll.h>
 #include <sstream>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -47,6 +48,7 @@ pid_t Start(const std::vector<std::string>& steps, const std::string& memory,
 {
     const pid_t child = fork();
     if (child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL); // no flow outlives the bench
         dup2(ends[1], STDOUT_FILENO);
         close(ends[0]);
         close(ends[1]);

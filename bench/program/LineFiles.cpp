@@ -55,6 +55,7 @@ bool ReadAndRemove(const std::string& name, std::vector<char>* line)
 double MakeLineFiles(const std::string& pages, unsigned count, unsigned bytes)
 {
     const std::string folder = FolderIn(pages);
+    std::filesystem::remove_all(folder); // of a run that was ended
     std::filesystem::create_directories(folder);
     const std::vector<char> line(bytes, 'x');
     bool whole = true;
@@ -62,7 +63,6 @@ double MakeLineFiles(const std::string& pages, unsigned count, unsigned bytes)
     for (unsigned i = 0; i < count && whole; ++i)
         whole = Write(NameOf(folder, i), line);
     const double spent = SecondsSince(begin);
-    sync(); // what follows is not to wait for these files
     return whole ? spent : 0;
 }
 

@@ -7,9 +7,8 @@
 namespace bench
 {
 
-/// Seconds to create, write and close them in a folder of their own below `pages`; 0 when not all
-/// could be made. They stay until they are read: a file system that lets the records of removed
-/// files rest would make what is measured next pay for them.
+/// Seconds to create, write and close them in a folder of their own beside `pages`; 0 when not all
+/// could be made.
 double MakeLineFiles(const std::string& pages, unsigned count, unsigned bytes);
 /// Seconds to open, read, close and remove them; 0 when not all were whole.
 double ReadLineFiles(const std::string& pages, unsigned count, unsigned bytes);

@@ -186,8 +186,10 @@ Outcome Carry(const Flow& flow)
 {
     Outcome outcome;
     const unsigned bytes = 3 * (flow.width + 1);
-    if (!flow.memory.empty())
+    if (!flow.memory.empty()) {
         outcome.filesMade = bench::MakeLineFiles(pages, flow.height, bytes);
+        outcome.filesRead = bench::ReadLineFiles(pages, flow.height, bytes);
+    }
     for (int round = 0; round < flow.rounds; ++round) {
         const std::vector<std::string> steps = Located(flow);
         FlowResult result = bench::RunFlow(steps, flow.memory, pages, SecondsAtMost);
@@ -201,8 +203,6 @@ Outcome Carry(const Flow& flow)
         }
         MeasurePeers(flow, steps, &outcome);
     }
-    if (!flow.memory.empty())
-        outcome.filesRead = bench::ReadLineFiles(pages, flow.height, bytes);
     for (const char* extension : {".png", ".jpg", ".bmp"})
         std::filesystem::remove(folder + "saved" + extension);
     return outcome;
