@@ -45,6 +45,10 @@ struct Lanes32 {
     {
         return {_mm256_set1_epi8(static_cast<char>(byte))};
     }
+    static VECTOR Lanes32 Widen(const u8* bytes)
+    {
+        return {_mm256_cvtepu8_epi16(Lanes16::Load(bytes).v)};
+    }
     VECTOR void Store(u8* bytes) const
     {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), v);

@@ -34,55 +34,88 @@ Reduction GroupRows(const u8* const* rows, u32 count, const BoxSpan& span, const
             {1, between, last}};
 }
 
+// The spans of an axis one after the other, each of which begins where the one before it ends.
+class Spans
+{
+public:
+    Spans(const BoxAxis& of, u32 output)
+        : axis(of), position(of.step * output), covered(output << 10), first(position >> 16),
+          firstUnits(first * of.unit)
+    {
+    }
+    BoxSpan Next()
+    {
+        position += axis.step;
+        covered += 1024;
+        const u32 last = position >> 16;
+        const u32 lastUnits = last * axis.unit;
+        const BoxSpan span = {first, last, axis.unit + (firstUnits & 0x3FF), covered - lastUnits};
+        first = last;
+        firstUnits = lastUnits;
+        return span;
+    }
+
+private:
+    const BoxAxis axis;
+    u32 position; // 16.16
+    u32 covered;  // by the outputs so far, in 1/1024
+    u32 first;
+    u32 firstUnits; // first * axis.unit
+};
+
 BoxColumns ColumnsOf(const BoxSpan& span, const BoxAxis& axis, u32 tile)
 {
-    const u32 end = std::min(span.last, axis.size);
     const u32 first = span.first - tile;
-    BoxColumns columns = {first, 0, first, {span.firstCover, axis.unit, 0, 0}};
     if (span.first == span.last)
-        return columns;
-    columns.between = end - span.first - 1;
-    if (span.last < axis.size) {
-        columns.last = span.last - tile;
-        columns.covers[2] = span.lastCover;
-    }
-    return columns;
+        return {first, 0, first, {span.firstCover, axis.unit, 0, 0}};
+    const u32 between = std::min(span.last, axis.size) - span.first - 1;
+    if (span.last >= axis.size)
+        return {first, between, first, {span.firstCover, axis.unit, 0, 0}};
+    return {first, between, span.last - tile, {span.firstCover, axis.unit, span.lastCover, 0}};
 }
 
-// How many pixels from `pixel` on, 0 or more, fit into a tile; their columns begin at `*tile` and
-// end before `*tileEnd`.
-u32 FillTile(const BoxAxis& axis, u32 pixel, u32 width, BoxColumns* columns, u32* tile,
-             u32* tileEnd)
+// Some pixels of a row whose columns fit into a tile.
+struct Tile {
+    u32 pixels = 0;
+    u32 begin = 0; // columns of the source
+    u32 end = 0;
+    u32 between = 0; // at most that many columns lie between the ends of a pixel's
+    BoxColumns columns[TilePixels];
+};
+
+// From `pixel` on; none where the columns of that one do not fit.
+void FillTile(Tile* tile, const BoxAxis& axis, u32 pixel, u32 width)
 {
-    *tile = BoxSpanOf(axis, pixel).first;
+    Spans spans(axis, pixel);
+    tile->begin = BoxSpanOf(axis, pixel).first;
+    tile->between = 0;
     u32 count = 0;
-    for (; count < TilePixels && pixel + count < width; ++count) {
-        const BoxSpan span = BoxSpanOf(axis, pixel + count);
+    for (const u32 most = std::min(TilePixels, width - pixel); count < most; ++count) {
+        const BoxSpan span = spans.Next();
         const u32 end = std::min(span.last + 1, axis.size);
-        if (span.first >= axis.size || end - *tile > TileColumns)
+        if (span.first >= axis.size || end - tile->begin > TileColumns)
             break;
-        columns[count] = ColumnsOf(span, axis, *tile);
-        *tileEnd = end;
+        tile->columns[count] = ColumnsOf(span, axis, tile->begin);
+        tile->between = std::max(tile->between, tile->columns[count].between);
+        tile->end = end;
     }
-    return count;
+    tile->pixels = count;
 }
 
-void DrawTile(u8* out, const Reduction& reduction, const BoxColumns* columns, u32 count, u32 tile,
-              u32 tileEnd)
+void DrawTile(u8* out, const Reduction& reduction, const Tile& tile)
 {
     u16 sums[3][3 * TileColumns + 5];
-    const size_t bytes = size_t{3} * (tileEnd - tile);
+    const size_t bytes = size_t{3} * (tile.end - tile.begin);
     BoxSums of = {{sums[0], sums[1], sums[2]}, {}, {}, 0};
-    for (u32 i = 0; i < count; ++i)
-        of.samples = std::max(of.samples, std::max(reduction.rows[1], u32{1}) * columns[i].between);
+    of.samples = std::max(reduction.rows[1], u32{1}) * tile.between;
     for (u32 group = 0; group < 3; ++group) {
         of.cover[group] = reduction.covers[group];
         of.rows[group] = reduction.rows[group];
         Kernels().sumRows(sums[group], reduction.groups[group], reduction.rows[group],
-                          size_t{3} * tile, bytes);
+                          size_t{3} * tile.begin, bytes);
         std::fill_n(sums[group] + bytes, 5, u16{0});
     }
-    Kernels().averageColumns(out, of, columns, count);
+    Kernels().averageColumns(out, of, tile.columns, tile.pixels);
 }
 
 // Any reduction whatever.
@@ -134,18 +167,14 @@ void AverageRow24(u8* out, u32 width, const u8* const* rows, u32 count, const Bo
     if (columns.size == 0 || count == 0)
         return;
     const Reduction reduction = GroupRows(rows, count, span, columns, lines);
-    BoxColumns of[TilePixels];
-    for (u32 pixel = 0; pixel < width;) {
-        u32 tile = 0;
-        u32 tileEnd = 0;
-        const u32 drawn = reduction.rows[1] <= MostRows
-                              ? FillTile(columns, pixel, width, of, &tile, &tileEnd)
-                              : 0;
+    Tile tile;
+    for (u32 pixel = 0; pixel < width; pixel += std::max(tile.pixels, u32{1})) {
+        if (reduction.rows[1] <= MostRows)
+            FillTile(&tile, columns, pixel, width);
         u8* const at = out + size_t{3} * pixel;
-        if (drawn > 0)
-            DrawTile(at, reduction, of, drawn, tile, tileEnd);
+        if (tile.pixels > 0)
+            DrawTile(at, reduction, tile);
         else
             AveragePixel(at, reduction, BoxSpanOf(columns, pixel));
-        pixel += std::max(drawn, u32{1});
     }
 }

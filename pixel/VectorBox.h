@@ -8,30 +8,15 @@ VECTOR inline void StoreNumbers(u16* numbers, Lanes16 in)
     in.Store(reinterpret_cast<u8*>(numbers));
 }
 
-// Numbers in the order of their bytes.
-VECTOR inline Lanes16 LowBytes(Lanes16 bytes)
-{
-    return {_mm_cvtepu8_epi16(bytes.v)};
-}
-
-VECTOR inline Lanes16 HighBytes(Lanes16 bytes)
-{
-    return {_mm_unpackhi_epi8(bytes.v, _mm_setzero_si128())};
-}
-
 VECTOR void SumRows(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes)
 {
+    constexpr size_t block = Lanes::Bytes / 2;
     size_t i = 0;
-    for (; i + Lanes16::Bytes <= bytes; i += Lanes16::Bytes) {
-        Lanes16 low = Lanes16::Splat(0);
-        Lanes16 high = low;
-        for (u32 row = 0; row < count; ++row) {
-            const Lanes16 of = Lanes16::Load(rows[row] + offset + i);
-            low = Add(low, LowBytes(of));
-            high = Add(high, HighBytes(of));
-        }
-        StoreNumbers(sums + i, low);
-        StoreNumbers(sums + i + 8, high);
+    for (; i + block <= bytes; i += block) {
+        Lanes sum = Lanes::Splat(0);
+        for (u32 row = 0; row < count; ++row)
+            sum = Add(sum, Lanes::Widen(rows[row] + offset + i));
+        sum.Store(reinterpret_cast<u8*>(sums + i));
     }
     plain::SumRows(sums + i, rows, count, offset + i, bytes - i);
 }
@@ -43,18 +28,33 @@ struct Weighed {
     __m128i weights;
 };
 
+VECTOR inline __m128i LoadNumbers(const u16* numbers)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(numbers));
+}
+
+VECTOR inline __m128i SumFour(const u16* sums)
+{
+    return _mm_add_epi16(_mm_add_epi16(LoadNumbers(sums), LoadNumbers(sums + 3)),
+                         _mm_add_epi16(LoadNumbers(sums + 6), LoadNumbers(sums + 9)));
+}
+
 // Blue, green and red of columns that follow one another, and a number of no account; in 16 bits
 // where the sum of all bytes fits.
 template <bool Fits>
 VECTOR inline __m128i SumBetween(const u16* sums, u32 count)
 {
     __m128i sum = _mm_setzero_si128();
+    if constexpr (Fits) {
+        for (; count >= 4; count -= 4, sums += 12)
+            sum = _mm_add_epi16(sum, SumFour(sums));
+        for (; count > 0; --count, sums += 3)
+            sum = _mm_add_epi16(sum, LoadNumbers(sums));
+        return _mm_cvtepu16_epi32(sum);
+    }
     for (const u16* const end = sums + size_t{3} * count; sums != end; sums += 3)
-        if constexpr (Fits)
-            sum = _mm_add_epi16(sum, _mm_loadu_si128(reinterpret_cast<const __m128i*>(sums)));
-        else
-            sum = _mm_add_epi32(sum, LoadSums(sums));
-    return Fits ? _mm_cvtepu16_epi32(sum) : sum;
+        sum = _mm_add_epi32(sum, LoadSums(sums));
+    return sum;
 }
 
 // Adds a group of rows. `covers`: those of the first column, of one between and of the last.

@@ -27,6 +27,11 @@ struct Lanes16 {
     static VECTOR Lanes16 Repeat(__m128i sixteen) { return {sixteen}; }
     static VECTOR Lanes16 Splat(u32 number) { return {_mm_set1_epi16(static_cast<short>(number))}; }
     static VECTOR Lanes16 SplatByte(u32 byte) { return {_mm_set1_epi8(static_cast<char>(byte))}; }
+    /// Half as many bytes as numbers.
+    static VECTOR Lanes16 Widen(const u8* bytes)
+    {
+        return {_mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes)))};
+    }
     VECTOR void Store(u8* bytes) const { _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), v); }
     VECTOR bool IsZero() const { return _mm_testz_si128(v, v) != 0; }
 };
