@@ -132,17 +132,22 @@ void Raster::DropPhysicalLine(uintptr_t physical, u32 removedFrom, u32 removedCo
 {
     if (physical >= lineCount)
         return;
-    for (u32 i = 0; i < records; ++i) {
-        const bool removed = i >= removedFrom && i - removedFrom < removedCount;
-        if (!removed && locked[i] && !swapped[i] && lineRef[i] == physical)
-            return;
-    }
+    const auto isPinned = [&](u32 from, u32 to) {
+        for (u32 i = from; i < to; ++i)
+            if (locked[i] && !swapped[i] && lineRef[i] == physical) // few are locked
+                return true;
+        return false;
+    };
+    const u32 first = removedFrom < records ? removedFrom : records;
+    const u32 behind = removedCount < records - first ? first + removedCount : records;
+    if (isPinned(0, first) || isPinned(behind, records))
+        return;
     // Without memory for the smaller table nothing moved, and the references still tell the truth.
     if (LineTable::DeleteLines(static_cast<i32>(physical), 1) < 0)
         return;
+    // No branch, since resident lines lie among others in any order.
     for (u32 i = 0; i < records; ++i)
-        if (!swapped[i] && lineRef[i] > physical)
-            --lineRef[i];
+        lineRef[i] -= static_cast<uintptr_t>(swapped[i] == 0) & (lineRef[i] > physical);
 }
 
 i32 Raster::RemoveLines(i32 at, u32* count)

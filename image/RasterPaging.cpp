@@ -151,8 +151,7 @@ i32 Raster::SwapInLine(u32 line)
     if (LineTable::InsertLines(0, 1) < 0)
         return NoMemory;
     for (u32 i = 0; i < records; ++i)
-        if (!swapped[i])
-            ++lineRef[i];
+        lineRef[i] += swapped[i] == 0;
     ReadLineFile(line, lines[0]);
     return Done;
 }
