@@ -1,7 +1,5 @@
 #include "standard-plugins/common/PictureLines.h"
 
-#include "standard-plugins/common/HostLine.h"
-
 namespace
 {
 
@@ -36,7 +34,6 @@ uint8_t* LockPictureLine(PictureLines* lines, uint32_t y)
     uint32_t count = 1;
     const int32_t result =
         lines->rasters->RasterLockLines(lines->image, static_cast<int32_t>(y), &line, &count);
-    lines->held = line;
     if (result >= 1 && count == 1 && line)
         return static_cast<uint8_t*>(line);
     lines->problem = WriteProblem::Line;
@@ -45,6 +42,6 @@ uint8_t* LockPictureLine(PictureLines* lines, uint32_t y)
 
 bool UnlockPictureLine(PictureLines* lines, uint32_t y)
 {
-    return UnlockHostLine(lines->rasters, lines->image, static_cast<int32_t>(y), lines->held) ||
+    return lines->rasters->RasterUnlockLines(lines->image, static_cast<int32_t>(y), 1) >= 1 ||
            Fail(lines, WriteProblem::Line);
 }

@@ -10,7 +10,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -50,11 +49,7 @@ public:
     bool askedTooMuch = false;
     /// No line is kept: each lock lends a fresh one. For measuring a decoder's own memory.
     bool forgets = false;
-    /// A picture without files where memory is short: each unlock gives 0, and the line stays where
-    /// it is.
-    bool keepsUnstored = false;
-    /// The n-th call of each from now fails, when n is not negative. A line whose unlock fails is
-    /// lost to whoever locks it.
+    /// The n-th call of each from now fails with this result, when n is not negative.
     int failLockAfter = -1;
     int failUnlockAfter = -1;
     int failInsertAfter = -1;
@@ -76,7 +71,6 @@ private:
     std::vector<std::string> lines;
     std::vector<bool> written;
     std::map<uint32_t, std::unique_ptr<char[]>> lent;
-    std::set<uint32_t> lost;
 };
 
 } // namespace plugintest
