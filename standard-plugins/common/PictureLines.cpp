@@ -1,5 +1,7 @@
 #include "standard-plugins/common/PictureLines.h"
 
+#include "standard-plugins/common/HostLine.h"
+
 namespace
 {
 
@@ -34,6 +36,7 @@ uint8_t* LockPictureLine(PictureLines* lines, uint32_t y)
     uint32_t count = 1;
     const int32_t result =
         lines->rasters->RasterLockLines(lines->image, static_cast<int32_t>(y), &line, &count);
+    lines->held = line;
     if (result >= 1 && count == 1 && line)
         return static_cast<uint8_t*>(line);
     lines->problem = WriteProblem::Line;
@@ -42,6 +45,6 @@ uint8_t* LockPictureLine(PictureLines* lines, uint32_t y)
 
 bool UnlockPictureLine(PictureLines* lines, uint32_t y)
 {
-    return lines->rasters->RasterUnlockLines(lines->image, static_cast<int32_t>(y), 1) >= 1 ||
+    return UnlockHostLine(lines->rasters, lines->image, static_cast<int32_t>(y), lines->held) ||
            Fail(lines, WriteProblem::Line);
 }

@@ -16,6 +16,8 @@ struct PictureLines {
     /// At least 1 each once the picture is open.
     uint32_t width;
     uint32_t height;
+    /// The line that was locked last; at most one is at a time.
+    const void* held;
     /// Why an operation failed; None otherwise.
     WriteProblem problem;
 };

@@ -1,5 +1,7 @@
 #include "standard-plugins/common/PictureReader.h"
 
+#include "standard-plugins/common/HostLine.h"
+
 #include <stdlib.h>
 
 #include <string.h>
@@ -105,7 +107,7 @@ bool ReadLine(PictureReader* reader, uint32_t y, Convert convert, uint8_t* row)
         return Fail(reader, WriteProblem::Line);
     convert(*reader, static_cast<const uint8_t*>(line), row);
     // A line that cannot go back to its file is lost to the picture, whatever was read of it.
-    return reader->rasters->RasterUnlockLines(reader->image, number, 1) >= 1 ||
+    return UnlockHostLine(reader->rasters, reader->image, number, line) ||
            Fail(reader, WriteProblem::Line);
 }
 

@@ -163,14 +163,26 @@ TEST_F(BrightnessContrast, FailuresAreTold)
     EXPECT_EQ(Process(&deep), -1);
     EXPECT_EQ(OnlyMessage(), u"変更できるのは 24 ビットの画像だけです。");
     EXPECT_EQ(CurrentWriterHost().captions.back(), u"明るさとコントラスト");
-    // A single line that is lost is a failure too.
-    for (const bool onward : {true, false}) {
-        PretendMemory(1000);
-        Raster paged;
-        Fill(&paged, 30, 60, 24, Wild);
-        FailLineFilesFrom(20, onward);
-        EXPECT_EQ(Process(&paged), -101);
-        tavrix::testing::SetFileFault(nullptr);
-        EXPECT_EQ(OnlyMessage(), noLineTextJapanese);
-    }
+    PretendMemory(1000);
+    Raster paged;
+    Fill(&paged, 30, 60, 24, Wild);
+    FailLineFilesFrom(20);
+    EXPECT_EQ(Process(&paged), -101);
+    tavrix::testing::SetFileFault(nullptr);
+    EXPECT_EQ(OnlyMessage(), noLineTextJapanese);
+}
+
+TEST_F(BrightnessContrast, LineThatCannotGoBackToItsFileButStaysInMemoryIsChangedLikeTheOthers)
+{
+    SetTones(-100, 0);
+    PretendMemory(1000);
+    Raster paged;
+    Fill(&paged, 30, 60, 24, [](u32, u32, int) -> u8 { return 200; });
+    FailLineFilesFrom(20, false);
+    EXPECT_EQ(Process(&paged), 1);
+    tavrix::testing::SetFileFault(nullptr);
+    EXPECT_TRUE(CurrentWriterHost().messages.empty());
+    const Pixels pixels = PixelsOf(&paged);
+    for (u32 y = 0; y < 60; ++y)
+        EXPECT_EQ(pixels.At(29, y, 2), 0) << y;
 }

@@ -3,6 +3,7 @@
 
 #include "foundation/Stream.h"
 #include "platform/testing/Faults.h"
+#include "standard-plugins/tests/support/Changing.h"
 #include "standard-plugins/tests/support/MemoryInUse.h"
 #include "standard-plugins/tests/support/Writing.h"
 
@@ -292,33 +293,39 @@ TEST_P(WriterFailure, FolderOrFileThatTakesNoWrites)
     ExpectFailure(&image, target, nothing, -1, locked, lockedJapanese);
 }
 
-TEST_P(WriterFailure, LineThatCannotBeHadOrCannotGoBackToItsFile)
+TEST_P(WriterFailure, LineThatCannotBeHad)
 {
     // Every line lies in a file of its own, and one that is read comes into memory: another has to
-    // go. The disk takes none from the n-th of these on, or not the n-th alone, which is a line
-    // that is lost all the same.
-    for (const bool onward : {true, false})
-        for (const int lines : {0, 1, 100}) {
+    // go. The disk takes none from the n-th of these on.
+    for (const int lines : {0, 1, 100}) {
+        PretendMemory(1000);
+        Raster paged;
+        Fill(&paged, width, height, 24, Wild);
+        const auto arrange = [lines] {
             PretendMemory(1000);
-            Raster paged;
-            Fill(&paged, width, height, 24, Wild);
-            int left = 0;
-            const auto arrange = [lines, onward, &left] {
-                PretendMemory(1000);
-                left = lines;
-                tavrix::testing::SetFileFault(
-                    [onward, &left](FileOperation operation, const WCHAR* path, DWORD*) {
-                        if (operation != FileOperation::Write ||
-                            !std::u16string(path).starts_with(u"\\Temp\\"))
-                            return false;
-                        --left;
-                        return onward ? left < 0 : left == -1;
-                    });
-            };
-            // Unlocking the last line does nothing, and bitmaps begin with it.
-            leavesLastLine = GetParam().name == std::string("Bmp");
-            ExpectFailure(&paged, target, arrange, -101, noLine, noLineJapanese);
-        }
+            FailLineFilesFrom(lines);
+        };
+        // Unlocking the last line does nothing, and bitmaps begin with it.
+        leavesLastLine = GetParam().name == std::string("Bmp");
+        ExpectFailure(&paged, target, arrange, -101, noLine, noLineJapanese);
+    }
+}
+
+TEST_P(WriterFailure, LineThatCannotGoBackToItsFileButStaysInMemoryIsNotLost)
+{
+    // The first to go is the last line, which the filling left in memory: it makes room for the
+    // first that is asked for.
+    for (const int lines : {1, 2, 100}) {
+        PretendMemory(1000);
+        Raster paged;
+        Fill(&paged, width, height, 24, Wild);
+        FailLineFilesFrom(lines, false);
+        EXPECT_EQ(Write(&paged, target), 1) << lines;
+        tavrix::testing::Reset();
+        PretendMemory(u64{1} << 30);
+        EXPECT_TRUE(FileBytes(target) == whole) << lines;
+        EXPECT_TRUE(CurrentWriterHost().messages.empty());
+    }
 }
 
 TEST_P(WriterFailure, PictureWhoseLinesLieInFilesGivesTheSameFile)

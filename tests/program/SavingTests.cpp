@@ -1,6 +1,7 @@
 // From the command to the file on the disk and back, with the bundled plugins: every file that the
 // program wrote is read by programs that have nothing to do with it.
 
+#include "foundation/MemoryGauge.h"
 #include "foundation/Result.h"
 #include "platform/testing/core/TestHome.h"
 #include "resources/Ids.h"
@@ -286,6 +287,30 @@ TEST(Saving, OfASelectionTheSelectedPixelsAloneAreInTheFile)
         }
         EXPECT_EQ(DifferentPixels(picture, Home("whole.png")), "0");
         EXPECT_EQ(frame.selectionActive, 1u);
+    });
+}
+
+TEST(Saving, APictureThatWasTurnedAndHasNoFilesSinceIsSavedWhereMemoryIsShort)
+{
+    HideToolWindows();
+    InstallAll();
+    const std::string picture = PictureAtHome();
+    RunProgramOn(picture, [&](MainFrame& frame) {
+        Command(frame, CommandRotateClockwise);
+        {
+            const Answers answers({TypeName(u"plenty", u"PNG"), PressEnter()});
+            Command(frame, CommandSave);
+        }
+        SwapDirs folders = {};
+        ASSERT_EQ(frame.image->GetSwapDirs(&folders), Done);
+        ASSERT_EQ(folders.primary, nullptr);
+        SetFreeMemory(0xA0000); // no line of any picture has room
+        MemoryGauge::Sample();
+        const Answers answers({TypeName(u"copy", u"PNG"), PressEnter()});
+        Command(frame, CommandSave);
+        EXPECT_EQ(answers.boxes, std::vector<std::u16string>{});
+        EXPECT_EQ(OutputOf("identify -format '%w %h' " + Quoted(Home("copy.png"))), "45 60");
+        EXPECT_EQ(DifferentPixels(Home("plenty.png"), Home("copy.png")), "0");
     });
 }
 

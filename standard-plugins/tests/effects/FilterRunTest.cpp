@@ -276,6 +276,18 @@ TEST_F(FilterRun, EveryLockAndUnlockThatFailsLeavesTheLinesAboveChangedAndThoseB
         }
 }
 
+TEST_F(FilterRun, APictureWithoutFilesIsChangedWhereMemoryIsShort)
+{
+    for (const u32 reach : {0u, 2u}) {
+        const Pixels whole = Expected(PixelsOf(4, 9, Wild), static_cast<int>(reach));
+        Prepare(4, 9);
+        canvas->keepsUnstored = true;
+        ASSERT_EQ(Run(TwoPasses(), reach), WriteProblem::None);
+        canvas->UnlockAll();
+        EXPECT_EQ(LinesDone(whole), 9u);
+    }
+}
+
 TEST_F(FilterRun, RefusalAtEveryCallStopsThere)
 {
     for (const u32 reach : {0u, 2u}) {

@@ -1,5 +1,6 @@
 #include "standard-plugins/tests/support/Canvas.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace plugintest
@@ -111,6 +112,14 @@ int32_t Canvas::Lock(int32_t line, void** out, uint32_t* count)
     if (*count > height - first)
         *count = height - first;
     for (uint32_t i = 0; i < *count; ++i) {
+        if (lost.count(first + i) > 0) {
+            *count = i;
+            return 0;
+        }
+        if (keepsUnstored && lent.count(first + i) > 0) {
+            out[i] = lent[first + i].get();
+            continue;
+        }
         TakeBack(first + i); // a line that stayed locked is the same line
         auto& block = lent[first + i];
         block = std::make_unique<char[]>(stride);
@@ -142,9 +151,17 @@ int32_t Canvas::Unlock(int32_t line, uint32_t count)
         return -1;
     if (first + count >= height)
         count = height - first - count;
+    if (keepsUnstored && count == 1) {
+        written[first] = true;
+        return 0;
+    }
     for (uint32_t i = 0; i < count; ++i)
         TakeBack(first + i);
-    return CountsDown(failUnlockAfter) ? 0 : 1;
+    if (!CountsDown(failUnlockAfter))
+        return 1;
+    for (uint32_t i = 0; i < std::max(count, 1u); ++i)
+        lost.insert(first + i);
+    return 0;
 }
 
 void Canvas::UnlockAll()

@@ -10,6 +10,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -49,7 +50,11 @@ public:
     bool askedTooMuch = false;
     /// No line is kept: each lock lends a fresh one. For measuring a decoder's own memory.
     bool forgets = false;
-    /// The n-th call of each from now fails with this result, when n is not negative.
+    /// A picture without files where memory is short: each unlock gives 0, and the line stays where
+    /// it is.
+    bool keepsUnstored = false;
+    /// The n-th call of each from now fails, when n is not negative. A line whose unlock fails is
+    /// lost to whoever locks it.
     int failLockAfter = -1;
     int failUnlockAfter = -1;
     int failInsertAfter = -1;
@@ -71,6 +76,7 @@ private:
     std::vector<std::string> lines;
     std::vector<bool> written;
     std::map<uint32_t, std::unique_ptr<char[]>> lent;
+    std::set<uint32_t> lost;
 };
 
 } // namespace plugintest
