@@ -5,6 +5,7 @@
 
 #include "foundation/MemoryStream.h"
 #include "image/Raster.h"
+#include "platform/testing/core/TestPaths.h"
 #include "plugin/EffectPlugin.h"
 #include "plugin/FormatList.h"
 #include "plugin/FunctionTables.h"
@@ -27,7 +28,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-const fs::path folder = TAVRIX_BINARY_DIR "/bench/plugin-folders";
+const fs::path folder = tavrix::testing::InBuild("/bench/plugin-folders");
 
 std::u16string DevicePath(const fs::path& host)
 {
@@ -98,7 +99,7 @@ void Beside(benchmark::State& state, Ours ours, Plain plain)
     state.counters["of_plain"] = mine / theirs;
 }
 
-void LoadAndUnload(benchmark::State& state, const char* library)
+void LoadAndUnload(benchmark::State& state, const std::string& library)
 {
     const fs::path place = FolderOf(library, "INPUT", 1);
     InputPlugin plugin;
@@ -113,8 +114,10 @@ void LoadAndUnload(benchmark::State& state, const char* library)
         },
         [&] { Plainly((place / "INPUT/1000.dll").string()); });
 }
-BENCHMARK_CAPTURE(LoadAndUnload, nothing, TAVRIX_BENCH_NOTHING_INPUT)->UseManualTime();
-BENCHMARK_CAPTURE(LoadAndUnload, jpeg, TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/JPEG.dll")
+BENCHMARK_CAPTURE(LoadAndUnload, nothing,
+                  tavrix::testing::InBuild("/bench/bench_nothing_INPUT.dll"))
+    ->UseManualTime();
+BENCHMARK_CAPTURE(LoadAndUnload, jpeg, tavrix::testing::InBuild("/bin/PLUGINS/INPUT/JPEG.dll"))
     ->UseManualTime();
 
 /// The pass over a folder of plugins, which loads each twice, beside the same loads by themselves.
@@ -122,7 +125,7 @@ void StartUpPass(benchmark::State& state)
 {
     const int count = static_cast<int>(state.range(0));
     const fs::path place =
-        FolderOf(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/JPEG.dll", "INPUT", count);
+        FolderOf(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/JPEG.dll"), "INPUT", count);
     Beside(
         state,
         [&] {
@@ -159,7 +162,8 @@ BENCHMARK(StartUpPass)->Arg(0)->Arg(10)->Arg(100)->UseManualTime()->Unit(benchma
 /// A call of an effect that does nothing: the heap, both tables, the shim.
 void CallAnEffect(benchmark::State& state)
 {
-    const fs::path place = FolderOf(TAVRIX_BENCH_NOTHING_EFFECT, "EFFECT", 1);
+    const fs::path place =
+        FolderOf(tavrix::testing::InBuild("/bench/bench_nothing_EFFECT.dll"), "EFFECT", 1);
     EffectPlugin plugin;
     if (plugin.ScanIn(DevicePath(place).c_str(), ForgetPaths) != 1 || plugin.LoadByIndex(0, 0) < 0)
         return state.SkipWithError("the plugin is not found");
@@ -172,7 +176,8 @@ BENCHMARK(CallAnEffect);
 /// The same for a reader, with the record of a stream.
 void CallAReader(benchmark::State& state)
 {
-    const fs::path place = FolderOf(TAVRIX_BENCH_NOTHING_INPUT, "INPUT", 1);
+    const fs::path place =
+        FolderOf(tavrix::testing::InBuild("/bench/bench_nothing_INPUT.dll"), "INPUT", 1);
     InputPlugin plugin;
     if (plugin.ScanIn(DevicePath(place).c_str(), ForgetPaths) != 1 || plugin.LoadByIndex(0, 0) < 0)
         return state.SkipWithError("the plugin is not found");

@@ -5,6 +5,8 @@
 // "budget" is what a picture may take: the empty window, the job's fixed 100 ms, and 1.3 times the
 // plain decode. "of_budget" below 1 is within it.
 
+#include "platform/testing/core/TestPaths.h"
+
 #include <benchmark/benchmark.h>
 
 #include <jpeglib.h>
@@ -25,8 +27,8 @@
 namespace
 {
 
-const std::string folder = TAVRIX_BINARY_DIR "/bench/pictures";
-const std::string built = TAVRIX_BINARY_DIR "/bin";
+const std::string folder = tavrix::testing::InBuild("/bench/pictures");
+const std::string built = tavrix::testing::InBuild("/bin");
 
 double Now()
 {
@@ -40,7 +42,7 @@ std::string Picture(int width, int height, const std::string& name)
     std::filesystem::create_directories(folder);
     const std::string path = folder + "/" + name;
     if (!std::filesystem::exists(path)) {
-        const std::string command = TAVRIX_BINARY_DIR "/tools/make-picture " +
+        const std::string command = tavrix::testing::InBuild("/tools/make-picture ") +
                                     std::to_string(width) + " " + std::to_string(height) + " '" +
                                     path + "'";
         if (std::system(command.c_str()) != 0)

@@ -6,6 +6,7 @@
 // frame of a 60 Hz display, 16.7 ms.
 
 #include "platform/host/Resources.h"
+#include "platform/testing/core/TestPaths.h"
 #include "resources/Embedded.h"
 #include "resources/Ids.h"
 #include "shell/Application.h"
@@ -221,7 +222,7 @@ void AddStrokesAndRedraws()
 /// Away from the person's own settings and pages, without a display.
 void SetSurroundings()
 {
-    const std::filesystem::path home = TAVRIX_BINARY_DIR "/bench/view-home";
+    const std::filesystem::path home = tavrix::testing::InBuild("/bench/view-home");
     std::filesystem::create_directories(home);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     setenv("HOME", home.c_str(), 1);

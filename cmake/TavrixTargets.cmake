@@ -10,21 +10,38 @@ else()
 endif()
 
 # Where sources and build lie, and what a test that starts a program of the build puts in front of
-# it: nothing, or the emulator, as the first initializers of an array of texts. In a header of its
-# own, so that the tests that do not ask compile to the same bytes in every checkout, which is what
-# lets a compiler cache serve them.
+# it: nothing, or the emulator. The one source that is not the same in every checkout.
 set(emulator "")
 foreach(word ${CMAKE_CROSSCOMPILING_EMULATOR})
   string(APPEND emulator "\"${word}\",")
 endforeach()
-file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/generated/TestPaths.h CONTENT "\
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/generated/TestPaths.cpp CONTENT "\
 // Made by the build: where things lie.
-#pragma once
+#include \"platform/testing/core/TestPaths.h\"
 
-#define TAVRIX_SOURCE_DIR \"@CMAKE_SOURCE_DIR@\"
-#define TAVRIX_BINARY_DIR \"@CMAKE_BINARY_DIR@\"
-#define TAVRIX_TEST_EMULATOR @emulator@
+namespace tavrix::testing
+{
+
+std::string InSource(const std::string& below)
+{
+    return \"@CMAKE_SOURCE_DIR@\" + below;
+}
+
+std::string InBuild(const std::string& below)
+{
+    return \"@CMAKE_BINARY_DIR@\" + below;
+}
+
+std::vector<std::string> TestEmulator()
+{
+    return {@emulator@};
+}
+
+} // namespace tavrix::testing
 " @ONLY)
+add_library(tavrix_test_paths STATIC EXCLUDE_FROM_ALL ${CMAKE_BINARY_DIR}/generated/TestPaths.cpp)
+add_library(tavrix::test_paths ALIAS tavrix_test_paths)
+target_include_directories(tavrix_test_paths PUBLIC ${CMAKE_SOURCE_DIR})
 
 # Tests are compiled for a quick build: not optimised, and with lines alone for the debugger. What
 # they test is built as its preset says. Under the emulator they would run too long that way.
@@ -64,7 +81,7 @@ function(tavrix_library name)
   target_link_libraries(tavrix_${name} PUBLIC tavrix::device ${ARG_DEPENDS})
 endfunction()
 
-function(tavrix_test_suites name label)
+function(tavrix_test_suites name label environment)
   file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake CONTENT "
 set(TAVRIX_SUITES_NAME @name@)
 set(TAVRIX_SUITES_PROGRAM \"@CMAKE_BINARY_DIR@/tests/@name@\")
@@ -72,7 +89,7 @@ set(TAVRIX_SUITES_LIST \"@CMAKE_CURRENT_BINARY_DIR@/@name@_suites.txt\")
 set(TAVRIX_SUITES_EMULATOR \"@CMAKE_CROSSCOMPILING_EMULATOR@\")
 set(TAVRIX_SUITES_LABEL @label@)
 set(TAVRIX_SUITES_TIMEOUT 600)
-set(TAVRIX_SUITES_ENVIRONMENT \"@TAVRIX_TEST_ENVIRONMENT@\")
+set(TAVRIX_SUITES_ENVIRONMENT \"@environment@\")
 include(\"@CMAKE_SOURCE_DIR@/cmake/DiscoverSuites.cmake\")
 " @ONLY)
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES
@@ -80,13 +97,14 @@ include(\"@CMAKE_SOURCE_DIR@/cmake/DiscoverSuites.cmake\")
 endfunction()
 
 # tavrix_tests(NAME LABEL layer SOURCES file... LIBRARIES target...): a GoogleTest program whose
-# tests CTest knows one by one under the label of their layer. Without SOURCES: tests/*.cpp.
-# Each test gets a home of its own, so that none sees the user's files or another test's.
-# SUITES: CTest knows the suites alone, each a process, where the tests leave nothing behind in
-# theirs. Most of a small test's time is its process.
+# suites CTest knows one by one under the label of their layer. Without SOURCES: tests/*.cpp.
+# Each test gets a process and a home of its own, so that none sees the user's files or another
+# test's; the processes of a suite are forks of one, as most of a small test's time is its start.
+# SUITES: one process for a suite, where its tests leave nothing behind in it.
+# EACH: CTest knows each test, to run those side by side that wait most of the time.
 # Built without run-time type information, as what they derive from; RTTI asks for it.
 function(tavrix_tests name)
-  cmake_parse_arguments(ARG "RTTI;SUITES" "LABEL;TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+  cmake_parse_arguments(ARG "RTTI;SUITES;EACH" "LABEL;TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
   if(NOT ARG_SOURCES)
     file(GLOB ARG_SOURCES CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/*.cpp)
   endif()
@@ -103,15 +121,21 @@ function(tavrix_tests name)
   endif()
   target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
-  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gtest)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} tavrix::test_paths GTest::gtest)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  if(ARG_SUITES)
-    tavrix_test_suites(${name} ${ARG_LABEL})
-    return()
+  if(ARG_EACH)
+    tavrix_each_test(${name} ${ARG_LABEL} ${ARG_TIMEOUT})
+  elseif(ARG_SUITES)
+    tavrix_test_suites(${name} ${ARG_LABEL} "${TAVRIX_TEST_ENVIRONMENT}")
+  else()
+    tavrix_test_suites(${name} ${ARG_LABEL}
+                       "${TAVRIX_TEST_ENVIRONMENT};TAVRIX_TESTS_APART=${ARG_TIMEOUT}")
   endif()
+endfunction()
+
+function(tavrix_each_test name label timeout)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 NO_PRETTY_TYPES
-                       TEST_PREFIX "${name}."
-                       PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT})
+                       TEST_PREFIX "${name}." PROPERTIES LABELS ${label} TIMEOUT ${timeout})
   # Of a list among those properties only the first would arrive.
   file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${name}_environment.cmake CONTENT "
 if(@name@_TESTS)

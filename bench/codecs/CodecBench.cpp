@@ -6,6 +6,8 @@
 //   codec_bench [--benchmark_filter=...]
 //   codec_bench --pictures    makes what it reads and ends
 
+#include "platform/testing/core/TestPaths.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -25,9 +27,9 @@
 namespace
 {
 
-const std::string folder = TAVRIX_BINARY_DIR "/bench/codec-pictures";
-const std::string runner = TAVRIX_BINARY_DIR "/bench/plugin-run";
-const std::string plugins = TAVRIX_BINARY_DIR "/bin/PLUGINS/";
+const std::string folder = tavrix::testing::InBuild("/bench/codec-pictures");
+const std::string runner = tavrix::testing::InBuild("/bench/plugin-run");
+const std::string plugins = tavrix::testing::InBuild("/bin/PLUGINS/");
 constexpr int rounds = 2;
 
 struct Row {
@@ -143,8 +145,7 @@ bool Make(const Row& row)
         return std::system(("cd " + folder + " && " + command).c_str()) == 0;
     };
     if (!std::filesystem::exists(folder + "/soft.ppm") &&
-        !run(TAVRIX_BINARY_DIR
-             "/tools/make-picture 4000 3000 soft-made.jpg && "
+        !run(tavrix::testing::InBuild("/tools/make-picture 4000 3000 soft-made.jpg && ") +
              "djpeg -outfile soft.ppm soft-made.jpg && "
              "pamchannel -infile soft.ppm -tupletype RGB 2 1 0 | pamtopnm > soft-bgr.ppm"))
         return false;

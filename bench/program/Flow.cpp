@@ -1,5 +1,7 @@
 #include "bench/program/Flow.h"
 
+#include "platform/testing/core/TestPaths.h"
+
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -17,7 +19,7 @@ namespace bench
 namespace
 {
 
-const std::string folder = TAVRIX_BINARY_DIR "/bench/program";
+const std::string folder = tavrix::testing::InBuild("/bench/program");
 
 [[noreturn]] void Become(const std::vector<std::string>& steps, const std::string& memory,
                          const std::string& pages)

@@ -10,6 +10,7 @@
 #include "bench/program/LibraryCodecs.h"
 #include "bench/program/LineFiles.h"
 #include "bench/program/TexturedPictures.h"
+#include "platform/testing/core/TestPaths.h"
 
 #include <benchmark/benchmark.h>
 
@@ -31,7 +32,7 @@ using bench::FlowResult;
 using bench::Places;
 using bench::StepFigures;
 
-const std::string folder = TAVRIX_BINARY_DIR "/bench/program/";
+const std::string folder = tavrix::testing::InBuild("/bench/program/");
 const std::string pages = folder + "pages";
 constexpr int SecondsAtMost = 400;
 constexpr int JpegTolerance = 3;   // between two ways of enlarging colour

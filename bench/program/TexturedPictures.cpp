@@ -1,6 +1,7 @@
 #include "bench/program/TexturedPictures.h"
 
 #include "bench/program/LibraryCodecs.h"
+#include "platform/testing/core/TestPaths.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -15,7 +16,7 @@ namespace
 {
 
 constexpr unsigned TileRows = 240;
-const std::string folder = TAVRIX_BINARY_DIR "/bench/pictures/";
+const std::string folder = tavrix::testing::InBuild("/bench/pictures/");
 
 std::string PathOf(const std::string& kind, unsigned width, unsigned height,
                    const std::string& extension)
@@ -68,7 +69,7 @@ std::string Harbour(unsigned width, unsigned height, const std::string& extensio
 {
     return Keep(PathOf("harbour", width, height, extension), extension,
                 [&](const std::string& target) {
-                    const std::string command = TAVRIX_BINARY_DIR "/tools/make-picture " +
+                    const std::string command = tavrix::testing::InBuild("/tools/make-picture ") +
                                                 std::to_string(width) + " " +
                                                 std::to_string(height) + " '" + target + "'";
                     return std::system(command.c_str()) == 0;

@@ -61,12 +61,13 @@ private:
 };
 
 /// Runs `body` without a fault and then with the first, the second, ... operation failing, first
-/// that one alone, then all from it on; each time until a run in which nothing fired. After every
+/// that one alone, then all from it on; each time until a run in which nothing fired. Of many
+/// operations those fail that NextPlace chooses. After every
 /// run `check` is called with nothing armed, and told whether the fault fired.
 ///
 /// Fails the test if no fault ever fires, and if a run leaves more device memory, heaps, handles or
 /// drawing objects behind than the first one did. Stops at the first run that fails the test, with
-/// the number of the fault in the message. Answers how many different faults fired.
+/// the number of the fault in the message. Answers how many operations there were to fail.
 unsigned ForEveryFault(FaultKind kind, const std::function<void()>& body,
                        const std::function<void(bool fired)>& check = {});
 

@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace plugintest
 {
@@ -24,7 +24,8 @@ namespace plugintest
 /// The library of the plugin `name` of tests/fixtures, as the build made it.
 inline std::filesystem::path Library(const std::string& name)
 {
-    return std::filesystem::path(TAVRIX_BINARY_DIR) / "tests/plugins/fixtures" / (name + ".dll");
+    return std::filesystem::path(tavrix::testing::InBuild("/tests/plugins/fixtures")) /
+           (name + ".dll");
 }
 
 /// The device path of a host path: all of the host lies below \Computer.

@@ -75,7 +75,7 @@ TEST(ManyLoads, TenThousandUsesOfAPluginTakeNoMoreThanOne)
         return;
     EXPECT_EQ(after.mappings, before.mappings);
     // What an emulator keeps of the code that it translated at each load counts as the process's.
-    const std::vector<std::string> emulator = {TAVRIX_TEST_EMULATOR};
+    const std::vector<std::string> emulator = tavrix::testing::TestEmulator();
     if (!emulator.empty())
         return;
     // Less than 7 bytes a use; one forgotten block of the smallest size would be 32.

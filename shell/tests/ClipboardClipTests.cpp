@@ -699,7 +699,7 @@ TEST(ClipboardClip, CornersThatNoDragLeavesAreSurvived)
 
 TEST(ClipboardClip, WithoutAPictureNothingIsHarmed)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
     RunProgram(u"", [](MainFrame& frame) {
         Send(frame, 40056); // the key selects from 0 to -1
         for (const int active : {1, 0})

@@ -280,7 +280,7 @@ TEST(DrawLetters, APictureOfOnePixelAndNoPictureAtAllAreSurvived)
 TEST(DrawLetters, AnEmptyDocumentStaysEmpty)
 {
     Scope scope;
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
     EXPECT_EQ(RunProgram(u"",
                          [](MainFrame& frame) {
                              Draw(frame, latin, latinFont, 1);

@@ -50,7 +50,7 @@ protected:
     /// Runs on the test picture with one plugin that writes.
     void Run(const std::vector<Step>& steps, int width = PictureWidth, int height = PictureHeight)
     {
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
         InstallWriter("Painter.aaa");
         EXPECT_EQ(RunProgramOn(WriteTestPng(width, height), steps), 0);
     }

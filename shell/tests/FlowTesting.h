@@ -28,7 +28,7 @@ inline void SwitchUndoOn()
 inline void RunOnPicture(const std::vector<Step>& steps, int width = PictureWidth,
                          int height = PictureHeight)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
     InstallFixture("inverting", "EFFECT");
     InstallFixture("halving", "ADJUST");
     EXPECT_EQ(RunProgramOn(WriteTestPng(width, height), steps), 0);

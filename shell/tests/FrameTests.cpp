@@ -12,7 +12,7 @@
 #include <fstream>
 #include <sstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 
@@ -45,7 +45,7 @@ bool Checked(HMENU menu, UINT item)
 
 void InstallQuick()
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/quick.dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/quick.dll"));
 }
 
 } // namespace
@@ -130,7 +130,7 @@ TEST(Frame, WithNoTaskBarTheViewStillLosesOneLine)
 
 TEST(Frame, TheMarkersAreTheResourcesBytes)
 {
-    std::ifstream file(TAVRIX_BINARY_DIR "/resources/markers.bin", std::ios::binary);
+    std::ifstream file(tavrix::testing::InBuild("/resources/markers.bin"), std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(file)), {});
     ASSERT_EQ(bytes.size(), size_t{21 * 48 * 4});
     InstallQuick();
@@ -249,7 +249,7 @@ TEST(Frame, BeforeAPictureTheImageEntriesAreGrayAndAfterOneEnabled)
 TEST(Frame, MenusStayEnabledWhenALaterLoadFails)
 {
     InstallQuick();
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/failing.dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/failing.dll"));
     const std::string good = TestHome() + "/a.quick";
     const std::string bad = TestHome() + "/b.failing";
     std::ofstream(good) << "x";

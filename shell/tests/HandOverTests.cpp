@@ -13,7 +13,7 @@
 #include <fstream>
 #include <memory>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 
@@ -29,7 +29,7 @@ std::string MakeFile(const std::string& name)
 
 void InstallFixture(const std::string& name)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/" + name + ".dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/") + name + ".dll");
 }
 
 /// Hands bytes over that stand in a block of exactly their size.

@@ -16,7 +16,7 @@
 #include <fstream>
 #include <functional>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace jobtest
 {
@@ -25,7 +25,7 @@ using namespace tavrix::testing;
 
 inline void InstallFixture(const std::string& name, const std::string& kind = "INPUT")
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/" + name + ".dll", kind);
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/") + name + ".dll", kind);
 }
 
 /// One plugin of every kind that a job runs; `input` is that of the first.

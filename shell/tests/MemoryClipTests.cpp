@@ -369,7 +369,7 @@ TEST(MemoryClip, WithoutAPictureNothingIsPasted)
 {
     Scope scope;
     SetLanguage(1033);
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
     RunProgram(u"", [](MainFrame& frame) {
         const Answering answering;
         Send(frame, Copy);

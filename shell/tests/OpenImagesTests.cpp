@@ -9,7 +9,7 @@
 
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 
@@ -25,7 +25,7 @@ std::string MakeFile(const std::string& name)
 
 void InstallFixture(const std::string& name)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/" + name + ".dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/") + name + ".dll");
 }
 
 u32 Setting(MainFrame& frame, const WCHAR* key)

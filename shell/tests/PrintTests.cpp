@@ -16,7 +16,7 @@ protected:
     PrintFlow()
     {
         SetLanguage(1033);
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
         InstallFixture("printing", "PRINT");
         person.onDialog = [this](HWND dialog) {
             ++dialogs;

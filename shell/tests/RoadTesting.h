@@ -28,11 +28,13 @@ inline constexpr u32 FirstSaveAs = 41100;
 /// A plugin whose file's name tells its name and formats (FormatFixture.h).
 inline void InstallReader(const std::string& file)
 {
-    InstallPluginAs(TAVRIX_BINARY_DIR "/tests/shell-fixtures/reading.dll", "INPUT", file + ".dll");
+    InstallPluginAs(tavrix::testing::InBuild("/tests/shell-fixtures/reading.dll"), "INPUT",
+                    file + ".dll");
 }
 inline void InstallWriter(const std::string& file)
 {
-    InstallPluginAs(TAVRIX_BINARY_DIR "/tests/shell-fixtures/writing.dll", "OUTPUT", file + ".dll");
+    InstallPluginAs(tavrix::testing::InBuild("/tests/shell-fixtures/writing.dll"), "OUTPUT",
+                    file + ".dll");
 }
 inline void RemovePlugin(const std::string& kind, const std::string& file)
 {

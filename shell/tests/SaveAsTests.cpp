@@ -14,7 +14,7 @@ protected:
     SavingAs()
     {
         SetLanguage(1033);
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
         InstallWriter("Pa.aaa");
         InstallWriter("Pb.bbb_ccc");
     }

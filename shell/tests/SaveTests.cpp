@@ -41,7 +41,7 @@ protected:
 
     void Run(const std::vector<Step>& steps)
     {
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
         InstallWriter("Pa.aaa");
         InstallWriter("Pb.jpg+jpeg_ccc");
         EXPECT_EQ(RunProgramOn(WriteTestPng(PictureWidth, PictureHeight), steps), 0);
@@ -362,7 +362,7 @@ TEST(SavingToFile, ALongNameIsCutWhereTheFrameKeepsIt)
     Scope scope;
     SetLanguage(1033);
     Person person;
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
     InstallWriter("Pa.aaa");
     const std::string folder(120, 'f');
     std::filesystem::create_directories(TestHome() + "/" + folder + "/" + folder);

@@ -125,7 +125,8 @@ TEST(ScaleImage, GivenUpItChangesNothingAndRemembersNothing)
 
 TEST(ScaleImage, TheChosenPluginIsRememberedAndOfferedTheNextTime)
 {
-    InstallPluginAs(TAVRIX_BINARY_DIR "/tests/shell-fixtures/resizing.dll", "SCALE", "A.dll");
+    InstallPluginAs(tavrix::testing::InBuild("/tests/shell-fixtures/resizing.dll"), "SCALE",
+                    "A.dll");
     InstallLabelled("SCALE", "B.Second");
     InstallLabelled("SCALE", "C.Third");
     Sizer sizer;

@@ -11,7 +11,7 @@
 #include <fstream>
 #include <iterator>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 
@@ -43,7 +43,7 @@ std::string Read(const std::string& path)
 /// A run with no command line and one plugin, as the program asks for one.
 void RunWithPlugin(const Step& step)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/quick.dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/quick.dll"));
     RunProgram(u"", step);
 }
 

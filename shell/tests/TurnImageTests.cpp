@@ -384,7 +384,7 @@ TEST(TurnImage, WithoutAPictureNothingIsTurnedAndAQuarterTellsSo)
 {
     Scope scope;
     SetLanguage(1033);
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
     RunProgram(u"", [](MainFrame& frame) {
         for (const u32 command : turns) {
             const Answering answering;

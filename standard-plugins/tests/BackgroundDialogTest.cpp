@@ -7,8 +7,8 @@
 
 #include "plugin/InputPlugin.h"
 
+#include "platform/testing/core/TestPaths.h"
 #include <commctrl.h>
-#include <TestPaths.h>
 
 using namespace plugintest;
 using namespace tavrix::testing;
@@ -54,7 +54,7 @@ protected:
     BackgroundDialog()
     {
         CurrentWriterHost() = {};
-        const auto plugins = std::filesystem::path(TAVRIX_BINARY_DIR) / "bin/PLUGINS";
+        const auto plugins = tavrix::testing::InBuild("/bin/PLUGINS");
         found = plugin.ScanIn(DevicePath(plugins).c_str(), ForgetPaths);
         Load(9);
     }

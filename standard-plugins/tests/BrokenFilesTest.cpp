@@ -12,7 +12,7 @@
 #include <iterator>
 #include <set>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using plugintest::ByteStream;
 using plugintest::Canvas;
@@ -138,7 +138,7 @@ const Input pngInputs[] = {
 
 std::filesystem::path Folder(const char* format)
 {
-    return std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs" / format;
+    return std::filesystem::path(tavrix::testing::InSource("/tests/inputs")) / format;
 }
 
 std::string FileBytes(const std::filesystem::path& path)

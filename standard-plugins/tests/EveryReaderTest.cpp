@@ -10,7 +10,7 @@
 #include <fstream>
 #include <iterator>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace plugintest;
 
@@ -52,7 +52,7 @@ struct Sample {
 std::vector<Sample> KeptFiles(const char* folder)
 {
     std::vector<Sample> samples;
-    const auto place = std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs" / folder;
+    const auto place = std::filesystem::path(tavrix::testing::InSource("/tests/inputs")) / folder;
     for (const auto& entry : std::filesystem::directory_iterator(place))
         samples.push_back({entry.path().filename(), BytesOf(entry.path())});
     std::sort(samples.begin(), samples.end(),

@@ -14,7 +14,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using plugintest::MakeJpeg;
 using plugintest::MakePng;
@@ -65,8 +65,7 @@ protected:
     {
         tavrix::testing::SetFreeMemory(1u << 30);
         MemoryGauge::Sample();
-        const std::filesystem::path plugins =
-            std::filesystem::path(TAVRIX_BINARY_DIR) / "bin/PLUGINS";
+        const std::filesystem::path plugins = tavrix::testing::InBuild("/bin/PLUGINS");
         found = host.ScanIn(DevicePath(plugins).c_str(), ForgetPaths);
     }
     ~Hosted() override

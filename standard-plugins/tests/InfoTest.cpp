@@ -8,7 +8,7 @@
 #include <array>
 #include <cstdio>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using plugintest::ByteStream;
 using plugintest::Canvas;
@@ -86,8 +86,8 @@ const Plugin plugins[] = {
      u"*.gif", readerExports},
     {"INPUT/TIFF", u"TIFF reader", u"TIFF 読み込み", u"TIFF image (*.tif)", u"TIFF 画像 (*.tif)",
      u"*.tif;*.tiff", readerExports},
-    {"INPUT/WebP", u"WebP reader", u"WebP 読み込み", u"WebP image (*.webp)",
-     u"WebP 画像 (*.webp)", u"*.webp", readerExports},
+    {"INPUT/WebP", u"WebP reader", u"WebP 読み込み", u"WebP image (*.webp)", u"WebP 画像 (*.webp)",
+     u"*.webp", readerExports},
     {"OUTPUT/JPEG", u"JPEG writer", u"JPEG 書き込み", u"JPEG image (*.jpg)", u"JPEG 画像 (*.jpg)",
      u"*.jpg;*.jpeg;*.jpe", writerExports},
     {"OUTPUT/PNG", u"PNG writer", u"PNG 書き込み", u"PNG image (*.png)", u"PNG 画像 (*.png)",
@@ -348,8 +348,8 @@ TEST(PluginLibraries, AnswerWithinAMillisecondOfLoading)
 {
     // What a writer needs of the device is in the process already, there as here: of the rounds
     // that are measured only the first loads it.
-    const std::string tool = "LD_LIBRARY_PATH=" + std::string(TAVRIX_BINARY_DIR) + "/bin " +
-                             TAVRIX_BINARY_DIR + "/tools/load-plugin ";
+    const std::string tool = "LD_LIBRARY_PATH=" + tavrix::testing::InBuild("/bin ") +
+                             tavrix::testing::InBuild("/tools/load-plugin ");
     constexpr double most = 1;
     for (const Plugin& each : plugins) {
         const std::string told = OutputOf(tool + LibraryFile(each.file));

@@ -12,7 +12,7 @@
 #include <fstream>
 #include <iterator>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using plugintest::ByteStream;
 using plugintest::Canvas;
@@ -310,7 +310,7 @@ TEST_F(JpegReader, DecodesQuicklyAtAHalfAQuarterOrAnEighth)
 
 TEST_F(JpegReader, QuickDecodeOfEveryKeptFileFailsWhereTheWholeOneDoes)
 {
-    const auto folder = std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs/jpeg";
+    const auto folder = tavrix::testing::InSource("/tests/inputs/jpeg");
     for (const uint32_t divisor : {2u, 8u})
         for (const auto& entry : std::filesystem::directory_iterator(folder)) {
             CurrentHost().settings[u"JpegInputFastDivisor"] = divisor;

@@ -3,6 +3,7 @@
 
 #include "foundation/Stream.h"
 #include "platform/testing/Faults.h"
+#include "platform/testing/Thorough.h"
 #include "standard-plugins/tests/support/Changing.h"
 #include "standard-plugins/tests/support/MemoryInUse.h"
 #include "standard-plugins/tests/support/Writing.h"
@@ -341,13 +342,13 @@ TEST_P(WriterFailure, RefusalOfEachProgressReportEndsItWithoutAWord)
 {
     ASSERT_EQ(Write(&image, folder / "counted"), 1);
     std::filesystem::remove(folder / "counted");
-    const auto reports = static_cast<int>(CurrentWriterHost().progress.size());
-    ASSERT_GE(reports, 60);
-    for (int refused = 0; refused < reports; ++refused) {
-        CurrentWriterHost().refuseFrom = refused;
-        EXPECT_EQ(Write(&image, target), -9) << refused;
-        EXPECT_EQ(CurrentWriterHost().progress.size(), static_cast<size_t>(refused) + 1);
-        ExpectUntouched("refusal " + std::to_string(refused));
+    const auto reports = static_cast<unsigned>(CurrentWriterHost().progress.size());
+    ASSERT_GE(reports, 60u);
+    for (unsigned place = 1; place <= reports; place = tavrix::testing::NextPlace(place)) {
+        CurrentWriterHost().refuseFrom = static_cast<int>(place) - 1;
+        EXPECT_EQ(Write(&image, target), -9) << place;
+        EXPECT_EQ(CurrentWriterHost().progress.size(), place);
+        ExpectUntouched("refusal " + std::to_string(place));
     }
     EXPECT_TRUE(CurrentWriterHost().messages.empty());
 }

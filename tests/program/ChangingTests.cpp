@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 
@@ -122,8 +122,8 @@ void RunWithPlugins(const std::vector<Step>& steps)
 {
     WriteSettings(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\nEnableUndo=1\r\n");
     InstallBundledPlugins();
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/EFFECT/GaussianBlur.dll", "EFFECT");
-    InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/ADJUST/BrightnessContrast.dll", "ADJUST");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/EFFECT/GaussianBlur.dll"), "EFFECT");
+    InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/ADJUST/BrightnessContrast.dll"), "ADJUST");
     EXPECT_EQ(RunProgramOn(WriteTestPng(Width, Height), steps), 0);
 }
 

@@ -17,7 +17,7 @@
 #include <sstream>
 #include <unistd.h>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
@@ -102,7 +102,7 @@ bool Shows(MainFrame& frame, int width, int height)
 
 void InstallFixture(const std::string& name)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/" + name + ".dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/") + name + ".dll");
 }
 
 std::string MakeFile(const std::string& name)

@@ -13,7 +13,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
@@ -169,11 +169,11 @@ protected:
             if (library.fixture == nullptr)
                 std::ofstream(file) << "no library\n";
             else
-                fs::copy_file(TAVRIX_BINARY_DIR "/tests/plugins/fixtures/" +
+                fs::copy_file(tavrix::testing::InBuild("/tests/plugins/fixtures/") +
                                   std::string(library.fixture) + ".dll",
                               file);
         }
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
         bad = TestHome() + "/" + GetParam().opened;
         std::ofstream(bad) << "anything";
         good = WriteTestPng(100, 80);

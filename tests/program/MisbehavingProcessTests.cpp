@@ -13,7 +13,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
@@ -84,13 +84,13 @@ protected:
     MisbehavingProcess()
     {
         const std::string kind = row.adjusts ? "ADJUST" : "EFFECT";
-        InstallPluginAs(TAVRIX_BINARY_DIR "/tests/plugins/fixtures/" + std::string(row.name) +
-                            ".dll",
+        InstallPluginAs(tavrix::testing::InBuild("/tests/plugins/fixtures/") +
+                            std::string(row.name) + ".dll",
                         kind, "A.dll");
-        InstallPluginAs(TAVRIX_BINARY_DIR "/tests/shell-fixtures/" +
+        InstallPluginAs(tavrix::testing::InBuild("/tests/shell-fixtures/") +
                             std::string(row.adjusts ? "halving" : "inverting") + ".dll",
                         kind, "B.dll");
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
         const fs::path folder = TestHome() + "/config/tavrix/Configuration Files";
         fs::create_directories(folder);
         const std::u16string settings = u"\uFEFF[Tavrix]\r\nEnableUndo=1\r\nShowToolbox=0\r\n"

@@ -22,7 +22,7 @@
 #include <fstream>
 #include <sstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace toolwindowtest;
 
@@ -160,7 +160,7 @@ protected:
     int Run(const std::function<void(MainFrame&, HWND)>& script)
     {
         InstallBundledPlugins();
-        InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/waiting.dll");
+        InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/waiting.dll"));
         current = this;
         theScript = script;
         OnModal([](HWND dialog, bool box) {

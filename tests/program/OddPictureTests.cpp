@@ -12,7 +12,7 @@
 
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 
@@ -111,9 +111,9 @@ protected:
     OddPicture()
     {
         const Wrongdoers& row = GetParam();
-        const std::string fixtures = TAVRIX_BINARY_DIR "/tests/plugins/fixtures/";
+        const std::string fixtures = tavrix::testing::InBuild("/tests/plugins/fixtures/");
         InstallPluginAs(fixtures + row.input + ".dll", "INPUT", "X.dll");
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT/PNG.dll");
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/INPUT/PNG.dll"));
         InstallPluginAs(fixtures + row.effect + ".dll", "EFFECT", "X.dll");
         InstallPluginAs(fixtures + row.adjust + ".dll", "ADJUST", "X.dll");
         InstallPluginAs(fixtures + row.scale + ".dll", "SCALE", "X.dll");

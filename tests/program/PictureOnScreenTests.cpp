@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 
@@ -149,7 +149,7 @@ TEST(PictureOnScreen, APictureThatTellsAnAbsurdSizeIsRefused)
     SetLanguage(1033);
     InstallBundledPlugins();
     HideToolWindows();
-    RunProgramOn(TAVRIX_SOURCE_DIR "/tests/inputs/png/header-65536-wide.png",
+    RunProgramOn(tavrix::testing::InSource("/tests/inputs/png/header-65536-wide.png"),
                  [&](MainFrame& frame) {
                      EXPECT_EQ(StatusTexts().size(), 1U);
                      RasterInfo info = {};

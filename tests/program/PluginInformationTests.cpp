@@ -5,9 +5,9 @@
 #include "tests/support/Program.h"
 #include "tests/support/TestPicture.h"
 
+#include "platform/testing/core/TestPaths.h"
 #include <commctrl.h>
 #include <gtest/gtest.h>
-#include <TestPaths.h>
 
 #include <algorithm>
 #include <array>
@@ -30,7 +30,7 @@ const Text japaneseDescription = u"こちらに選択したプラグインの説
 
 std::string Fixture(const std::string& name)
 {
-    return TAVRIX_BINARY_DIR "/tests/plugins/fixtures/" + name + ".dll";
+    return tavrix::testing::InBuild("/tests/plugins/fixtures/") + name + ".dll";
 }
 
 fs::path PluginFile(const std::string& kind, const std::string& file)
@@ -651,7 +651,7 @@ TEST(PluginInformation, APluginThatIsGoneWhenTheDialogOpensEndsItsGroup)
 
 TEST(PluginInformation, AHandedOverPictureWaitsForTheEndOfTheDialog)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/quick.dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/quick.dll"));
     const std::string file = TestHome() + "/a.quick";
     std::ofstream(file) << "x";
     RunAlone({[&](MainFrame& frame) {

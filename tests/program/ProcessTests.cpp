@@ -14,7 +14,7 @@
 #include <regex>
 #include <sys/stat.h>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
@@ -221,7 +221,7 @@ TEST(Process, WithNobodyToAnswerABoxTellsItsTextAndTakesItsDefault)
     const std::string alone = TestHome() + "/alone";
     fs::create_directories(alone);
     for (const char* file : {"/tavrix", "/libtavrix-platform.so"})
-        fs::copy_file(TAVRIX_BINARY_DIR "/bin" + std::string(file), alone + file);
+        fs::copy_file(tavrix::testing::InBuild("/bin") + std::string(file), alone + file);
     const ProcessResult result =
         RunTavrix({WriteTestPng(20, 20)}, {{"TAVRIX_SHOT", ShotPath()}, {"TAVRIX_LANG", "en"}}, {},
                   alone + "/tavrix");

@@ -15,7 +15,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
@@ -83,7 +83,7 @@ void InstallAll()
 {
     for (const char* kind : {"INPUT", "OUTPUT", "PRINT"})
         for (const auto& entry :
-             fs::directory_iterator(TAVRIX_BINARY_DIR "/bin/PLUGINS/" + std::string(kind)))
+             fs::directory_iterator(tavrix::testing::InBuild("/bin/PLUGINS/") + std::string(kind)))
             InstallPlugin(entry.path(), kind);
 }
 

@@ -17,7 +17,7 @@
 #include <fstream>
 #include <sstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
@@ -98,7 +98,7 @@ std::u16string SavedSettings()
 
 void InstallQuick()
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/quick.dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/quick.dll"));
 }
 
 std::string MakeFile(const std::string& name)

@@ -6,9 +6,9 @@
 #include "tests/support/TestPicture.h"
 #include "view/tests/ToolWindowTesting.h"
 
+#include "platform/testing/core/TestPaths.h"
 #include <commctrl.h>
 #include <gtest/gtest.h>
-#include <TestPaths.h>
 
 using namespace toolwindowtest;
 
@@ -18,7 +18,7 @@ namespace
 /// A run with no command line and one plugin, without which the program would tell of it.
 int RunAlone(const Step& step)
 {
-    InstallPlugin(TAVRIX_BINARY_DIR "/tests/shell-fixtures/quick.dll");
+    InstallPlugin(tavrix::testing::InBuild("/tests/shell-fixtures/quick.dll"));
     return RunProgram(u"", step);
 }
 

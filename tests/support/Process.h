@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace tavrix::testing
 {
@@ -19,7 +19,7 @@ struct ProcessResult {
 };
 
 /// The program as the build made it, with its plugins beside it.
-inline const std::string BuiltProgram = TAVRIX_BINARY_DIR "/bin/tavrix";
+inline const std::string BuiltProgram = tavrix::testing::InBuild("/bin/tavrix");
 
 /// Runs a program, by default the built one. `whileRunning` is called every few milliseconds with
 /// the process id.

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace tavrix::testing
 {
@@ -76,13 +76,14 @@ void InstallPluginAs(const std::string& library, const std::string& kind, const 
 
 void InstallLabelled(const std::string& kind, const std::string& label)
 {
-    InstallPluginAs(TAVRIX_BINARY_DIR "/tests/shell-fixtures/labelled.dll", kind, label + ".dll");
+    InstallPluginAs(tavrix::testing::InBuild("/tests/shell-fixtures/labelled.dll"), kind,
+                    label + ".dll");
 }
 
 void InstallBundledPlugins()
 {
     for (const auto& entry :
-         std::filesystem::directory_iterator(TAVRIX_BINARY_DIR "/bin/PLUGINS/INPUT"))
+         std::filesystem::directory_iterator(tavrix::testing::InBuild("/bin/PLUGINS/INPUT")))
         InstallPlugin(entry.path());
 }
 

@@ -2,7 +2,7 @@
 
 #include "view/tests/DialogTesting.h"
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 #include <fstream>
 #include <regex>
@@ -32,7 +32,7 @@ protected:
 /// The version that the build is told, from the one place where it stands.
 std::string BuildVersion()
 {
-    std::ifstream file(TAVRIX_SOURCE_DIR "/CMakeLists.txt");
+    std::ifstream file(tavrix::testing::InSource("/CMakeLists.txt"));
     const std::regex pattern("project\\(Tavrix VERSION ([0-9.]+) .*");
     for (std::string line; std::getline(file, line);)
         if (std::smatch match; std::regex_match(line, match, pattern))

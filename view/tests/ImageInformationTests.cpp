@@ -8,7 +8,7 @@
 #include "platform/testing/core/TestHome.h"
 #include "platform/testing/Faults.h"
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 #include <filesystem>
 #include <fstream>

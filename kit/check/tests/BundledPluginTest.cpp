@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <set>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace checktest;
 
@@ -79,7 +79,7 @@ void PrintTo(const Bundled& plugin, std::ostream* out)
     *out << plugin.kind << "/" << plugin.name;
 }
 
-const std::filesystem::path builtPlugins = TAVRIX_BINARY_DIR "/bin/PLUGINS";
+const std::filesystem::path builtPlugins = tavrix::testing::InBuild("/bin/PLUGINS");
 
 // Three of the sound files of a format, the smallest.
 std::vector<std::string> SamplesOf(const Bundled& plugin)
@@ -87,7 +87,7 @@ std::vector<std::string> SamplesOf(const Bundled& plugin)
     std::vector<std::pair<uintmax_t, std::string>> found;
     if (plugin.inputs)
         for (const auto& entry : std::filesystem::directory_iterator(
-                 std::string(TAVRIX_SOURCE_DIR "/tests/inputs/") + plugin.inputs))
+                 tavrix::testing::InSource("/tests/inputs/") + plugin.inputs))
             if (entry.path().filename().string().starts_with("good-"))
                 found.emplace_back(entry.file_size(), entry.path());
     std::sort(found.begin(), found.end());

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace checktest
 {
@@ -47,7 +47,8 @@ inline std::string Quote(const std::string& word)
 
 inline CheckRun RunCheck(const std::vector<std::string>& arguments, const std::string& before = {})
 {
-    std::string command = before + " " + Quote(TAVRIX_BINARY_DIR "/bin/tavrix-plugin-check");
+    std::string command =
+        before + " " + Quote(tavrix::testing::InBuild("/bin/tavrix-plugin-check"));
     for (const std::string& argument : arguments)
         command += " " + Quote(argument);
     CheckRun run;
@@ -67,11 +68,11 @@ inline CheckRun RunCheck(const std::vector<std::string>& arguments, const std::s
 /// A plugin of these tests, and one of the tests of the host.
 inline std::string Fixture(const std::string& name)
 {
-    return TAVRIX_BINARY_DIR "/tests/plugins/check/" + name + ".dll";
+    return tavrix::testing::InBuild("/tests/plugins/check/") + name + ".dll";
 }
 inline std::string HostFixture(const std::string& name)
 {
-    return TAVRIX_BINARY_DIR "/tests/plugins/fixtures/" + name + ".dll";
+    return tavrix::testing::InBuild("/tests/plugins/fixtures/") + name + ".dll";
 }
 
 /// A folder that is removed with the object.

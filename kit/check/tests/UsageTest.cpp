@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <csignal>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace checktest;
 
@@ -17,7 +17,7 @@ namespace
 std::string DocumentText()
 {
     std::ostringstream text;
-    text << std::ifstream(TAVRIX_SOURCE_DIR "/docs/plugin-check.md").rdbuf();
+    text << std::ifstream(tavrix::testing::InSource("/docs/plugin-check.md")).rdbuf();
     return text.str();
 }
 
@@ -66,7 +66,7 @@ TEST(Usage, AWrongCommandLineIsStatus2AndChecksNothing)
              {"--sample", "/no/such/sample", good},
              {"/no/such/plugin.dll"},
              {good, "/no/such/plugin.dll"},
-             {TAVRIX_BINARY_DIR},
+             {tavrix::testing::InBuild()},
          }) {
         const CheckRun run = RunCheck(words);
         EXPECT_EQ(run.status, 2) << run.output;

@@ -2,6 +2,7 @@
 // no test sees the user's files, settings, fonts' language or display.
 
 #include "platform/testing/core/TestHome.h"
+#include "platform/testing/core/TestsApart.h"
 
 #include <gtest/gtest.h>
 
@@ -21,10 +22,17 @@ namespace
 
 std::filesystem::path home;
 
-void MakeHome()
+/// Where homes are made: TMPDIR is that of a home from then on.
+std::string BaseOfHomes()
 {
     const char* base = std::getenv("TMPDIR");
-    std::string pattern = std::string(base != nullptr ? base : "/tmp") + "/tavrix-test-XXXXXX";
+    return base != nullptr ? base : "/tmp";
+}
+
+void MakeHome()
+{
+    static const std::string base = BaseOfHomes();
+    std::string pattern = base + "/tavrix-test-XXXXXX";
     if (mkdtemp(pattern.data()) == nullptr)
         std::abort();
     home = pattern;
@@ -70,6 +78,27 @@ void LoadFontsUnwatched()
 #endif
 }
 
+int InHome(int (*run)())
+{
+    MakeHome();
+    SetSurroundings();
+    LoadFontsUnwatched();
+    const int result = run();
+    std::error_code ignored;
+    std::filesystem::remove_all(home, ignored);
+    return result;
+}
+
+int RunHere()
+{
+    return InHome([] { return RUN_ALL_TESTS(); });
+}
+
+int RunApart()
+{
+    return InHome([] { return tavrix::testing::RunTestsApart(RunHere); });
+}
+
 } // namespace
 
 namespace tavrix::testing
@@ -84,12 +113,6 @@ std::string TestHome()
 
 int main(int argc, char** argv)
 {
-    MakeHome();
-    SetSurroundings();
-    LoadFontsUnwatched();
     ::testing::InitGoogleTest(&argc, argv);
-    const int result = RUN_ALL_TESTS();
-    std::error_code ignored;
-    std::filesystem::remove_all(home, ignored);
-    return result;
+    return tavrix::testing::AreTestsApart() ? RunApart() : RunHere();
 }

@@ -34,7 +34,7 @@ bool CanBind(unsigned short port)
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(static_cast<in_addr_t>(MakeAddress()));
+    address.sin_addr.s_addr = htonl(static_cast<in_addr_t>(OwnAddressNumber()));
     const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const bool bound =
         bind(probe, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
@@ -89,13 +89,15 @@ const bool ready = [] {
 
 unsigned long OwnAddressNumber()
 {
-    return MakeAddress();
+    // Tests that are forks of one process are of one address: one runs after the other.
+    static const unsigned long number = MakeAddress();
+    return number;
 }
 
 const std::string& OwnAddress()
 {
     static const std::string text = [] {
-        const in_addr address = {htonl(static_cast<in_addr_t>(MakeAddress()))};
+        const in_addr address = {htonl(static_cast<in_addr_t>(OwnAddressNumber()))};
         return std::string(inet_ntoa(address));
     }();
     return text;

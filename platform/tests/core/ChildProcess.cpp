@@ -13,7 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 extern char** environ;
 
@@ -181,7 +181,8 @@ ChildProcess::ChildProcess(const std::string& role, const std::vector<std::strin
     posix_spawn_file_actions_adddup2(&actions, in[0], STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
     // A test program of another machine's kind cannot be started without what runs it.
-    std::vector<std::string> words = {TAVRIX_TEST_EMULATOR Self()};
+    std::vector<std::string> words = tavrix::testing::TestEmulator();
+    words.push_back(Self());
     std::vector<char*> arguments;
     for (std::string& word : words)
         arguments.push_back(word.data());

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <sstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace plugintest
 {
@@ -134,7 +134,7 @@ std::string BytesOf(const std::filesystem::path& file)
 
 std::filesystem::path KeptFolder(const std::string& format)
 {
-    return std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs" / format;
+    return std::filesystem::path(tavrix::testing::InSource("/tests/inputs")) / format;
 }
 
 ReaderTest::ReaderTest()

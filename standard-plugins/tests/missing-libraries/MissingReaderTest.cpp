@@ -7,7 +7,7 @@
 #include "standard-plugins/tests/support/PngMaking.h"
 #include "standard-plugins/tests/support/Writing.h"
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using missingtest::Lack;
 using missingtest::WithoutLibrary;
@@ -39,7 +39,7 @@ void PrintTo(const Reader& reader, std::ostream* out)
 
 std::string Kept(const char* name)
 {
-    return FileBytes(std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs" / name);
+    return FileBytes(std::filesystem::path(tavrix::testing::InSource("/tests/inputs")) / name);
 }
 
 class MissingReaderLibrary : public testing::TestWithParam<Reader>

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace moderntest
 {
@@ -40,7 +40,7 @@ inline const Format formats[] = {
 inline std::string InputFolder(const Format& format)
 {
     const std::string folder = format.extension == std::string("heic") ? "heif" : format.extension;
-    return std::string(TAVRIX_SOURCE_DIR) + "/tests/inputs/" + folder + "/";
+    return tavrix::testing::InSource("/tests/inputs/") + folder + "/";
 }
 
 inline std::string Input(const Format& format, const std::string& name)

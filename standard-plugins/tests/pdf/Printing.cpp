@@ -10,7 +10,7 @@
 #include <iterator>
 #include <sys/wait.h>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace pdftest
 {
@@ -192,7 +192,7 @@ PrintTest::~PrintTest()
 void PrintTest::Load(u32 language)
 {
     const i32 count =
-        plugin.ScanIn(DevicePath(TAVRIX_BINARY_DIR "/bin/PLUGINS").c_str(), ForgetPaths);
+        plugin.ScanIn(DevicePath(tavrix::testing::InBuild("/bin/PLUGINS")).c_str(), ForgetPaths);
     u32 index = 0;
     while (static_cast<i32>(index) < count &&
            !tavrix::testing::Utf8(plugin.Path(index)).ends_with("\\" + library))

@@ -6,7 +6,7 @@
 
 #include <set>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace plugintest;
 
@@ -213,7 +213,7 @@ protected:
     SimpleKeptInputs() { CurrentHost() = {}; }
     static std::filesystem::path Folder(const char* format)
     {
-        return std::filesystem::path(TAVRIX_SOURCE_DIR) / "tests/inputs" / format;
+        return std::filesystem::path(tavrix::testing::InSource("/tests/inputs")) / format;
     }
     tavrix::testing::Scope scope;
     PluginLibrary plugin{GetParam().plugin};

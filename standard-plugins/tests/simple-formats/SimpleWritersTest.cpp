@@ -10,7 +10,7 @@
 
 #include <dlfcn.h>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace plugintest;
 
@@ -189,7 +189,7 @@ TEST_F(WriterTest, BitmapAsksNothing)
 TEST_F(WriterTest, BitmapOf4GigabytesIsRefusedWithASentenceBeforeALineIsRead)
 {
     void* library =
-        dlopen((std::string(TAVRIX_BINARY_DIR) + "/bin/PLUGINS/OUTPUT/BMP.dll").c_str(), RTLD_NOW);
+        dlopen(tavrix::testing::InBuild("/bin/PLUGINS/OUTPUT/BMP.dll").c_str(), RTLD_NOW);
     ASSERT_TRUE(library);
     const auto put = reinterpret_cast<TavrixImageFunction>(dlsym(library, "PutImage"));
     const auto setLanguage =

@@ -9,7 +9,7 @@
 #include "plugin/EffectPlugin.h"
 #include "plugin/ScalePlugin.h"
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace plugintest
 {
@@ -41,7 +41,7 @@ protected:
     {
         CurrentWriterHost() = {};
         PretendMemory(u64{1} << 30);
-        const auto plugins = std::filesystem::path(TAVRIX_BINARY_DIR) / "bin/PLUGINS";
+        const auto plugins = tavrix::testing::InBuild("/bin/PLUGINS");
         found = plugin.ScanIn(DevicePath(plugins).c_str(), ForgetPaths);
     }
     ~ChangeTest() override

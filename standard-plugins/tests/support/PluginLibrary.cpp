@@ -3,14 +3,14 @@
 #include <dlfcn.h>
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace plugintest
 {
 
 std::string LibraryFile(const std::string& kindAndName)
 {
-    return std::string(TAVRIX_BINARY_DIR) + "/bin/PLUGINS/" + kindAndName + ".dll";
+    return tavrix::testing::InBuild("/bin/PLUGINS/") + kindAndName + ".dll";
 }
 
 bool IsMapped(const std::string& tail)

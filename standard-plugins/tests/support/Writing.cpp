@@ -8,7 +8,7 @@
 #include <fstream>
 #include <iterator>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace plugintest
 {
@@ -160,7 +160,7 @@ WriterTest::WriterTest()
 {
     CurrentWriterHost() = {};
     PretendMemory(u64{1} << 30);
-    const auto plugins = std::filesystem::path(TAVRIX_BINARY_DIR) / "bin/PLUGINS";
+    const auto plugins = tavrix::testing::InBuild("/bin/PLUGINS");
     found = plugin.ScanIn(DevicePath(plugins).c_str(), ForgetPaths);
 }
 
