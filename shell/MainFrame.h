@@ -163,8 +163,8 @@ public:
     /// Opens the plugin information dialog.
     void ShowPlugins();
 
-    // Opening (shell/OpenImages.cpp, OpenAs.cpp, OpenUrl.cpp, OpenIrObex.cpp, Reload.cpp). Paths are
-    // device paths.
+    // Opening (shell/OpenImages.cpp, OpenAs.cpp, OpenUrl.cpp, OpenIrObex.cpp, Reload.cpp).
+    // Paths are device paths.
     /// Null asks the user for a file. Otherwise opens what the command line or a hand-over names;
     /// silent when it cannot be opened or no plugin's patterns hold its extension.
     void OpenFile(const WCHAR* path);
