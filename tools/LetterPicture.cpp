@@ -1,4 +1,4 @@
-#include "LetterPicture.h"
+#include "tools/LetterPicture.h"
 
 #include <fstream>
 #include <iostream>

@@ -4,7 +4,7 @@
 // blocks side by side, 24 bits, lines from the top; "stack" for those of all blocks one above the
 // other, 32 bits. Bare lines have no padding, so the strip's width in bytes is a multiple of 4.
 
-#include "LetterPicture.h"
+#include "tools/LetterPicture.h"
 
 #include <cstring>
 #include <iostream>
