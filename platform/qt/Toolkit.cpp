@@ -70,9 +70,10 @@ void EnsureToolkit()
     hostMessages = qInstallMessageHandler(FilterMessages);
     // The other event dispatcher costs ten times as much a message.
     qputenv("QT_NO_GLIB", "1");
-    QCoreApplication::setApplicationName(QStringLiteral("Tavrix"));
-    // By this a Wayland desktop knows which program a window is of; X11 goes by the names above.
-    QGuiApplication::setDesktopFileName(QStringLiteral("tavrix"));
+    // By this desktops know which program a window is of: X11 by its class, which takes the first
+    // name, Wayland by the second.
+    QCoreApplication::setApplicationName(QStringLiteral(TAVRIX_APPLICATION_ID));
+    QGuiApplication::setDesktopFileName(QStringLiteral(TAVRIX_APPLICATION_ID));
     QGuiApplication::setDesktopSettingsAware(false);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(QStringLiteral("Fusion"));
