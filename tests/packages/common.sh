@@ -13,7 +13,7 @@ make_picture() { # TARGET
     case ${1##*.} in
         jxl) cjxl "$plain" "$1" -d 0 2>/dev/null ;;
         avif) avifenc -q 100 "$plain" "$1" >/dev/null 2>&1 ||
-            avifenc --min 0 --max 0 "$plain" "$1" >/dev/null ;;
+            avifenc --min 0 --max 0 "$plain" "$1" >/dev/null 2>&1 ;;
         heic) heif-enc -q 95 -o "$1" "$plain" >/dev/null 2>&1 ;;
         webp) cwebp -quiet -lossless "$plain" -o "$1" ;;
         ppm) convert "$plain" "$1" ;;
