@@ -33,5 +33,7 @@ screen_shows() { # SHOT
     local count
     count=$(convert "$1" -alpha off -fuzz 4% -fill black +opaque 'rgb(40,160,90)' \
         -fill white -opaque 'rgb(40,160,90)' -format '%[fx:w*h*mean]' info:)
-    [ "${count%.*}" -ge 36000 ] || { tell "$1: only ${count%.*} pixels of the picture" >&2; return 1; }
+    [ "${count%.*}" -ge 36000 ] && return
+    tell "$1: only ${count%.*} pixels of the picture" >&2
+    return 1
 }
