@@ -1,6 +1,7 @@
 #include "platform/core/MessageQueue.h"
 
 #include "platform/core/KeyState.h"
+#include "platform/core/Rest.h"
 #include "platform/core/Timers.h"
 #include "platform/core/WindowMessenger.h"
 #include "platform/core/WindowRegistry.h"
@@ -29,6 +30,8 @@ using std::chrono::milliseconds;
 // With a queue that never runs empty the host would get no turn; it gets one this often.
 constexpr milliseconds HostTurn{8};
 constexpr DWORD InvalidWindowHandle = 1400;
+// How long a timer without a window waits where the program rests, in milliseconds.
+constexpr int RestBeat = 50;
 
 /// A call that another thread waits for.
 struct SentCall {
@@ -130,6 +133,7 @@ void RunSentCalls(Queue& queue)
             next = std::move(queue.sent.front());
             queue.sent.pop_front();
         }
+        NoteActivity();
         LRESULT result = 0;
         {
             Depth depth(queue.callDepth);
@@ -391,8 +395,10 @@ BOOL WINAPI GetMessageW(LPMSG message, HWND window, UINT first, UINT last)
     while (!Next(queue, filter, true, message)) {
         if (Outermost(queue) && queue.host.idle != nullptr)
             queue.host.idle();
-        WaitForWork(queue, UntilNextTimer().value_or(-1));
+        WaitForWork(queue, UntilNextTimer(IsAtRest() ? RestBeat : 0).value_or(-1));
     }
+    if (message->message != WM_TIMER)
+        NoteActivity();
     // The program goes down: from here on nobody is left to serve what another process sends.
     if (message->message == WM_QUIT && Outermost(queue))
         RetractAllWindows();

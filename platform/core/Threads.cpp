@@ -2,6 +2,7 @@
 
 #include "platform/core/Deadline.h"
 #include "platform/core/HandleTable.h"
+#include "platform/core/Rest.h"
 #include "platform/core/TestHooks.h"
 #include "platform/core/ThreadEnding.h"
 
@@ -43,7 +44,9 @@ public:
     static bool Start(const std::shared_ptr<ThreadObject>& self)
     {
         auto* reference = new std::shared_ptr<ThreadObject>(self);
+        NoteThreadBegins();
         if (pthread_create(&self->thread, nullptr, &ThreadObject::Run, reference) != 0) {
+            NoteThreadIsOver();
             delete reference;
             return false;
         }
@@ -101,6 +104,7 @@ private:
         ThreadObject& self = **owned;
         currentThreadId = self.id;
         const DWORD code = self.ending.Run(self.start, self.parameter);
+        NoteThreadIsOver();
         const std::lock_guard<std::mutex> held(self.lock);
         self.exitCode = code;
         self.finished = true;

@@ -1,6 +1,7 @@
 #include "platform/core/Timers.h"
 
 #include "platform/core/MessageQueue.h"
+#include "platform/core/Rest.h"
 #include "platform/core/WindowTable.h"
 
 #include <algorithm>
@@ -70,16 +71,18 @@ bool TakeDueTimer(HWND window, bool take, MSG* message)
     return true;
 }
 
-std::optional<int> UntilNextTimer()
+std::optional<int> UntilNextTimer(int leastWithoutWindow)
 {
     Table& table = Timers();
     std::lock_guard guard(table.lock);
     if (table.timers.empty())
         return std::nullopt;
-    const Timer& next =
-        *std::min_element(table.timers.begin(), table.timers.end(),
-                          [](const Timer& a, const Timer& b) { return a.due < b.due; });
-    const auto left = std::chrono::ceil<milliseconds>(next.due - Clock::now());
+    const Clock::time_point now = Clock::now();
+    const Clock::time_point least = now + milliseconds(leastWithoutWindow);
+    Clock::time_point next = Clock::time_point::max();
+    for (const Timer& timer : table.timers)
+        next = std::min(next, timer.window == nullptr ? std::max(timer.due, least) : timer.due);
+    const auto left = std::chrono::ceil<milliseconds>(next - now);
     return static_cast<int>(std::max<milliseconds::rep>(left.count(), 0));
 }
 
@@ -126,6 +129,7 @@ UINT_PTR WINAPI SetTimer(HWND window, UINT_PTR id, UINT period, TIMERPROC callba
         timer->period = milliseconds(std::clamp(period, 1u, LongestPeriod));
         timer->due = Clock::now() + timer->period;
     }
+    NoteActivity();
     WakeLoop();
     return window != nullptr && id == 0 ? 1 : id;
 }

@@ -14,8 +14,9 @@ namespace tavrix::platform
 /// Fills in the WM_TIMER of the timer that has been due for longest among those of `window` and
 /// what lies below it (null: all). With `take` its next time is set.
 bool TakeDueTimer(HWND window, bool take, MSG* message);
-/// Milliseconds until the next timer falls due, rounded up; empty without timers.
-std::optional<int> UntilNextTimer();
+/// Milliseconds until the next timer falls due, rounded up; empty without timers. One without a
+/// window falls due no sooner than in `leastWithoutWindow`.
+std::optional<int> UntilNextTimer(int leastWithoutWindow);
 /// Whether a timer with this callback still exists: the callback of a message is never trusted.
 bool IsTimerCallback(HWND window, UINT_PTR id, TIMERPROC callback);
 /// Drops every timer of a window.

@@ -1,10 +1,14 @@
 #include "platform/core/MessageQueue.h"
+#include "platform/core/Rest.h"
+#include "platform/core/Timers.h"
 #include "platform/core/WindowTable.h"
+#include "platform/tests/core/DeviceThread.h"
 #include "platform/tests/core/EarlyTimer.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <thread>
 
@@ -151,6 +155,73 @@ TEST_F(TimersTest, AKilledTimersMessageNoLongerCallsItsFunction)
     KillTimer(nullptr, id);
     DispatchMessageW(&message);
     EXPECT_EQ(ticks, 0);
+}
+
+TEST_F(TimersTest, OnlyATimerWithoutAWindowIsPutOffAndOnlyAsFarAsAsked)
+{
+    WNDPROC procedure = Nothing;
+    int record = 0;
+    const UINT_PTR id = SetTimer(nullptr, 0, 5, CountTick);
+    EXPECT_LE(UntilNextTimer(0).value_or(-1), 5);
+    EXPECT_EQ(UntilNextTimer(50), 50);
+    const HWND window = AddWindowHandle(&record, &procedure);
+    SetTimer(window, 2, 20, nullptr);
+    EXPECT_LE(UntilNextTimer(50).value_or(50), 20);
+    KillTimer(nullptr, id);
+    EXPECT_LE(UntilNextTimer(50).value_or(50), 20);
+    SetTimer(window, 2, 70, nullptr);
+    EXPECT_GT(UntilNextTimer(50).value_or(0), 0);
+    KillTimer(window, 2);
+    ForgetWindow(window);
+    RemoveWindowHandle(window);
+}
+
+TEST_F(TimersTest, TheProgramRestsASecondAfterTheLastMessageUnlessAThreadRuns)
+{
+    NoteActivity();
+    EXPECT_FALSE(IsAtRest());
+    std::this_thread::sleep_for(std::chrono::milliseconds(1050));
+    EXPECT_TRUE(IsAtRest());
+    std::atomic<bool> over{false};
+    {
+        const DeviceThread thread([&over] {
+            while (!over)
+                Sleep(1);
+            return DWORD{0};
+        });
+        EXPECT_FALSE(IsAtRest());
+        over = true;
+    }
+    EXPECT_TRUE(IsAtRest());
+    const UINT_PTR id = SetTimer(nullptr, 0, Never, CountTick);
+    EXPECT_FALSE(IsAtRest()) << "with a timer just set";
+    KillTimer(nullptr, id);
+}
+
+TEST_F(TimersTest, AShortTimerIsLateAtRestAndInTimeAgainAfterAMessage)
+{
+    // What a busy machine takes away makes the ticks at rest fewer, never more.
+    constexpr int MostAtRest = 11; // of half a second, a beat of 50 each
+    const UINT_PTR id = SetTimer(nullptr, 0, 5, CountTick);
+    const auto runFor = [](std::chrono::milliseconds time) {
+        const Clock::time_point end = Clock::now() + time;
+        MSG message;
+        for (ticks = 0; Clock::now() < end && GetMessageW(&message, nullptr, 0, 0);)
+            DispatchMessageW(&message);
+        return ticks;
+    };
+    (void)runFor(std::chrono::milliseconds(1100));
+    const int atRest = runFor(std::chrono::milliseconds(500));
+    EXPECT_GT(atRest, 0);
+    EXPECT_LE(atRest, MostAtRest);
+    // The best of some stretches, as a busy machine lets ticks be missed.
+    int awake = 0;
+    for (int attempt = 0; attempt < 20 && awake <= 2 * MostAtRest; ++attempt) {
+        PostMessageW(nullptr, WM_NULL, 0, 0);
+        awake = std::max(awake, runFor(std::chrono::milliseconds(500)));
+    }
+    EXPECT_GT(awake, 2 * MostAtRest);
+    KillTimer(nullptr, id);
 }
 
 TEST_F(TimersTest, ATimerMessageWithAFunctionThatNobodySetIsNotFollowed)
