@@ -230,6 +230,18 @@ TEST(Process, WithNobodyToAnswerABoxTellsItsTextAndTakesItsDefault)
     EXPECT_FALSE(QImage(QString::fromStdString(ShotPath())).isNull());
 }
 
+TEST(Process, NoLibraryIsTakenFromTheCurrentFolder)
+{
+    const std::string folder = TestHome() + "/here";
+    fs::create_directories(folder);
+    for (const char* name : {"libtavrix-platform.so", "libQt6Widgets.so.6", "libstdc++.so.6"})
+        std::ofstream(folder + "/" + name) << "no library at all";
+    fs::current_path(folder);
+    const ProcessResult result = RunTavrix({}, {{"TAVRIX_SHOT", ShotPath()}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "");
+}
+
 TEST(Process, SpeaksJapaneseWhenAsked)
 {
     const ProcessResult result = RunTavrix(
