@@ -160,6 +160,31 @@ def start():
     return table(["start", "ours", "plain decode", "limit", "limit / ours", "peak"], rows)
 
 
+def display():
+    """One row for each program, ours first: what it stands on and its medians."""
+    programs = collections.OrderedDict()
+    for run in runs("display_bench"):
+        what, program = name_of(run).split("/", 1)
+        programs.setdefault(program, {"label": run.get("label", "")})[what] = seconds(run)
+    waited = 0.1  # by our job
+    rows = []
+    for program, found in programs.items():
+        ours = program == "tavrix"
+        picture = found.get("SmallPicture")
+        rows.append(
+            [
+                "ours" if ours else f"`{program}`",
+                found["label"],
+                time(found["EmptyWindow"]) if "EmptyWindow" in found else "",
+                time(picture) if picture else "",
+                time(picture - (waited if ours else 0)) if picture else "",
+                f"{found['Idle'] * 100:.2f} %" if "Idle" in found else "",
+            ]
+        )
+    head = ["program", "stands on", "empty window", "small picture", "without the wait"]
+    return table(head + ["idle"], rows)
+
+
 def view():
     rows = []
     for run in runs("view_bench"):
@@ -280,6 +305,7 @@ parts = {
     "pixel": pixel,
     "codec": codec,
     "start": start,
+    "display": display,
     "view": view,
     "program": program,
     "big": big,
