@@ -4,6 +4,7 @@
 #include "platform/qt/Window.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QShortcutEvent>
 
@@ -120,6 +121,22 @@ void PopupMenu::Fill()
     filled = true;
     filledRevision = model->revision;
     ShowItems(*this, *model, target);
+}
+
+// On screens of the toolkit's own a popup that comes up again is not painted again; its window is
+// made anew instead.
+void PopupMenu::hideEvent(QHideEvent* event)
+{
+    QMenu::hideEvent(event);
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QLatin1String("vnc") || platform == QLatin1String("linuxfb"))
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (!isVisible())
+                    destroy();
+            },
+            Qt::QueuedConnection);
 }
 
 void PopupMenu::OnAboutToShow()

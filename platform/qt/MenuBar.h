@@ -29,6 +29,9 @@ public:
     /// The actions follow the model, if it has changed since.
     void Fill();
 
+protected:
+    void hideEvent(QHideEvent* event) override;
+
 private:
     void OnAboutToShow();
 
