@@ -5,6 +5,7 @@
 #include "platform/testing/WindowTesting.h"
 #include "platform/testing/Wire.h"
 #include "resources/Ids.h"
+#include "tests/endurance/WebServer.h"
 
 #include <algorithm>
 
@@ -180,9 +181,22 @@ void ActInBox(const Modal& box, Dice& dice, NoteAction note)
     EndDialog(box.window, answer);
 }
 
+/// Mostly a page of the server that is there.
+void TypeAddress(HWND field, Dice& dice, NoteAction note)
+{
+    const std::string address = AnyAddress(static_cast<unsigned>(dice.Below(1000)));
+    note("the address " + address.substr(address.rfind('/')));
+    SetWindowTextW(field, Wide(address).c_str());
+}
+
 void ActInDialog(const Modal& dialog, Dice& dice, NoteAction note)
 {
-    if (dice.Chance(25 + 5 * dialog.actions))
+    if (const HWND field = GetDlgItem(dialog.window, ControlUrl);
+        field != nullptr && dialog.actions == 0 && dice.Chance(80))
+        TypeAddress(field, dice, note);
+    else if (field != nullptr && dialog.actions == 1 && dice.Chance(80))
+        TypeKey(VK_RETURN);
+    else if (dice.Chance(25 + 5 * dialog.actions))
         Leave(dialog, dice, note);
     else if (dice.Chance(25))
         PressKey(dice, note);

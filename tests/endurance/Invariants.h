@@ -31,6 +31,7 @@ public:
     void CheckLoop(unsigned step);
     /// All pictures were put away. Growth against the first such moment fails the test.
     void CheckGrowth();
+    const std::vector<Figures>& Rests() const { return rests; }
     /// The program has ended: what is left behind fails the test. `before` is from before its
     /// start.
     void CheckEnd(const Figures& before) const;

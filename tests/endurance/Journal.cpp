@@ -1,5 +1,7 @@
 #include "tests/endurance/Journal.h"
 
+#include "platform/core/TestHooks.h"
+
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -25,7 +27,7 @@ long MillisecondsSinceStart()
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
 }
 
-void Tell()
+void TellLast()
 {
     if (current != nullptr)
         std::fprintf(stderr, "%s", current->Text().c_str());
@@ -34,7 +36,7 @@ void Tell()
 
 void OnSignal(int number)
 {
-    Tell();
+    TellLast();
     std::signal(number, SIG_DFL);
     std::raise(number);
 }
@@ -46,7 +48,7 @@ Journal::Journal(uint64_t runSeed, bool traced) : seed(runSeed), trace(traced)
     current = this;
     std::signal(SIGABRT, OnSignal);
 #if defined(__SANITIZE_ADDRESS__)
-    __sanitizer_set_death_callback(Tell);
+    __sanitizer_set_death_callback(TellLast);
 #else
     for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL})
         std::signal(number, OnSignal);
@@ -68,8 +70,14 @@ void Journal::Note(const std::string& action)
     actions.push_back(std::to_string(step) + " " + action);
     if (actions.size() > Kept)
         actions.pop_front();
+    Tell(actions.back());
+}
+
+void Journal::Tell(const std::string& line) const
+{
     if (trace)
-        std::fprintf(stderr, "%8ld ms: %s\n", MillisecondsSinceStart(), actions.back().c_str());
+        std::fprintf(stderr, "%8ld ms, %zu heaps: %s\n", MillisecondsSinceStart(),
+                     tavrix::platform::CountHoldings().heaps, line.c_str());
 }
 
 std::string Journal::Text() const

@@ -22,6 +22,8 @@ public:
 
     /// The next action of the person.
     void Note(const std::string& action);
+    /// Says something where each action is told.
+    void Tell(const std::string& line) const;
     /// The program's message loop has run. Without that for `LongestSilence` the process is ended.
     void Beat() { ++beats; }
     unsigned Step() const { return step; }

@@ -6,6 +6,7 @@
 #include "platform/testing/WindowTesting.h"
 #include "resources/Ids.h"
 #include "tests/endurance/DialogActions.h"
+#include "tests/endurance/Time.h"
 #include "tests/support/Program.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ namespace
 using namespace tavrix::testing;
 
 constexpr int MostActionsInADialog = 200;
-constexpr unsigned RestsInARun = 4;
+constexpr unsigned RestsInARun = 8;
 constexpr DWORD StepMilliseconds = 20;
 constexpr DWORD JobTickMilliseconds = 100;
 
@@ -54,7 +55,7 @@ int RandomPerson::UseTheProgram()
 {
     RegisterProgramResources();
     SetLanguage(dice.Pick({1033, 1041}));
-    SetTickCount(clock);
+    BeginTime();
     tavrix::testing::OnModal([this](HWND window, bool box) { OnModal(window, box); });
     troubles = std::make_unique<Troubles>();
     const Figures before = TakeFigures();
@@ -91,6 +92,7 @@ void RandomPerson::OnModal(HWND window, bool box)
 void RandomPerson::OnTick()
 {
     journal.Beat();
+    troubles->Round();
     if (over)
         return;
     static bool taken = false;
@@ -103,8 +105,7 @@ void RandomPerson::OnTick()
         WatchJob(*modal);
         return;
     }
-    clock += StepMilliseconds;
-    SetTickCount(clock);
+    PassTime(StepMilliseconds);
     if (busy) {
         if (modal != nullptr)
             AnswerWhileSettling(*modal);
@@ -153,15 +154,14 @@ void RandomPerson::ActInModal(Modal& modal)
 // What is done here is no step: how many rounds a job takes is not told by the seed.
 void RandomPerson::WatchJob(Modal& job)
 {
-    clock += JobTickMilliseconds;
-    SetTickCount(clock);
+    PassTime(JobTickMilliseconds);
     const HWND window = job.window;
     const int tick = job.ticks++;
     if (tick == 0)
         jobDice = Dice(++jobs);
     if (busy || tick > 3 || jobDice.Chance(80))
         return;
-    switch (jobDice.Below(5)) {
+    switch (jobDice.Below(6)) {
     case 0:
         ClickControl(window, ControlAbort);
         break;
@@ -173,6 +173,9 @@ void RandomPerson::WatchJob(Modal& job)
         break;
     case 3:
         ClickScreen(jobDice.Below(640), jobDice.Below(480));
+        break;
+    case 4:
+        PostMessageW(mainFrame->window, WM_CLOSE, 0, 0);
         break;
     default: {
         std::u16string path = u"\\" + Wide(surroundings.AnyName(jobDice));
@@ -224,6 +227,7 @@ void RandomPerson::Rest()
 /// Everything is put away: what is left to hold is what a program holds that has nothing to do.
 void RandomPerson::Settle()
 {
+    pusher.Stop();
     troubles->End();
     surroundings.Restore();
     for (const u32 command : {CommandUndo, CommandClearMemory, CommandClearClipboard, CommandNew,
@@ -232,6 +236,7 @@ void RandomPerson::Settle()
     Pump(5);
     invariants.CheckFrame(*mainFrame);
     invariants.CheckGrowth();
+    journal.Tell("at rest: " + TextOf(invariants.Rests().back()));
 }
 
 void RandomPerson::AnswerWhileSettling(const Modal& modal)

@@ -6,6 +6,7 @@
 #include "tests/endurance/Invariants.h"
 #include "tests/endurance/Journal.h"
 #include "tests/endurance/Modals.h"
+#include "tests/endurance/Pusher.h"
 #include "tests/endurance/Surroundings.h"
 #include "tests/endurance/Troubles.h"
 #include "tests/endurance/WebServer.h"
@@ -49,6 +50,7 @@ private:
     void SendCommand();
     void PressKey();
     void UsePen();
+    void OpenOverTheWire();
     void HandOver();
     void UseDesktop();
     void UseClipboard();
@@ -62,12 +64,12 @@ private:
     Surroundings surroundings;
     std::unique_ptr<Troubles> troubles;
     std::unique_ptr<WebServer> server;
+    Pusher pusher;
     Modals modals;
     Invariants invariants;
     unsigned nextRest;
-    uint64_t jobs = 0;  // so far
-    DWORD clock = 1000; // the program's, in milliseconds: goes on with the steps
-    bool busy = false;  // settling
+    uint64_t jobs = 0; // so far
+    bool busy = false; // settling
     bool over = false;
 };
 

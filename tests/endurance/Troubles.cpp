@@ -4,6 +4,7 @@
 #include "platform/testing/core/TestHome.h"
 #include "platform/testing/Testing.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -16,8 +17,23 @@ namespace
 using namespace tavrix;
 using platform::FileOperation;
 
-constexpr unsigned long long PlentyOfMemory = 96ULL << 20;
+// What the device has, and what its heaps can hold beyond that before the figure of free memory is
+// read anew.
+constexpr unsigned long long PlentyOfMemory = 64ULL << 20;
+constexpr unsigned long long EndOfMemory = 160ULL << 20;
 constexpr unsigned long long PlentyOfDisk = 256ULL << 20;
+
+std::atomic<unsigned long long> heldAtRound{0}; // by the device's heaps, in the loop's last round
+std::atomic<unsigned long long> takenSince{0};
+
+/// A device's memory has an end, which the test's own host may be far from.
+bool IsBeyondMemory(SIZE_T size)
+{
+    if (size <= EndOfMemory && heldAtRound + (takenSince += size) <= EndOfMemory)
+        return false;
+    takenSince -= size;
+    return true;
+}
 
 /// Chances that are drawn from any thread.
 class SharedDice
@@ -95,8 +111,9 @@ std::string BeginAllocations(Dice& dice)
     const auto own = std::make_shared<SharedDice>(dice.Fork());
     const int perMille = dice.Pick({2, 20, 200, 1000});
     const SIZE_T least = dice.Pick({0, 0, 64, 4096});
-    testing::SetAllocationFault(
-        [=](SIZE_T size) { return size >= least && own->Chance(perMille); });
+    testing::SetAllocationFault([=](SIZE_T size) {
+        return IsBeyondMemory(size) || (size >= least && own->Chance(perMille));
+    });
     return "allocations from " + std::to_string(least) + " bytes fail, " +
            std::to_string(perMille) + " of 1000";
 }
@@ -155,7 +172,9 @@ std::string Troubles::Begin(Dice& dice)
     constexpr BeginOne Kinds[] = {BeginFiles,   BeginAllocations, BeginThreads,
                                   BeginSockets, BeginDisk,        BeginMemory,
                                   BeginMemory,  BeginFiles,       BeginAllocations};
-    const std::string what = dice.Pick(Kinds)(dice);
+    const BeginOne begin = dice.Pick(Kinds);
+    memoryShort = begin == BeginMemory;
+    const std::string what = begin(dice);
     steps = dice.Between(1, 40);
     return what + " for " + std::to_string(steps) + " steps";
 }
@@ -166,15 +185,24 @@ void Troubles::Step()
         End();
 }
 
+void Troubles::Round()
+{
+    heldAtRound = platform::CountHoldings().heapBytes;
+    takenSince = 0;
+    if (!memoryShort)
+        SetMemory(heldAtRound < PlentyOfMemory ? PlentyOfMemory - heldAtRound : 0);
+}
+
 void Troubles::End()
 {
     steps = 0;
-    testing::SetAllocationFault(nullptr);
+    testing::SetAllocationFault(IsBeyondMemory);
     testing::SetThreadFault(nullptr);
     testing::SetSocketFault(nullptr);
     SetFiles(nullptr, 0, 0);
     testing::SetDiskSpace(PlentyOfDisk);
-    SetMemory(PlentyOfMemory);
+    memoryShort = false;
+    Round();
 }
 
 } // namespace endurance

@@ -23,10 +23,13 @@ public:
     void Step();
     /// Nothing fails any more, and there is memory and room on the disk.
     void End();
+    /// The message loop has come round: what the program holds now is no more there to take.
+    void Round();
     bool UnderWay() const { return steps > 0; }
 
 private:
     int steps = 0;
+    bool memoryShort = false; // by a figure that stays
 };
 
 } // namespace endurance

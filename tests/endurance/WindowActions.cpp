@@ -111,13 +111,28 @@ void RandomPerson::SendCommand()
     if (dice.Chance(25)) {
         const Entries entries = dice.Pick(PluginEntries);
         id = entries.first + static_cast<u32>(dice.Below(entries.count));
-    } else if (dice.Chance(2)) {
-        id = dice.Chance(50) ? CommandOpenUrl : CommandOpenIrObex;
     } else if (dice.Chance(3)) {
         id = static_cast<u32>(dice.Below(65536));
     }
     journal.Note("command " + std::to_string(id));
     PostMessageW(mainFrame->window, WM_COMMAND, id, 0);
+}
+
+void RandomPerson::OpenOverTheWire()
+{
+    if (dice.Chance(60)) {
+        journal.Note("open an address");
+        PostMessageW(mainFrame->window, WM_COMMAND, CommandOpenUrl, 0);
+        return;
+    }
+    const bool inRange = dice.Chance(70);
+    const std::string name = surroundings.AnyName(dice);
+    Dice own = dice.Fork();
+    journal.Note(inRange ? "a device pushes \"" + name.substr(0, 60) + "\""
+                         : "wait for a device that is not there");
+    if (inRange)
+        pusher.Push(InRoot(name), own);
+    PostMessageW(mainFrame->window, WM_COMMAND, CommandOpenIrObex, 0);
 }
 
 void RandomPerson::PressKey()
@@ -165,6 +180,11 @@ void RandomPerson::PressKey()
 
 void RandomPerson::UsePen()
 {
+    if (dice.Chance(30))
+        SendMessageW(mainFrame->window, WM_COMMAND,
+                     dice.Pick({CommandScroll, CommandSelectRectangle, CommandBrush,
+                                CommandColorEraser, CommandAlphaEraser, CommandPipette}),
+                     0);
     const int x = dice.Between(-20, 660);
     const int y = dice.Chance(10) ? dice.Between(-5, 30) : dice.Between(26, 500);
     const int way = dice.Below(10);
