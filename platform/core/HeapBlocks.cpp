@@ -1,6 +1,7 @@
 #include "platform/core/HeapBlocks.h"
 
 #include "platform/core/Heaps.h"
+#include "platform/core/MemoryStatus.h"
 #include "platform/core/TestHooks.h"
 
 #include <cstdlib>
@@ -26,6 +27,15 @@ uint32_t MarkFor(const HeapBlock* block)
     return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(block) >> 3) ^ 0x5AB10C4Bu;
 }
 
+// The figure of free memory that the program goes by may be as old as its last message, and a
+// picture of any size can be asked for between two.
+bool IsBeyondHost(SIZE_T size)
+{
+    static const unsigned long long end = EndOfHostMemory();
+    const unsigned long long held = heldBytes.load(std::memory_order_relaxed);
+    return held + size > end;
+}
+
 } // namespace
 
 size_t HeldBytes()
@@ -35,7 +45,7 @@ size_t HeldBytes()
 
 void* AllocateBlock(HeapSlot& heap, SIZE_T size, bool zeroed)
 {
-    if (size > LargestBlock || IsAllocationFaulty(size))
+    if (size > LargestBlock || IsBeyondHost(size) || IsAllocationFaulty(size))
         return nullptr;
     {
         const std::lock_guard<std::mutex> guard(heap.lock);

@@ -15,13 +15,13 @@ namespace
 using Bytes = unsigned long long;
 
 // A host that tells nothing is taken for a small device.
-constexpr Bytes UnknownHost = 64ull << 20;
+constexpr Bytes UnknownHost = 128ull << 20;
 
 Bytes ReadBudget()
 {
     if (const auto wanted = ParseMemorySize(std::getenv("TAVRIX_MEMORY")))
         return *wanted;
-    return HostAvailableBytes("").value_or(2 * UnknownHost) / 2;
+    return EndOfHostMemory() / 2;
 }
 
 Bytes Budget()
@@ -85,6 +85,12 @@ std::optional<unsigned long long> ParseMemorySize(const char* text)
     if (*text != 0 || bytes == 0)
         return std::nullopt;
     return bytes > Most >> shift ? Most : bytes << shift;
+}
+
+unsigned long long EndOfHostMemory()
+{
+    static const Bytes end = HostAvailableBytes("").value_or(UnknownHost);
+    return end;
 }
 
 } // namespace tavrix::platform

@@ -15,4 +15,9 @@ std::optional<unsigned long long> ParseMemorySize(const char* text);
 /// control group of this process leaves less. Nothing when neither can be read.
 std::optional<unsigned long long> HostAvailableBytes(const std::string& root);
 
+/// Where the device's memory ends: what the host had available at the first call, whatever figure
+/// the program is told. A host promises more than it has, and ends the program that takes it at
+/// its word.
+unsigned long long EndOfHostMemory();
+
 } // namespace tavrix::platform

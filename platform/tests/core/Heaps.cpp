@@ -1,6 +1,7 @@
 // Private heaps, the process heap and global blocks.
 
 #include "platform/core/Heaps.h"
+#include "platform/core/MemoryStatus.h"
 #include "platform/testing/Testing.h"
 
 #include <windows.h>
@@ -14,6 +15,7 @@
 namespace
 {
 
+using tavrix::platform::EndOfHostMemory;
 using tavrix::platform::HeldBytes;
 using tavrix::testing::Scope;
 using tavrix::testing::SetAllocationFault;
@@ -157,6 +159,19 @@ TEST(Heaps, AnAbsurdSizeIsRefusedAndLeavesTheFigureAlone)
         EXPECT_EQ(GlobalAlloc(GMEM_FIXED, size), nullptr);
     }
     EXPECT_EQ(HeldBytes(), before);
+}
+
+TEST(Heaps, BlocksBeyondWhatTheHostHasAreRefused)
+{
+    constexpr SIZE_T Part = 1 << 20;
+    const auto end = static_cast<SIZE_T>(EndOfHostMemory());
+    const HANDLE heap = HeapCreate(0, 0, 0);
+    EXPECT_EQ(HeapAlloc(heap, 0, end + 1), nullptr);
+    ASSERT_NE(HeapAlloc(heap, 0, Part), nullptr);
+    EXPECT_EQ(HeapAlloc(heap, 0, end - Part / 2), nullptr) << "a part is taken already";
+    EXPECT_EQ(GlobalAlloc(GMEM_FIXED, end - Part / 2), nullptr);
+    EXPECT_NE(HeapAlloc(heap, 0, Part), nullptr);
+    EXPECT_TRUE(HeapDestroy(heap));
 }
 
 TEST(Heaps, ATestCanLetTheNthAllocationFail)
