@@ -153,6 +153,12 @@ void UseControl(const Modal& dialog, Dice& dice, NoteAction note)
         ClickInside(control, dice, name, note);
 }
 
+bool AsksForNameToSave(HWND dialog)
+{
+    const std::u16string title = ControlText(dialog, ControlHeadline);
+    return title.find(u"ave") != title.npos || title.find(u"保存") != title.npos;
+}
+
 } // namespace
 
 std::string NameOf(HWND window)
@@ -209,9 +215,8 @@ void ActInFileDialog(const Modal& dialog, Dice& dice, const Surroundings& surrou
 {
     const HWND field = GetDlgItem(dialog.window, ControlFileName);
     if (dialog.actions == 0 && dice.Chance(85)) {
-        // Opening and saving cannot be told apart from here, nor need be.
-        const std::string name =
-            dice.Chance(40) ? Surroundings::NameToSave(dice) : surroundings.AnyName(dice);
+        const std::string name = AsksForNameToSave(dialog.window) ? Surroundings::NameToSave(dice)
+                                                                  : surroundings.AnyName(dice);
         note("name the file \"" + name.substr(0, 60) + "\"");
         SetWindowTextW(field, Wide(name).c_str());
     } else if (dialog.actions == 1 && dice.Chance(75)) {

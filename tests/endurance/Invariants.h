@@ -30,7 +30,7 @@ public:
     /// The message loop has done a round. `step` is the person's.
     void CheckLoop(unsigned step);
     /// All pictures were put away. Growth against the first such moment fails the test.
-    void CheckGrowth();
+    void CheckGrowth(MainFrame& frame);
     const std::vector<Figures>& Rests() const { return rests; }
     /// The program has ended: what is left behind fails the test. `before` is from before its
     /// start.
@@ -41,8 +41,5 @@ private:
 
     std::vector<Figures> rests;
 };
-
-/// Every picture that was saved is one.
-void CheckSavedPictures();
 
 } // namespace endurance

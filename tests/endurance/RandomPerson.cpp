@@ -67,6 +67,7 @@ int RandomPerson::UseTheProgram()
     troubles.reset();
     tavrix::testing::OnModal(nullptr);
     invariants.CheckEnd(before);
+    pictures.Check();
     return result;
 }
 
@@ -233,10 +234,16 @@ void RandomPerson::Settle()
     for (const u32 command : {CommandUndo, CommandClearMemory, CommandClearClipboard, CommandNew,
                               CommandZoom100, CommandScreenColor, CommandDeselect})
         SendMessageW(mainFrame->window, WM_COMMAND, command, 0);
+    // Meant to stay until their like comes: the copy for an effect whose settings were cancelled,
+    // and the plugin of a save whose selection found no memory.
+    mainFrame->DropWorkImage();
+    mainFrame->outputPlugins->Unload();
     Pump(5);
     invariants.CheckFrame(*mainFrame);
-    invariants.CheckGrowth();
-    journal.Tell("at rest: " + TextOf(invariants.Rests().back()));
+    invariants.CheckGrowth(*mainFrame);
+    pictures.Check();
+    journal.Tell("at rest: " + TextOf(invariants.Rests().back()) + ", " +
+                 std::to_string(pictures.Count()) + " saved pictures were read");
 }
 
 void RandomPerson::AnswerWhileSettling(const Modal& modal)

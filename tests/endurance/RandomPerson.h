@@ -7,6 +7,7 @@
 #include "tests/endurance/Journal.h"
 #include "tests/endurance/Modals.h"
 #include "tests/endurance/Pusher.h"
+#include "tests/endurance/SavedPictures.h"
 #include "tests/endurance/Surroundings.h"
 #include "tests/endurance/Troubles.h"
 #include "tests/endurance/WebServer.h"
@@ -67,6 +68,7 @@ private:
     Pusher pusher;
     Modals modals;
     Invariants invariants;
+    SavedPictures pictures;
     unsigned nextRest;
     uint64_t jobs = 0; // so far
     bool busy = false; // settling

@@ -111,6 +111,8 @@ void RandomPerson::SendCommand()
     if (dice.Chance(25)) {
         const Entries entries = dice.Pick(PluginEntries);
         id = entries.first + static_cast<u32>(dice.Below(entries.count));
+    } else if (dice.Chance(10)) {
+        id = CommandSave;
     } else if (dice.Chance(3)) {
         id = static_cast<u32>(dice.Below(65536));
     }
