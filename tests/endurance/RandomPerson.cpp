@@ -231,6 +231,8 @@ void RandomPerson::Settle()
     pusher.Stop();
     troubles->End();
     surroundings.Restore();
+    // The program clears a clipboard that it knows to hold a picture.
+    SendMessageW(mainFrame->window, WM_TIMER, MainFrame::ClipboardTimer, 0);
     for (const u32 command : {CommandUndo, CommandClearMemory, CommandClearClipboard, CommandNew,
                               CommandZoom100, CommandScreenColor, CommandDeselect})
         SendMessageW(mainFrame->window, WM_COMMAND, command, 0);
