@@ -12,6 +12,14 @@
 #include <sanitizer/common_interface_defs.h>
 #endif
 
+#if defined(__SANITIZE_ADDRESS__)
+/// Asked by the sanitizer of undefined behaviour, which knows no callback at its end, before main.
+extern "C" const char* __ubsan_default_options()
+{
+    return "abort_on_error=1";
+}
+#endif
+
 namespace endurance
 {
 
