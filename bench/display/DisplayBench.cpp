@@ -4,6 +4,7 @@
 // beside ours, under the same eyes, in turns with it; of all rounds the median counts.
 
 #include "bench/display/ScreenWatch.h"
+#include "platform/testing/core/TestPaths.h"
 
 #include <benchmark/benchmark.h>
 
@@ -32,8 +33,8 @@ using bench::ScreenPixels;
 using bench::ScreenWatch;
 
 constexpr double Patience = 20; // seconds
-const std::string folder = TAVRIX_BINARY_DIR "/bench/display-home";
-const std::string program = TAVRIX_BINARY_DIR "/bin/tavrix";
+const std::string folder = tavrix::testing::InBuild("/bench/display-home");
+const std::string program = tavrix::testing::InBuild("/bin/tavrix");
 
 struct Viewer {
     const char* name;
@@ -45,7 +46,7 @@ const Viewer viewers[] = {
     {"tavrix", program.c_str(), "Qt 6", true},  {"feh", "feh", "no toolkit", false},
     {"mtpaint", "mtpaint", "GTK 2", true},      {"gpicview", "gpicview", "GTK 2", true},
     {"viewnior", "viewnior", "GTK 2", true},    {"eog", "eog", "GTK 3", true},
-    {"qimgv", "qimgv", "Qt 5", false},           {"phototonic", "phototonic", "Qt 5", true},
+    {"qimgv", "qimgv", "Qt 5", false},          {"phototonic", "phototonic", "Qt 5", true},
     {"lximage-qt", "lximage-qt", "Qt 5", true},
 };
 

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 namespace endurance
 {
@@ -92,7 +92,7 @@ Surroundings::Surroundings(Dice& dice)
 
 void Surroundings::PutPlugins()
 {
-    for (const fs::path& file : FilesBelow(TAVRIX_BINARY_DIR "/bin/PLUGINS")) {
+    for (const fs::path& file : FilesBelow(tavrix::testing::InBuild("/bin/PLUGINS"))) {
         // Its printers are the machine's own.
         if (file.filename() == "CUPS.dll")
             continue;
@@ -107,7 +107,7 @@ void Surroundings::Restore()
 {
     for (const Library& library : libraries) {
         const fs::path source =
-            fs::path(TAVRIX_BINARY_DIR "/bin/PLUGINS") / library.kind / library.name;
+            fs::path(tavrix::testing::InBuild("/bin/PLUGINS")) / library.kind / library.name;
         const fs::path target = PluginFolder() / library.kind / library.name;
         std::error_code ignored;
         fs::create_directories(target.parent_path());
@@ -129,7 +129,7 @@ void Surroundings::PutPictures(Dice& dice)
     good.push_back("large.png");
     WritePicture(dice.Between(2, 5000), 1, "wide.png", "PNG");
     good.push_back("wide.png");
-    std::vector<fs::path> inputs = FilesBelow(TAVRIX_SOURCE_DIR "/tests/inputs");
+    std::vector<fs::path> inputs = FilesBelow(tavrix::testing::InSource("/tests/inputs"));
     std::erase_if(inputs, [](const fs::path& path) {
         return path.extension() == ".cpp" || path.extension() == ".h" ||
                path.extension() == ".md" || !path.has_extension();
@@ -173,7 +173,7 @@ std::string Surroundings::Spoil(const Library& library, Dice& dice)
     const fs::path target = PluginFolder() / library.kind / library.name;
     std::error_code ignored;
     const fs::path source =
-        fs::path(TAVRIX_BINARY_DIR "/bin/PLUGINS") / library.kind / library.name;
+        fs::path(tavrix::testing::InBuild("/bin/PLUGINS")) / library.kind / library.name;
     fs::remove(target, ignored);
     const std::string what = library.kind + "/" + library.name;
     switch (dice.Below(3)) {

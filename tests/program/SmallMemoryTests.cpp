@@ -19,7 +19,7 @@
 #include <fstream>
 #include <iostream>
 
-#include <TestPaths.h>
+#include "platform/testing/core/TestPaths.h"
 
 using namespace tavrix::testing;
 namespace fs = std::filesystem;
@@ -181,7 +181,7 @@ TEST(SmallMemory, DISABLED_Tour)
 {
     WriteSettings(u"[Tavrix]\r\nShowToolbox=0\r\nShowColorbox=0\r\n");
     for (const char* plugin : {"INPUT/PNG", "OUTPUT/PNG", "ADJUST/Invert"})
-        InstallPlugin(TAVRIX_BINARY_DIR "/bin/PLUGINS/" + std::string(plugin) + ".dll",
+        InstallPlugin(tavrix::testing::InBuild("/bin/PLUGINS/") + std::string(plugin) + ".dll",
                       std::string(plugin).substr(0, std::string(plugin).find('/')));
     std::vector<Step> steps = {Look, Paint, Turn, Invert,
                                [](MainFrame& frame) { Save(frame, "saved.png"); }};
