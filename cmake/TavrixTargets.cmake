@@ -108,7 +108,8 @@ endfunction()
 # EACH: CTest knows each test, to run those side by side that wait most of the time.
 # Built without run-time type information, as what they derive from; RTTI asks for it.
 function(tavrix_tests name)
-  cmake_parse_arguments(ARG "RTTI;SUITES;EACH" "LABEL;TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS" ${ARGN})
+  cmake_parse_arguments(ARG "RTTI;SUITES;EACH" "LABEL;TIMEOUT" "SOURCES;LIBRARIES;DEFINITIONS"
+                        ${ARGN})
   if(NOT ARG_SOURCES)
     file(GLOB ARG_SOURCES CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/*.cpp)
   endif()
