@@ -1,6 +1,6 @@
-// A host that has nothing but the C library: loads a plugin and asks for its identity, many times,
-// and prints the milliseconds that the fastest round took. The codec is loaded anew in every round,
-// as this program has none itself. Run: load-plugin FILE
+// A host that has the device's library and uses nothing of it: loads a plugin and asks for its
+// identity, many times, and prints the milliseconds that the fastest round took. The codec is
+// loaded anew in every round, as this program has none itself. Run: load-plugin FILE
 
 #include <tavrix/plugin.h>
 
