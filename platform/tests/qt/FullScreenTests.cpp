@@ -214,5 +214,5 @@ TEST(HostWindow, ItsIconsAreBothThatTheProgramGivesItsMainWindow)
     EXPECT_EQ(shown.availableSizes(), (QList<QSize>{{16, 16}, {32, 32}}));
     EXPECT_EQ(shown.pixmap(16, 16).toImage().pixelColor(8, 8), QColor(0xFF, 0, 0));
     EXPECT_EQ(shown.pixmap(32, 32).toImage().pixelColor(8, 8), QColor(0, 0, 0xFF));
-    EXPECT_EQ(QGuiApplication::desktopFileName(), QStringLiteral("tavrix"));
+    EXPECT_EQ(QGuiApplication::desktopFileName(), QStringLiteral("org.tavrix.tavrix"));
 }
