@@ -1,4 +1,5 @@
-// Writes the name patterns of INPUT plugins, one a line: list-formats PLUGIN.dll...
+// Writes the name patterns of INPUT plugins, which find the device's functions in a library that stands
+// in for the program, one a line: list-formats LIBRARY PLUGIN.dll...
 
 #include <tavrix/plugin.h>
 
@@ -51,8 +52,12 @@ bool ListPatterns(const char* path)
 
 int main(int argc, char** argv)
 {
-    bool all = argc > 1;
-    for (int i = 1; i < argc; ++i)
+    if (argc < 3 || dlopen(argv[1], RTLD_NOW | RTLD_GLOBAL) == nullptr) {
+        std::cerr << (argc < 3 ? "list-formats LIBRARY PLUGIN.dll..." : dlerror()) << '\n';
+        return 1;
+    }
+    bool all = true;
+    for (int i = 2; i < argc; ++i)
         all = ListPatterns(argv[i]) && all;
     return all ? 0 : 1;
 }
