@@ -4,6 +4,7 @@
 #include "platform/core/MessageQueue.h"
 #include "platform/core/WindowTable.h"
 #include "platform/qt/Backing.h"
+#include "platform/qt/FingerTouch.h"
 #include "platform/qt/HostWindow.h"
 #include "platform/qt/KeyCodes.h"
 #include "platform/qt/Pen.h"
@@ -139,7 +140,8 @@ public:
         if (event->type() != QEvent::Timer)
             NoteToolkitEvent();
         if (object->isWindowType()) {
-            if (TakeFullScreenKey(*event) || TakePen(*static_cast<QWindow*>(object), *event))
+            auto& window = *static_cast<QWindow*>(object);
+            if (TakeFullScreenKey(*event) || TakePen(window, *event) || TakeFinger(window, *event))
                 return true;
             NoteLive(*event);
             return false;
