@@ -35,14 +35,14 @@ bool IsOfFinger(const QEvent& event)
     return device != nullptr && device->type() == QInputDevice::DeviceType::TouchScreen;
 }
 
-/// A control that has something to do for the pointer. Texts and frames let it through to the
-/// dialog, a bar of progress has no use for it.
+/// A control that has something to do for the pointer and is not shut. Texts and frames let it
+/// through to the dialog, a bar of progress has no use for it.
 bool IsUsable(const Window& window)
 {
     return DialogStateOf(&window) == nullptr && window.widget != nullptr &&
            !window.widget->testAttribute(Qt::WA_TransparentForMouseEvents) &&
            window.windowClass != FindWindowClass(TEXT("msctls_progress32")) &&
-           window.widget->isVisible() && window.widget->isEnabled() && TakesInput(window);
+           TakesInput(window);
 }
 
 QRect PlaceOn(const QWidget& top, const QWidget& widget)
@@ -80,12 +80,12 @@ const Window* DialogAt(const QWidget& top, QPoint point)
         return nullptr;
     while (window != nullptr && window->isChild && DialogStateOf(window) == nullptr)
         window = window->parent;
-    if (DialogStateOf(window) == nullptr || !TakesInput(*window))
-        return nullptr;
-    return IsEmptyGround(top, *window, point) ? window : nullptr;
+    const bool dialog = DialogStateOf(window) != nullptr;
+    return dialog && IsEmptyGround(top, *window, point) ? window : nullptr;
 }
 
-/// Whether what the pointer would meet at the control's nearest point is the control.
+/// Whether what the pointer would meet at the control's nearest point is the control, neither hidden
+/// nor below another.
 bool IsMet(const QWidget& top, const QWidget& control, QPoint point)
 {
     const QWidget* under = top.childAt(NearestPoint(PlaceOn(top, control), point));
