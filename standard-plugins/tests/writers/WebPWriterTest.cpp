@@ -1,5 +1,6 @@
 // The WebP writer: quality, effort and limits, as other programs see them.
 
+#include "platform/testing/Thorough.h"
 #include "standard-plugins/tests/writers/ReadingBack.h"
 #include "standard-plugins/webp-output/WebPMemory.h"
 
@@ -173,6 +174,8 @@ TEST_F(WebPWriter, TakesNoMoreMemoryThanWasReckoned)
     for (const bool lossless : {false, true})
         for (const u32 effort : {0u, 4u, 6u})
             for (const Samples& samples : {Samples(Wild), Samples(Soft)}) {
+                if (effort == 6 && lossless && !tavrix::testing::AreTestsThorough())
+                    continue; // takes as long as the rest of the suite
                 Set(u"WebpOutputLossless", lossless);
                 Set(u"WebpOutputMemory", lossless ? 31 : 15); // too little for the quick way
                 Set(u"WebpOutputEffort", effort);
