@@ -1,6 +1,6 @@
 # Run by CTest: tells it the suites of a GoogleTest program, a test each. The list is kept beside the
 # program until the program is newer. Set before: TAVRIX_SUITES_NAME, _PROGRAM, _LIST, _EMULATOR,
-# _LABEL, _TIMEOUT, _ENVIRONMENT.
+# _LABEL, _TIMEOUT, _ENVIRONMENT. Sets <name>_TESTS, the list of the tests.
 if(NOT EXISTS ${TAVRIX_SUITES_PROGRAM})
   add_test(${TAVRIX_SUITES_NAME}_NOT_BUILT ${TAVRIX_SUITES_NAME}_NOT_BUILT)
   set_tests_properties(${TAVRIX_SUITES_NAME}_NOT_BUILT PROPERTIES LABELS ${TAVRIX_SUITES_LABEL})
@@ -30,9 +30,11 @@ foreach(line IN LISTS lines)
   endif()
 endforeach()
 list(REMOVE_DUPLICATES tests)
+set(${TAVRIX_SUITES_NAME}_TESTS "")
 foreach(filter IN LISTS tests)
   string(REGEX REPLACE "\\.\\*" "" name "${filter}")
   set(test ${TAVRIX_SUITES_NAME}.${name})
+  list(APPEND ${TAVRIX_SUITES_NAME}_TESTS ${test})
   add_test(${test} ${TAVRIX_SUITES_EMULATOR} ${TAVRIX_SUITES_PROGRAM} --gtest_filter=${filter})
   set_tests_properties(${test} PROPERTIES LABELS ${TAVRIX_SUITES_LABEL}
                        TIMEOUT ${TAVRIX_SUITES_TIMEOUT}
