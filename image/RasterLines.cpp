@@ -142,9 +142,12 @@ void Raster::DropPhysicalLine(uintptr_t physical, u32 removedFrom, u32 removedCo
     const u32 behind = removedCount < records - first ? first + removedCount : records;
     if (isPinned(0, first) || isPinned(behind, records))
         return;
-    // Without memory for the smaller table nothing moved, and the references still tell the truth.
-    if (LineTable::DeleteLines(static_cast<i32>(physical), 1) < 0)
-        return;
+    // Without memory for the smaller table the line goes within the one that is there: it is in such
+    // moments that lines are put out, each makes room, and none may be lost.
+    if (LineTable::DeleteLines(static_cast<i32>(physical), 1) < 0) {
+        GiveBlock(lines[physical]);
+        memmove(lines + physical, lines + physical + 1, (lineCount - physical) * sizeof(u8*));
+    }
     // No branch, since resident lines lie among others in any order.
     for (u32 i = 0; i < records; ++i)
         lineRef[i] -= static_cast<uintptr_t>(swapped[i] == 0) & (lineRef[i] > physical);

@@ -433,8 +433,11 @@ private:
             if (!goes && !lines[i].swapped && lines[i].locked && lines[i].ref.physical == physical)
                 return;
         }
-        // Where the smaller table cannot be had nothing is freed, and nothing moves down.
-        if (table.DeleteLines(static_cast<i32>(physical), 1) < 0)
+        // Where the smaller table cannot be had the line goes from the one that is there.
+        const i32 status = table.DeleteLines(static_cast<i32>(physical), 1);
+        if (status == -2)
+            table.lines.erase(table.lines.begin() + physical);
+        else if (status < 0)
             return;
         for (PlainRecord& line : lines)
             if (!line.swapped && line.ref.physical > physical)

@@ -83,9 +83,11 @@ void Journal::Note(const std::string& action)
 
 void Journal::Tell(const std::string& line) const
 {
-    if (trace)
-        std::fprintf(stderr, "%8ld ms, %zu heaps: %s\n", MillisecondsSinceStart(),
-                     tavrix::platform::CountHoldings().heaps, line.c_str());
+    if (!trace)
+        return;
+    const tavrix::platform::Holdings held = tavrix::platform::CountHoldings();
+    std::fprintf(stderr, "%8ld ms, %zu KB in %zu heaps: %s\n", MillisecondsSinceStart(),
+                 held.heapBytes >> 10, held.heaps, line.c_str());
 }
 
 std::string Journal::Text() const
