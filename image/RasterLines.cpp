@@ -142,8 +142,8 @@ void Raster::DropPhysicalLine(uintptr_t physical, u32 removedFrom, u32 removedCo
     const u32 behind = removedCount < records - first ? first + removedCount : records;
     if (isPinned(0, first) || isPinned(behind, records))
         return;
-    // Without memory for the smaller table the line goes within the one that is there: it is in such
-    // moments that lines are put out, each makes room, and none may be lost.
+    // Without memory for the smaller table the line goes within the one that is there: it is in
+    // such moments that lines are put out, each makes room, and none may be lost.
     if (LineTable::DeleteLines(static_cast<i32>(physical), 1) < 0) {
         GiveBlock(lines[physical]);
         memmove(lines + physical, lines + physical + 1, (lineCount - physical) * sizeof(u8*));

@@ -1,5 +1,5 @@
-// Writes the name patterns of INPUT plugins, which find the device's functions in a library that stands
-// in for the program, one a line: list-formats LIBRARY PLUGIN.dll...
+// Writes the name patterns of INPUT plugins, which find the device's functions in a library that
+// stands in for the program, one a line: list-formats LIBRARY PLUGIN.dll...
 
 #include <tavrix/plugin.h>
 
