@@ -316,7 +316,7 @@ TEST_P(WriterFailure, LineThatCannotGoBackToItsFileButStaysInMemoryIsNotLost)
 {
     // The first to go is the last line, which the filling left in memory: it makes room for the
     // first that is asked for.
-    for (const int lines : {1, 100}) {
+    for (const int lines : {1, 2, 100}) {
         PretendMemory(1000);
         Raster paged;
         Fill(&paged, width, height, 24, Wild);
