@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <link.h>
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 
@@ -39,9 +40,15 @@ bool IsWholeLibrary(const std::string& hostPath)
         return false;
     const auto size = static_cast<uint64_t>(status.st_size);
 
+    // The segments' table stands behind the header in all but strange files: one read has both.
+    std::array<unsigned char, 1024> start{};
+    int error = 0;
+    const size_t atStart = ReadAt(file.Get(), start.data(), start.size(), 0, &error);
     ElfW(Ehdr) header{};
-    if (!ReadExactly(file, &header, sizeof header, 0) ||
-        std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+    if (atStart < sizeof header)
+        return false;
+    std::memcpy(&header, start.data(), sizeof header);
+    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
         header.e_ident[EI_CLASS] != NativeClass || header.e_ident[EI_DATA] != NativeOrder ||
         header.e_type != ET_DYN || header.e_phentsize != sizeof(ElfW(Phdr)))
         return false;
@@ -50,8 +57,11 @@ bool IsWholeLibrary(const std::string& hostPath)
     for (unsigned index = 0; index < header.e_phnum; ++index) {
         ElfW(Phdr) segment{};
         const uint64_t position = uint64_t{header.e_phoff} + uint64_t{index} * sizeof segment;
-        if (!Inside(position, sizeof segment, size) ||
-            !ReadExactly(file, &segment, sizeof segment, position))
+        if (!Inside(position, sizeof segment, size))
+            return false;
+        if (Inside(position, sizeof segment, atStart))
+            std::memcpy(&segment, start.data() + position, sizeof segment);
+        else if (!ReadExactly(file, &segment, sizeof segment, position))
             return false;
         if ((segment.p_type == PT_LOAD || segment.p_type == PT_DYNAMIC) &&
             !Inside(segment.p_offset, segment.p_filesz, size))

@@ -4,6 +4,7 @@
 #include "platform/core/WindowRegistry.h"
 #include "platform/qt/Backing.h"
 #include "platform/qt/HostWindow.h"
+#include "platform/qt/StartupLog.h"
 #include "platform/qt/WindowRecords.h"
 
 #include <algorithm>
@@ -41,8 +42,13 @@ LRESULT SetIcon(Window& window, WPARAM which, LPARAM icon)
         return 0;
     const HICON before = window.icons[which];
     window.icons[which] = reinterpret_cast<HICON>(icon);
+    // The desktop has no use for them before it shows the window, and their pictures are to be
+    // decoded, by libraries that are loaded for it.
     if (&window == MainWindow())
-        TheHostWindow().SetIcons(window.icons[ICON_SMALL], window.icons[ICON_BIG]);
+        WhenScreenIsPainted([] {
+            if (const Window* shown = MainWindow(); shown != nullptr)
+                TheHostWindow().SetIcons(shown->icons[ICON_SMALL], shown->icons[ICON_BIG]);
+        });
     return reinterpret_cast<LRESULT>(before);
 }
 

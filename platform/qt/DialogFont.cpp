@@ -1,9 +1,10 @@
 #include "platform/qt/DialogFont.h"
 
+#include "platform/qt/StartAhead.h"
 #include "platform/qt/Window.h"
 
+#include <QApplication>
 #include <QFontMetrics>
-#include <QGuiApplication>
 #include <QScreen>
 
 #include <algorithm>
@@ -33,6 +34,12 @@ QFont MakeFont()
     return font;
 }
 
+const QFont& TheFont()
+{
+    static const auto* font = new QFont(MakeFont()); // must not outlive the toolkit as a static
+    return *font;
+}
+
 int ToPixels(int units, int base, int unitsOfBase)
 {
     const int product = units * base;
@@ -42,10 +49,15 @@ int ToPixels(int units, int base, int unitsOfBase)
 
 } // namespace
 
+void InstallDialogFont()
+{
+    QApplication::setFont(TheFont());
+}
+
 const QFont& DialogFont()
 {
-    static const auto* font = new QFont(MakeFont()); // must not outlive the toolkit as a static
-    return *font;
+    WaitForFonts(); // whoever asks for the font wants its measures next
+    return TheFont();
 }
 
 QSize DialogBaseUnits()

@@ -11,6 +11,10 @@
 namespace tavrix::platform
 {
 
+/// Makes the font the toolkit's own. Its measures may not be asked of it yet: the font
+/// configuration may still be being read.
+void InstallDialogFont();
+
 /// 12 pixels on a screen of ordinary density, more on a dense one as far as the device screen has
 /// room for it.
 const QFont& DialogFont();

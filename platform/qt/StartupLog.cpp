@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <utility>
 
 namespace tavrix::platform
 {
@@ -15,6 +16,12 @@ namespace
 bool screenPainted = false;
 bool firstPaintLogged = false;
 bool startOverLogged = false;
+
+std::function<void()>& Waiting()
+{
+    static auto& work = *new std::function<void()>; // may hold what must not outlive the toolkit
+    return work;
+}
 
 void Log(const char* what)
 {
@@ -44,12 +51,22 @@ bool ScreenWasPainted()
     return screenPainted;
 }
 
+void WhenScreenIsPainted(std::function<void()> work)
+{
+    if (firstPaintLogged)
+        work();
+    else
+        Waiting() = std::move(work);
+}
+
 void LogFirstPaint()
 {
     if (!screenPainted || firstPaintLogged)
         return;
     firstPaintLogged = true;
     Log("first-paint");
+    if (const std::function<void()> work = std::exchange(Waiting(), nullptr))
+        work();
 }
 
 bool StartIsOver()

@@ -4,12 +4,17 @@
 // time with the main window shown and painted.
 #pragma once
 
+#include <functional>
+
 namespace tavrix::platform
 {
 
 /// The device screen's paint event ran.
 void NoteScreenPainted();
 bool ScreenWasPainted();
+/// Does what can wait until the device screen shows: at once when it does, else when the first
+/// paint has been logged. Of several works that wait the last takes the others' place.
+void WhenScreenIsPainted(std::function<void()> work);
 /// Logs the first paint once it is finished; nothing on later calls.
 void LogFirstPaint();
 

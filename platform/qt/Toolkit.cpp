@@ -1,17 +1,18 @@
 #include "platform/qt/Toolkit.h"
 
+#include "platform/qt/ApplicationStyle.h"
 #include "platform/qt/Backing.h"
 #include "platform/qt/DialogFont.h"
 #include "platform/qt/HostLoop.h"
 #include "platform/qt/Input.h"
 #include "platform/qt/KeepAwake.h"
 #include "platform/qt/Signals.h"
+#include "platform/qt/StartAhead.h"
 
 #include <QApplication>
 #include <QByteArray>
 #include <QPalette>
 #include <QStyle>
-#include <QStyleFactory>
 
 #include <clocale>
 #include <cstring>
@@ -76,14 +77,18 @@ void EnsureToolkit()
     QGuiApplication::setDesktopFileName(QStringLiteral(TAVRIX_APPLICATION_ID));
     QGuiApplication::setDesktopSettingsAware(false);
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setStyle(QStringLiteral("Fusion"));
+    // A menu bar would else ask the session's bus, and wait, whether the desktop shows menus.
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+    QApplication::setStyle(new ApplicationStyle);
 
+    ReadFontsAhead();
     static char name[] = "tavrix";
     static char* arguments[] = {name, nullptr};
     static int count = 1;
     // Never deleted: windows and static objects of the program may outlast any place to do it.
     static const QApplication* application = new QApplication(count, arguments);
     (void)application;
+    ConnectBusAhead();
     // It took the user's locale over, decimal comma included.
     std::setlocale(LC_NUMERIC, "C");
 
@@ -93,7 +98,7 @@ void EnsureToolkit()
     InstallInput();
     WatchSignals();
     InstallKeepAwake();
-    QApplication::setFont(DialogFont());
+    InstallDialogFont();
 }
 
 } // namespace tavrix::platform

@@ -210,6 +210,7 @@ TEST(HostWindow, ItsIconsAreBothThatTheProgramGivesItsMainWindow)
     const HICON big = test::LargeSolidIcon(0x0000FF);
     SendMessageW(window.handle, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(small));
     SendMessageW(window.handle, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(big));
+    hand::Pump(20); // they are shown when the window has been painted
     const QIcon shown = Host()->windowIcon();
     EXPECT_EQ(shown.availableSizes(), (QList<QSize>{{16, 16}, {32, 32}}));
     EXPECT_EQ(shown.pixmap(16, 16).toImage().pixelColor(8, 8), QColor(0xFF, 0, 0));
