@@ -28,7 +28,13 @@ struct Claim {
     uint64_t left; // steps
 };
 
-void Renew(Claim* claim)
+// Never by a call: the library is there when the program starts.
+[[gnu::tls_model("initial-exec")]] constinit thread_local Claim claimed{};
+
+// Known from the first number on.
+constinit std::atomic<TestHooks*> knownHooks{nullptr};
+
+[[gnu::noinline]] void Renew(Claim* claim)
 {
     static std::atomic<uint64_t> counter{Seed()};
     claim->word = counter.fetch_add(Step * ClaimedSteps, std::memory_order_relaxed);
@@ -41,7 +47,7 @@ void Renew(Claim* claim)
 // a counter that all threads share: each takes steps of it for some time.
 LONG NextNumber()
 {
-    static thread_local Claim claim;
+    Claim& claim = claimed;
     if (claim.left == 0)
         Renew(&claim);
     --claim.left;
@@ -53,15 +59,25 @@ LONG NextNumber()
     return static_cast<LONG>(word & 0x7FFFFFFFu);
 }
 
-} // namespace
-
-LONG WINAPI Random(void)
+// With what a test may bend; apart, so that the other way is short.
+[[gnu::noinline]] LONG NumberAfterHooks()
 {
-    static TestHooks& hooks = Hooks();
+    TestHooks& hooks = Hooks();
+    knownHooks.store(&hooks, std::memory_order_release);
     if (hooks.active.load(std::memory_order_relaxed)) {
         const std::lock_guard<std::mutex> guard(hooks.lock);
         if (hooks.randomNext < hooks.randomNumbers.size())
             return hooks.randomNumbers[hooks.randomNext++];
     }
+    return NextNumber();
+}
+
+} // namespace
+
+LONG WINAPI Random(void)
+{
+    const TestHooks* const hooks = knownHooks.load(std::memory_order_acquire);
+    if (hooks == nullptr || hooks->active.load(std::memory_order_relaxed))
+        return NumberAfterHooks();
     return NextNumber();
 }
