@@ -9,6 +9,13 @@ namespace
 
 constexpr u32 FirstPlaces = 16;
 
+// No table stands behind no entries.
+void CopyEntries(u8** to, u8* const* from, u32 count)
+{
+    if (count > 0)
+        memcpy(to, from, size_t{count} * sizeof(u8*));
+}
+
 } // namespace
 
 LineTable::LineTable(Allocator* given)
@@ -107,10 +114,8 @@ i32 LineTable::InsertLines(i32 at, u32 count)
         GiveBlock(table);
         return NoMemory;
     }
-    for (u32 i = 0; i < first; ++i)
-        table[i] = lines[i];
-    for (u32 i = first; i < lineCount; ++i)
-        table[i + count] = lines[i];
+    CopyEntries(table, lines, first);
+    CopyEntries(table + first + count, lines + first, lineCount - first);
     GiveBlock(lines);
     lines = table;
     lineCount = static_cast<u32>(newCount);
@@ -133,14 +138,12 @@ i32 LineTable::DeleteLines(i32 at, u32 count)
     u8** const table = static_cast<u8**>(TakeBlock(u64{lineCount} * sizeof(u8*)));
     if (table == nullptr)
         return NoMemory;
-    u32 kept = 0;
-    for (u32 i = 0; i < oldCount; ++i) {
-        const bool asked = i >= first && i - first < count;
-        if (!asked && kept < lineCount)
-            table[kept++] = lines[i];
-        else
-            GiveBlock(lines[i]);
-    }
+    const u32 before = first < lineCount ? first : lineCount;
+    const u32 behind = oldCount - first < count ? oldCount : first + count;
+    CopyEntries(table, lines, before);
+    for (u32 i = before; i < behind; ++i)
+        GiveBlock(lines[i]);
+    CopyEntries(table + before, lines + behind, oldCount - behind);
     GiveBlock(lines);
     lines = table;
     return Done;

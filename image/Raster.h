@@ -261,6 +261,7 @@ private:
     void CloseGaps(u32 first);
 
     [[nodiscard]] i32 FillNewLines(u32 first, u32 count);
+    bool IsPinned(uintptr_t physical, u32 from, u32 to) const;
     void DropPhysicalLine(uintptr_t physical, u32 removedFrom, u32 removedCount);
 
     [[nodiscard]] i32 NameFile(u32 line, const WCHAR* folder, HANDLE* file);

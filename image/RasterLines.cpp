@@ -122,6 +122,23 @@ i32 Raster::FillNewLines(u32 first, u32 count)
     return status;
 }
 
+// Whether one of these lines is locked and in a physical line.
+bool Raster::IsPinned(uintptr_t physical, u32 from, u32 to) const
+{
+    constexpr u32 Block = 64;
+    for (u32 i = from; i < to;) {
+        const u32 end = to - i < Block ? to : i + Block;
+        u32 any = 0; // few are locked
+        for (u32 k = i; k < end; ++k)
+            any |= locked[k];
+        for (; any != 0 && i < end; ++i)
+            if (locked[i] && !swapped[i] && lineRef[i] == physical)
+                return true;
+        i = end;
+    }
+    return false;
+}
+
 // Frees a physical line and closes the gap in the references. Lines [removedFrom, removedFrom +
 // removedCount) are on their way out and are not looked at.
 //
@@ -132,15 +149,9 @@ void Raster::DropPhysicalLine(uintptr_t physical, u32 removedFrom, u32 removedCo
 {
     if (physical >= lineCount)
         return;
-    const auto isPinned = [&](u32 from, u32 to) {
-        for (u32 i = from; i < to; ++i)
-            if (locked[i] && !swapped[i] && lineRef[i] == physical) // few are locked
-                return true;
-        return false;
-    };
     const u32 first = removedFrom < records ? removedFrom : records;
     const u32 behind = removedCount < records - first ? first + removedCount : records;
-    if (isPinned(0, first) || isPinned(behind, records))
+    if (IsPinned(physical, 0, first) || IsPinned(physical, behind, records))
         return;
     // Without memory for the smaller table the line goes within the one that is there: it is in
     // such moments that lines are put out, each makes room, and none may be lost.
@@ -148,9 +159,12 @@ void Raster::DropPhysicalLine(uintptr_t physical, u32 removedFrom, u32 removedCo
         GiveBlock(lines[physical]);
         memmove(lines + physical, lines + physical + 1, (lineCount - physical) * sizeof(u8*));
     }
-    // No branch, since resident lines lie among others in any order.
+    // By the sign of the difference: without branch and comparison, processors do several at once.
+    // Each line that goes out comes by here.
+    constexpr u32 SignBit = sizeof(uintptr_t) * 8 - 1;
     for (u32 i = 0; i < records; ++i)
-        lineRef[i] -= static_cast<uintptr_t>(swapped[i] == 0) & (lineRef[i] > physical);
+        lineRef[i] -=
+            ((physical - lineRef[i]) >> SignBit) & static_cast<uintptr_t>(swapped[i] == 0);
 }
 
 i32 Raster::RemoveLines(i32 at, u32* count)

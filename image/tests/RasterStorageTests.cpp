@@ -267,6 +267,22 @@ TEST_F(RasterStorage, APinnedLineOutlivesALostLineThatPointsAtIt)
     EXPECT_EQ(RowOf(raster, 2), PatternRow(3, 2));
 }
 
+TEST_F(RasterStorage, InATallPictureAPinnedLineOutlivesALostLineThatPointsAtIt)
+{
+    for (const u32 height : {64u, 65u, 66u, 128u, 129u, 200u}) {
+        Raster raster;
+        MakeFilled(raster, height, 3);
+        FillDisk({FirstFolder, SecondFolder});
+        EXPECT_EQ(raster.ReleaseLines(0, 1, 1), 0);
+        SetFileFault(nullptr);
+        u8* const pinned = AddressOf(raster, static_cast<i32>(height) - 1);
+        EXPECT_EQ(raster.ReleaseLines(0, 1, 1), 1);
+        EXPECT_EQ(std::vector<u8>(pinned, pinned + Stride), PatternRow(3, height - 1)) << height;
+        EXPECT_EQ(AddressOf(raster, static_cast<i32>(height) - 1), pinned) << height;
+        EXPECT_EQ(RowOf(raster, 1), PatternRow(3, 1)) << height;
+    }
+}
+
 TEST_F(RasterStorage, ALineFileThatIsShortOrGoneReadsAsZerosFromThereOn)
 {
     Raster raster;

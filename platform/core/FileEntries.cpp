@@ -65,6 +65,9 @@ DWORD Delete(FileTree& tree, LPCWSTR path)
     DevicePath parsed;
     FoundFile found;
     Replacements::Hold hold;
+    const std::string paging = tree.PagingFile(path);
+    if (!paging.empty() && unlink(paging.c_str()) == 0)
+        return ERROR_SUCCESS;
     if (ParsePath(path, &parsed) == ERROR_SUCCESS && !parsed.endsInSeparator) {
         const std::string temporary = tree.TemporaryFile(parsed);
         if (!temporary.empty() && unlink(temporary.c_str()) == 0)

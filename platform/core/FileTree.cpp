@@ -345,6 +345,25 @@ std::string FileTree::TemporaryFile(const DevicePath& path) const
     return {};
 }
 
+std::string FileTree::PagingFile(LPCWSTR path) const
+{
+    constexpr size_t NameLength = 10; // that of "000000.tmp"
+    const std::u16string_view given = path != nullptr ? path : u"";
+    if (given.size() <= NameLength + 1)
+        return {};
+    char name[NameLength];
+    std::transform(given.end() - NameLength, given.end(), name,
+                   [](char16_t unit) { return unit < 0x80 ? static_cast<char>(unit) : '?'; });
+    const std::u16string_view folder = given.substr(0, given.size() - NameLength - 1);
+    const std::string_view last(name, NameLength);
+    if (given[folder.size()] != u'\\' || !last.ends_with(".tmp") || !IsPagingName(last))
+        return {};
+    for (const auto& mount : mounts)
+        if (mount->isTemporary && !mount->layers.empty() && folder == mount->path)
+            return (mount->layers.front() + "/").append(last);
+    return {};
+}
+
 std::string FileTree::HostPath(const DevicePath& path)
 {
     const std::string quick = TemporaryFile(path);

@@ -98,6 +98,9 @@ public:
     /// The host path of a file right in a temporary folder, where a name means one file only and
     /// needs no look-up; empty for every other path.
     std::string TemporaryFile(const DevicePath& path) const;
+    /// The same of a path as paging spells it: a temporary folder's own path and the name of a
+    /// paging file behind it. Empty for every other spelling, which is to be parsed.
+    std::string PagingFile(LPCWSTR path) const;
 
     /// The host path of what stands under a path, or where a file of that name would be written;
     /// empty when it has none. Makes nothing.

@@ -84,7 +84,7 @@ struct Opened {
 /// What is asked for.
 struct Request {
     LPCWSTR given;
-    DevicePath path;
+    DevicePath path; // parsed for all but paging files
     DWORD access;
     Opening opening;
     DWORD attributes;
@@ -93,21 +93,25 @@ struct Request {
 /// A file right in a temporary folder: no look-up goes before, and the host's own answer decides.
 DWORD OpenTemporary(FileTree& tree, const Request& request, const std::string& host, Opened* opened)
 {
-    const auto& [given, path, access, opening, attributes] = request;
+    const Opening& opening = request.opening;
+    const auto openAt = [&](const std::string& at, bool exists) {
+        return OpenAt(at, exists, request.access, opening, request.attributes, &opened->file);
+    };
     if (!opening.mustBeNew) {
-        const DWORD error = OpenAt(host, true, access, opening, attributes, &opened->file);
+        const DWORD error = openAt(host, true);
         opened->existed = error == ERROR_SUCCESS;
         if (error != ERROR_FILE_NOT_FOUND || opening.mustExist)
             return error;
     }
-    DWORD error = OpenAt(host, false, access, opening, attributes, &opened->file);
+    DWORD error = openAt(host, false);
     if (error != ERROR_FILE_NOT_FOUND)
         return error;
+    DevicePath path;
     std::string place;
-    error = tree.PlaceToWrite(path, &place); // makes the folder
-    return error != ERROR_SUCCESS
-               ? error
-               : OpenAt(place, false, access, opening, attributes, &opened->file);
+    error = ParsePath(request.given, &path);
+    if (error == ERROR_SUCCESS)
+        error = tree.PlaceToWrite(path, &place); // makes the folder
+    return error != ERROR_SUCCESS ? error : openAt(place, false);
 }
 
 /// A file to be written where files are replaced: begins a replacement or joins one that is
@@ -189,6 +193,16 @@ DWORD Carry(FileTree& tree, const Request& request, const std::string& temporary
     return *handle != nullptr ? ERROR_SUCCESS : ERROR_NOT_ENOUGH_MEMORY;
 }
 
+DWORD ParseFilePath(LPCWSTR path, DevicePath* parsed)
+{
+    const DWORD error = ParsePath(path, parsed);
+    if (error != ERROR_SUCCESS)
+        return error;
+    if (parsed->parts.empty())
+        return ERROR_ACCESS_DENIED;
+    return parsed->endsInSeparator ? ERROR_INVALID_NAME : ERROR_SUCCESS;
+}
+
 /// The whole call; `*existed` tells whether the file was there.
 DWORD MakeOrOpen(LPCWSTR path, DWORD access, DWORD disposition, DWORD attributes, HANDLE* handle,
                  bool* existed)
@@ -197,17 +211,17 @@ DWORD MakeOrOpen(LPCWSTR path, DWORD access, DWORD disposition, DWORD attributes
     if (!OpeningOf(disposition, &request.opening) ||
         (disposition == TRUNCATE_EXISTING && (access & GENERIC_WRITE) == 0))
         return ERROR_INVALID_PARAMETER;
-    DWORD error = ParsePath(path, &request.path);
-    if (error != ERROR_SUCCESS)
-        return error;
-    if (request.path.parts.empty())
-        return ERROR_ACCESS_DENIED;
-    if (request.path.endsInSeparator)
-        return ERROR_INVALID_NAME;
     const std::shared_ptr<FileTree> tree = CurrentTree();
-    const std::string temporary = tree->TemporaryFile(request.path);
-    error = WithoutThrowing(DWORD{ERROR_NOT_ENOUGH_MEMORY},
-                            [&] { return Carry(*tree, request, temporary, handle, existed); });
+    std::string temporary = tree->PagingFile(path);
+    if (temporary.empty()) {
+        const DWORD error = ParseFilePath(path, &request.path);
+        if (error != ERROR_SUCCESS)
+            return error;
+        temporary = tree->TemporaryFile(request.path);
+    }
+    const DWORD error = WithoutThrowing(DWORD{ERROR_NOT_ENOUGH_MEMORY}, [&] {
+        return Carry(*tree, request, temporary, handle, existed);
+    });
     const bool isAlwaysNew = disposition == CREATE_ALWAYS;
     const bool opensToWrite = disposition != CREATE_NEW && (access & GENERIC_WRITE) != 0;
     if (error != ERROR_SUCCESS && temporary.empty() && (isAlwaysNew || opensToWrite))

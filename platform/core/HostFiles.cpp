@@ -50,11 +50,13 @@ int OpenRegular(const std::string& path, int flags, mode_t mode, Descriptor* ope
     Descriptor file(OpenHost(path, flags | O_NONBLOCK | O_NOCTTY, mode));
     if (!file.IsOpen())
         return errno;
+    // What has just been made is regular.
+    const bool isNew = (flags & (O_CREAT | O_EXCL)) == (O_CREAT | O_EXCL);
     struct stat info {
     };
-    if (fstat(file.Get(), &info) != 0)
+    if (!isNew && fstat(file.Get(), &info) != 0)
         return errno;
-    if (!S_ISREG(info.st_mode))
+    if (!isNew && !S_ISREG(info.st_mode))
         return S_ISDIR(info.st_mode) ? EISDIR : ENXIO;
     *opened = std::move(file);
     return 0;

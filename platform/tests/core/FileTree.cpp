@@ -326,6 +326,25 @@ TEST(FileTree, TempIsAPrivateFolder)
     EXPECT_FALSE(HostExists(host));
 }
 
+TEST(FileTree, APagingFileIsTheSameUnderEverySpellingOfItsFolder)
+{
+    const FileWorld world;
+    for (const WCHAR* folder : {u"\\Temp\\", u"\\temp\\", u"/Temp/", u"Temp\\", u"\\Temp\\.\\",
+                                u"\\\\Temp\\\\", u"\\Temp\\x\\..\\"}) {
+        const std::u16string other = std::u16string(folder) + u"000123.tmp";
+        ASSERT_TRUE(WriteDevice(u"\\Temp\\000123.tmp", "line", CREATE_NEW));
+        EXPECT_EQ("line", ReadDevice(other.c_str()));
+        EXPECT_FALSE(WriteDevice(other.c_str(), "again", CREATE_NEW));
+        EXPECT_TRUE(DeleteFileW(other.c_str()));
+        EXPECT_EQ("(none)", Names(u"\\Temp\\*"));
+        ASSERT_TRUE(WriteDevice(other.c_str(), "line", CREATE_NEW));
+        EXPECT_EQ("line", ReadDevice(u"\\Temp\\000123.tmp"));
+        EXPECT_TRUE(DeleteFileW(u"\\Temp\\000123.tmp"));
+    }
+    EXPECT_FALSE(DeleteFileW(u"\\Temp\\000123.tmp"));
+    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, GetLastError());
+}
+
 TEST(FileTree, TempIsNotListedInTheRootAndTheOtherMountsAre)
 {
     const FileWorld world;
