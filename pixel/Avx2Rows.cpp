@@ -2,6 +2,7 @@
 
 #if defined(__x86_64__) || defined(__i386__)
 
+#include "pixel/BoxRow.h"
 #include "pixel/OrderedDither.h"
 #include "pixel/PlainRows.h"
 #include "pixel/RowKernels.h"
@@ -9,6 +10,7 @@
 #include "pixel/TextCoverage.h"
 #include "pixel/VectorConstants.h"
 
+#include <algorithm>
 #include <immintrin.h>
 #include <string.h>
 
@@ -140,24 +142,87 @@ VECTOR inline Lanes32 Shuffle(Lanes32 bytes, Lanes32 indices)
     return {_mm256_shuffle_epi8(bytes.v, indices.v)};
 }
 
-struct EndSums {
-    __m256i sums; // of the first column and of the last
+VECTOR inline Lanes32 WidenLow(Lanes32 bytes)
+{
+    return {_mm256_unpacklo_epi8(bytes.v, _mm256_setzero_si256())};
+}
 
-    VECTOR EndSums() : sums(_mm256_setzero_si256()) {}
-    VECTOR void Add(const u16* first, const u16* last, __m128i weights)
+VECTOR inline Lanes32 WidenHigh(Lanes32 bytes)
+{
+    return {_mm256_unpackhi_epi8(bytes.v, _mm256_setzero_si256())};
+}
+
+VECTOR inline Lanes32 InterleaveLow(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_unpacklo_epi16(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 InterleaveHigh(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_unpackhi_epi16(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 InterleaveLowPairs(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_unpacklo_epi32(a.v, b.v)};
+}
+
+VECTOR inline Lanes32 InterleaveHighPairs(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_unpackhi_epi32(a.v, b.v)};
+}
+
+VECTOR inline void StoreApart(u16* numbers, size_t distance, Lanes32 in)
+{
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(numbers), _mm256_castsi256_si128(in.v));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(numbers + distance),
+                     _mm256_extracti128_si256(in.v, 1));
+}
+
+// As Column16 and what goes with it.
+struct Column {
+    __m256i v;
+
+    static VECTOR Column Load(const u16* numbers) { return {Lanes32::LoadNumbers(numbers).v}; }
+    static VECTOR Column Repeat(const u64* four)
     {
-        const __m128i both =
-            _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(first)),
-                               _mm_loadl_epi64(reinterpret_cast<const __m128i*>(last)));
-        const __m256i repeated = _mm256_permutevar8x32_epi32(
-            _mm256_castsi128_si256(weights), _mm256_setr_epi32(0, 0, 0, 0, 2, 2, 2, 2));
-        sums = _mm256_add_epi32(sums, _mm256_mullo_epi32(_mm256_cvtepu16_epi32(both), repeated));
-    }
-    VECTOR __m128i Sums() const
-    {
-        return _mm_add_epi32(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
+        return {_mm256_set1_epi64x(static_cast<long long>(*four))};
     }
 };
+
+VECTOR inline Column AddNumbers(Column a, Column b)
+{
+    return {_mm256_add_epi16(a.v, b.v)};
+}
+
+VECTOR inline Column AddSums(Column a, Column b)
+{
+    return {_mm256_add_epi32(a.v, b.v)};
+}
+
+VECTOR inline Column Weigh(Column numbers, Column weights)
+{
+    return {_mm256_madd_epi16(numbers.v, weights.v)};
+}
+
+template <int Bits>
+VECTOR inline Column ShiftSums(Column a)
+{
+    return {_mm256_slli_epi32(a.v, Bits)};
+}
+
+VECTOR inline Column AddPairs(Column a)
+{
+    return {_mm256_add_epi32(a.v, _mm256_srli_epi64(a.v, 32))};
+}
+
+VECTOR inline __m128i Scale(Column sums, const double* factor)
+{
+    const __m256i exponents = _mm256_set1_epi32(0x43300000);
+    const __m256d exact = _mm256_castsi256_pd(_mm256_blend_epi32(sums.v, exponents, 0xAA));
+    const __m256d halfMore = _mm256_sub_pd(exact, _mm256_set1_pd(4503599627370495.5));
+    return _mm256_cvttpd_epi32(_mm256_mul_pd(halfMore, _mm256_broadcast_sd(factor)));
+}
 
 // May read 8 bytes more.
 VECTOR inline void LoadFours(const u8* pixels, Lanes32* out)

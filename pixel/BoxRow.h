@@ -34,19 +34,32 @@ BoxSpan BoxSpanOf(const BoxAxis& axis, u32 output);
 void AverageRow24(u8* out, u32 width, const u8* const* rows, u32 count, const BoxSpan& span,
                   const BoxAxis& columns, const BoxAxis& lines);
 
-/// The sums of some columns of three groups of rows, those of one cover each: the first row, the
-/// ones between, the last.
-struct BoxSums {
-    const u16* bytes[3]; // 3 sums a column, and 5 numbers of 0 behind them
-    u32 cover[3];
-    u32 rows[3]; // in the group; one without rows has sums of 0
-    u32 samples; // at most that many bytes of a channel lie between the ends of a span and of rows
+constexpr u32 BoxTileColumns = 512; // of the source, whose sums stay in the smallest cache
+constexpr u32 BoxTilePixels = 128;  // of the output
+constexpr u32 HalfBoxRows = 128;    // whose bytes' sum has 15 bits
+
+/// The rows of one output row in three groups, those of one cover each: the first row, the ones
+/// between, the last.
+struct BoxRows {
+    const u8* const* groups[3];
+    u32 covers[3]; // 0 in a group without rows
+    u32 counts[3]; // 1; up to 2 * HalfBoxRows; 0 or 1
 };
 
-/// Columns of one output pixel, counted from the sums' first.
+/// What four numbers stand for in the sums of a byte's rows: the first row, up to HalfBoxRows of
+/// those between, the last row, the rest of those between.
+constexpr u32 BoxGroups = 4;
+/// Numbers that are read behind the sums of a tile's last column, of no account.
+constexpr u32 BoxSumsBeside = 4;
+
+/// The columns of some output pixels, counted from their tile's first. All numbers are there; those
+/// behind the pixels' are of no account.
 struct BoxColumns {
-    u32 first;
-    u32 between; // the columns behind the first that are covered in whole
-    u32 last;
-    u32 covers[4]; // of the first, of each one between, of the last, which is 0 where there is none
+    u32 count; // of pixels, up to BoxTilePixels
+    u32 unit;  // the cover of a column between
+    u32 first[BoxTilePixels];
+    u32 between[BoxTilePixels]; // the columns behind the first that are covered in whole
+    u32 last[BoxTilePixels];
+    u32 firstCovers[BoxTilePixels];
+    u32 lastCovers[BoxTilePixels]; // 0 where the span has no other end, or one behind the source
 };

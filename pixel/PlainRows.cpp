@@ -60,25 +60,56 @@ void DitherPixel(u8* target, const u8* source, const u8* entries)
     target[2] = entries[source[2]];
 }
 
-// Adds a group of rows and gives its weights.
-u32 WeighGroup(u32* weighed, const BoxSums& sums, u32 group, const BoxColumns& columns)
-{
-    const u32 cover = sums.cover[group];
-    const u32 first = (columns.covers[0] * cover) >> 4;
-    const u32 unit = (columns.covers[1] * cover) >> 4;
-    const u32 last = (columns.covers[2] * cover) >> 4;
-    for (u32 channel = 0; channel < 3; ++channel) {
-        const u16* at = sums.bytes[group] + size_t{3} * columns.first + channel;
-        weighed[channel] += first * *at;
-        u32 between = 0;
-        for (u32 i = 0; i < columns.between; ++i) {
-            at += 3;
-            between += *at;
-        }
-        weighed[channel] += unit * between;
-        weighed[channel] += last * sums.bytes[group][size_t{3} * columns.last + channel];
+// The weights of a column of that cover in each group of rows.
+struct ColumnWeights {
+    u32 of[3];
+
+    ColumnWeights(u32 cover, const BoxRows& rows)
+    {
+        for (u32 group = 0; group < 3; ++group)
+            of[group] = (cover * rows.covers[group]) >> 4;
     }
-    return sums.rows[group] * (first + unit * columns.between + last);
+    // In all rows.
+    u32 Sum(const BoxRows& rows) const { return of[0] + of[1] * rows.counts[1] + of[2]; }
+};
+
+// One channel of `count` columns.
+u32 WeighColumns(const u16* sums, u32 count, const ColumnWeights& weights)
+{
+    u32 groups[3] = {};
+    for (; count > 0; --count, sums += 3 * BoxGroups) {
+        groups[0] += sums[0];
+        groups[1] += u32{sums[1]} + sums[3];
+        groups[2] += sums[2];
+    }
+    return weights.of[0] * groups[0] + weights.of[1] * groups[1] + weights.of[2] * groups[2];
+}
+
+void AveragePixel(u8* out, const u16* sums, const BoxRows& rows, const BoxColumns& columns, u32 i)
+{
+    const ColumnWeights first(columns.firstCovers[i], rows);
+    const ColumnWeights unit(columns.unit, rows);
+    const ColumnWeights last(columns.lastCovers[i], rows);
+    const u32 between = columns.between[i];
+    const u32 weights = first.Sum(rows) + unit.Sum(rows) * between + last.Sum(rows);
+    const u16* const left = sums + size_t{3} * BoxGroups * columns.first[i];
+    const u16* const right = sums + size_t{3} * BoxGroups * columns.last[i];
+    for (u32 channel = 0; channel < 3 && weights != 0; ++channel) {
+        const u32 at = channel * BoxGroups;
+        const u32 weighed = WeighColumns(left + at, 1, first) +
+                            WeighColumns(left + 3 * BoxGroups + at, between, unit) +
+                            WeighColumns(right + at, 1, last);
+        out[channel] = static_cast<u8>(weighed / weights);
+    }
+}
+
+void SumGroup(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes)
+{
+    for (size_t i = 0; i < bytes; ++i)
+        sums[BoxGroups * i] = 0;
+    for (u32 row = 0; row < count; ++row)
+        for (size_t i = 0; i < bytes; ++i)
+            sums[BoxGroups * i] = static_cast<u16>(sums[BoxGroups * i] + rows[row][offset + i]);
 }
 
 } // namespace
@@ -183,24 +214,19 @@ void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
         BlendTextPixel(pixels + 3 * i, TextCoverage(bits + i, rowBytes) * opacity, color);
 }
 
-void SumRows(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes)
+void SumRows(u16* sums, const BoxRows& rows, size_t offset, size_t bytes)
 {
-    std::fill_n(sums, bytes, u16{0});
-    for (u32 row = 0; row < count; ++row)
-        for (size_t i = 0; i < bytes; ++i)
-            sums[i] = static_cast<u16>(sums[i] + rows[row][offset + i]);
+    const u32 half = std::min(rows.counts[1], HalfBoxRows);
+    SumGroup(sums, rows.groups[0], rows.counts[0], offset, bytes);
+    SumGroup(sums + 1, rows.groups[1], half, offset, bytes);
+    SumGroup(sums + 2, rows.groups[2], rows.counts[2], offset, bytes);
+    SumGroup(sums + 3, rows.groups[1] + half, rows.counts[1] - half, offset, bytes);
 }
 
-void AverageColumns(u8* out, const BoxSums& sums, const BoxColumns* columns, u32 count)
+void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const BoxColumns& columns)
 {
-    for (u32 i = 0; i < count; ++i, ++columns, out += 3) {
-        u32 weighed[3] = {};
-        u32 weights = 0;
-        for (u32 group = 0; group < 3; ++group)
-            weights += WeighGroup(weighed, sums, group, *columns);
-        for (u32 channel = 0; channel < 3 && weights != 0; ++channel)
-            out[channel] = static_cast<u8>(weighed[channel] / weights);
-    }
+    for (u32 i = 0; i < columns.count; ++i)
+        AveragePixel(out + size_t{3} * i, sums, rows, columns, i);
 }
 
 void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count)

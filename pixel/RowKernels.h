@@ -8,7 +8,7 @@
 #include "pixel/Rows.h"
 
 struct BoxColumns;
-struct BoxSums;
+struct BoxRows;
 struct StretchColumns;
 
 /// What an instruction set adds to that of every processor.
@@ -33,9 +33,12 @@ struct RowKernels {
     void (*lumaRow24)(u16* luma, const u8* source, size_t count);
     void (*blendTextRow)(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                          const ColorBytes& color);
-    /// Sums of `bytes` bytes from `offset` on of up to 257 rows; 0 of no rows.
-    void (*sumRows)(u16* sums, const u8* const* rows, u32 count, size_t offset, size_t bytes);
-    void (*averageColumns)(u8* out, const BoxSums& sums, const BoxColumns* columns, u32 count);
+    /// Sums of `bytes` bytes from `offset` on, BoxGroups a byte; 0 of no rows.
+    void (*sumRows)(u16* sums, const BoxRows& rows, size_t offset, size_t bytes);
+    /// `sums` of the columns' tile, each up to 32,767. A pixel whose weights make 0 is left as it
+    /// was.
+    void (*averageColumns)(u8* out, const u16* sums, const BoxRows& rows,
+                           const BoxColumns& columns);
     /// Four pixels from `column` on of `count` rows, a multiple of 4, become pixels of four rows:
     /// the n-th of source row i comes to targets[n] + 3 * i. Rows do not overlap, and 16 bytes from
     /// `column` on may be read.

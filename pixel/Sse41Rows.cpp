@@ -2,6 +2,7 @@
 
 #if defined(__x86_64__) || defined(__i386__)
 
+#include "pixel/BoxRow.h"
 #include "pixel/OrderedDither.h"
 #include "pixel/PlainRows.h"
 #include "pixel/RowKernels.h"
@@ -9,6 +10,7 @@
 #include "pixel/TextCoverage.h"
 #include "pixel/VectorConstants.h"
 
+#include <algorithm>
 #include <immintrin.h>
 #include <string.h>
 
@@ -23,7 +25,7 @@ namespace vector
 {
 
 using Lanes = Lanes16;
-using EndSums = EndSums16;
+using Column = Column16;
 
 } // namespace vector
 

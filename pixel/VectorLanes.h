@@ -125,25 +125,105 @@ VECTOR inline Lanes16 Shuffle(Lanes16 bytes, Lanes16 indices)
     return {_mm_shuffle_epi8(bytes.v, indices.v)};
 }
 
-/// Four numbers of 16 bits as ones of 32.
-VECTOR inline __m128i LoadSums(const u16* sums)
+/// The first and the last 8 of each 16 bytes as numbers.
+VECTOR inline Lanes16 WidenLow(Lanes16 bytes)
 {
-    return _mm_cvtepu16_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(sums)));
+    return {_mm_unpacklo_epi8(bytes.v, _mm_setzero_si128())};
 }
 
-/// Sums of four numbers of each of two columns, weighed by the first and the third weight.
-struct EndSums16 {
-    __m128i sums;
+VECTOR inline Lanes16 WidenHigh(Lanes16 bytes)
+{
+    return {_mm_unpackhi_epi8(bytes.v, _mm_setzero_si128())};
+}
 
-    VECTOR EndSums16() : sums(_mm_setzero_si128()) {}
-    VECTOR void Add(const u16* first, const u16* last, __m128i weights)
+/// The first and the last half of each 16 bytes, numbers or pairs of them in turn.
+VECTOR inline Lanes16 InterleaveLow(Lanes16 a, Lanes16 b)
+{
+    return {_mm_unpacklo_epi16(a.v, b.v)};
+}
+
+VECTOR inline Lanes16 InterleaveHigh(Lanes16 a, Lanes16 b)
+{
+    return {_mm_unpackhi_epi16(a.v, b.v)};
+}
+
+VECTOR inline Lanes16 InterleaveLowPairs(Lanes16 a, Lanes16 b)
+{
+    return {_mm_unpacklo_epi32(a.v, b.v)};
+}
+
+VECTOR inline Lanes16 InterleaveHighPairs(Lanes16 a, Lanes16 b)
+{
+    return {_mm_unpackhi_epi32(a.v, b.v)};
+}
+
+/// Each 16 bytes, `distance` numbers from the ones before.
+VECTOR inline void StoreApart(u16* numbers, size_t, Lanes16 in)
+{
+    in.Store(reinterpret_cast<u8*>(numbers));
+}
+
+/// Four numbers of each of the three bytes of a column, and of a fourth one of no account; also
+/// two sums of 32 bits, or one in the low half of 64.
+struct Column16 {
+    __m128i left;
+    __m128i right;
+
+    static VECTOR Column16 Load(const u16* numbers)
     {
-        const __m128i one = _mm_mullo_epi32(LoadSums(first), _mm_shuffle_epi32(weights, 0));
-        const __m128i other = _mm_mullo_epi32(LoadSums(last), _mm_shuffle_epi32(weights, 0xAA));
-        sums = _mm_add_epi32(sums, _mm_add_epi32(one, other));
+        return {Lanes16::LoadNumbers(numbers).v, Lanes16::LoadNumbers(numbers + 8).v};
     }
-    VECTOR __m128i Sums() const { return sums; }
+    static VECTOR Column16 Repeat(const u64* four)
+    {
+        const __m128i weights =
+            _mm_castpd_si128(_mm_loaddup_pd(reinterpret_cast<const double*>(four)));
+        return {weights, weights};
+    }
 };
+
+VECTOR inline Column16 AddNumbers(Column16 a, Column16 b)
+{
+    return {_mm_add_epi16(a.left, b.left), _mm_add_epi16(a.right, b.right)};
+}
+
+VECTOR inline Column16 AddSums(Column16 a, Column16 b)
+{
+    return {_mm_add_epi32(a.left, b.left), _mm_add_epi32(a.right, b.right)};
+}
+
+/// Two sums of two products of numbers with sign, for each byte.
+VECTOR inline Column16 Weigh(Column16 numbers, Column16 weights)
+{
+    return {_mm_madd_epi16(numbers.left, weights.left),
+            _mm_madd_epi16(numbers.right, weights.right)};
+}
+
+template <int Bits>
+VECTOR inline Column16 ShiftSums(Column16 a)
+{
+    return {_mm_slli_epi32(a.left, Bits), _mm_slli_epi32(a.right, Bits)};
+}
+
+/// The second sum comes to the first.
+VECTOR inline Column16 AddPairs(Column16 a)
+{
+    return AddSums(a, {_mm_srli_epi64(a.left, 32), _mm_srli_epi64(a.right, 32)});
+}
+
+/// Two numbers of 32 bits without sign, in the low halves of 64, times a factor; the sums have a
+/// half more: 2^52 and the number, less 2^52 and the half. Whole parts, below 2^31.
+VECTOR inline __m128i ScaleTwo(__m128i sums, __m128d factor)
+{
+    const __m128i exponents = _mm_set1_epi32(0x43300000);
+    const __m128d exact = _mm_castsi128_pd(_mm_blend_epi16(sums, exponents, 0xCC));
+    return _mm_cvttpd_epi32(_mm_mul_pd(_mm_sub_pd(exact, _mm_set1_pd(4503599627370495.5)), factor));
+}
+
+VECTOR inline __m128i Scale(Column16 sums, const double* factor)
+{
+    const __m128d both = _mm_loaddup_pd(factor);
+    return _mm_unpacklo_epi64(ScaleTwo(sums.left, both), ScaleTwo(sums.right, both));
+}
 
 /// Four pixels in each 16 bytes, of which the last 4 are anything. May read 4 bytes more.
 VECTOR inline void LoadFours(const u8* pixels, Lanes16* out)
