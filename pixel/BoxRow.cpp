@@ -29,52 +29,18 @@ struct Tile {
     BoxColumns columns;
 };
 
-// The first columns of the output's pixels from `pixel` on, and the one of the pixel behind them.
-// Not all of them need be pixels of the output.
-void PlaceFirstColumns(u32 (&first)[BoxTilePixels + 1], const BoxAxis& axis, u32 pixel)
-{
-    for (u32 i = 0; i <= BoxTilePixels; ++i)
-        first[i] = (axis.step * (pixel + i)) >> 16;
-}
-
-// How many of `most` pixels fit. A span begins in the source, and where the one before it ends.
-u32 FittingPixels(const u32* first, u32 most, u32 size)
-{
-    while (most > 0 && std::min(first[most] + 1, size) - first[0] > BoxTileColumns)
-        --most;
-    return most;
-}
-
-// One pixel's columns after the other's, without a branch, so that the compiler takes several.
-void FillColumns(BoxColumns* columns, const u32* first, const BoxAxis& axis, u32 pixel)
-{
-    const u32 unit = axis.unit;
-    const u32 size = axis.size;
-    const u32 begin = first[0];
-    for (u32 i = 0; i < BoxTilePixels; ++i) {
-        const u32 last = first[i + 1];
-        const bool isOne = last == first[i];
-        const u32 between = std::min(last, size) - first[i] - 1;
-        const u32 lastCover = (pixel + i + 1) * 1024 - last * unit;
-        columns->first[i] = first[i] - begin;
-        columns->between[i] = isOne ? 0 : between;
-        columns->last[i] = std::min(last, size - 1) - begin;
-        columns->firstCovers[i] = unit + ((first[i] * unit) & 0x3FF);
-        columns->lastCovers[i] = isOne || last >= size ? 0 : lastCover;
-    }
-}
-
-// From `pixel` on; of no pixels where the columns of that one do not fit.
+// From `pixel` on; of no pixels where the columns of that one do not fit. A span begins in the
+// source, and where the one before it ends.
 void FillTile(Tile* tile, const BoxAxis& axis, u32 pixel, u32 width)
 {
-    u32 first[BoxTilePixels + 1];
-    PlaceFirstColumns(first, axis, pixel);
-    const u32 count = FittingPixels(first, std::min(BoxTilePixels, width - pixel), axis.size);
-    tile->begin = first[0];
-    tile->end = std::min(first[count] + 1, axis.size);
-    tile->columns.count = count;
-    tile->columns.unit = axis.unit;
-    FillColumns(&tile->columns, first, axis, pixel);
+    BoxColumns& columns = tile->columns;
+    Kernels().placeColumns(&columns, axis, pixel, std::min(BoxTilePixels, width - pixel));
+    while (columns.count > 0 && columns.last[columns.count - 1] >= BoxTileColumns)
+        --columns.count;
+    if (columns.count == 0)
+        return;
+    tile->begin = BoxSpanOf(axis, pixel).first;
+    tile->end = tile->begin + columns.last[columns.count - 1] + 1;
 }
 
 void DrawTile(u8* out, const BoxRows& rows, const Tile& tile)

@@ -223,6 +223,11 @@ void SumRows(u16* sums, const BoxRows& rows, size_t offset, size_t bytes)
     SumGroup(sums + 3, rows.groups[1] + half, rows.counts[1] - half, offset, bytes);
 }
 
+void PlaceColumns(BoxColumns* columns, const BoxAxis& axis, u32 pixel, u32 count)
+{
+    PlaceBoxColumns(columns, axis, pixel, count);
+}
+
 void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const BoxColumns& columns)
 {
     for (u32 i = 0; i < columns.count; ++i)

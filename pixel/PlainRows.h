@@ -22,6 +22,7 @@ void DitherRow(u8* target, const u8* source, u32 columns, const u8* table, u32 y
 void LumaRow24(u16* luma, const u8* source, size_t count);
 void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                   const ColorBytes& color);
+void PlaceColumns(BoxColumns* columns, const BoxAxis& axis, u32 pixel, u32 count);
 void SumRows(u16* sums, const BoxRows& rows, size_t offset, size_t bytes);
 void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const BoxColumns& columns);
 void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count);

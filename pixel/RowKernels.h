@@ -7,6 +7,7 @@
 
 #include "pixel/Rows.h"
 
+struct BoxAxis;
 struct BoxColumns;
 struct BoxRows;
 struct StretchColumns;
@@ -33,6 +34,8 @@ struct RowKernels {
     void (*lumaRow24)(u16* luma, const u8* source, size_t count);
     void (*blendTextRow)(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
                          const ColorBytes& color);
+    /// As PlaceBoxColumns.
+    void (*placeColumns)(BoxColumns* columns, const BoxAxis& axis, u32 pixel, u32 count);
     /// Sums of `bytes` bytes from `offset` on, BoxGroups a byte; 0 of no rows.
     void (*sumRows)(u16* sums, const BoxRows& rows, size_t offset, size_t bytes);
     /// `sums` of the columns' tile, each up to 32,767. A pixel whose weights make 0 is left as it

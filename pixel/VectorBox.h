@@ -74,8 +74,8 @@ VECTOR inline u64 FourOf(u32 first, u32 between, u32 last)
     return (first | between << 16) | u64{last | between << 16} << 32;
 }
 
-// Adds what the weights make in all rows to `sums`.
-VECTOR inline void FillWeights(Weights* weights, u32* sums, const u32* covers, u32 count,
+// `count` columns. Adds what the weights make in all rows to `sums`.
+VECTOR inline void FillWeights(u64* low, u64* high, u32* sums, const u32* covers, u32 count,
                                const BoxRows& rows)
 {
     const u32 rowCovers[3] = {rows.covers[0], rows.covers[1], rows.covers[2]};
@@ -83,8 +83,8 @@ VECTOR inline void FillWeights(Weights* weights, u32* sums, const u32* covers, u
     for (u32 i = 0; i < count; ++i) {
         const u32 of[3] = {(covers[i] * rowCovers[0]) >> 4, (covers[i] * rowCovers[1]) >> 4,
                            (covers[i] * rowCovers[2]) >> 4};
-        weights->low[i] = FourOf(of[0] & 0x7FFF, of[1] & 0x7FFF, of[2] & 0x7FFF);
-        weights->high[i] = FourOf(of[0] >> 15, of[1] >> 15, of[2] >> 15);
+        low[i] = FourOf(of[0] & 0x7FFF, of[1] & 0x7FFF, of[2] & 0x7FFF);
+        high[i] = FourOf(of[0] >> 15, of[1] >> 15, of[2] >> 15);
         sums[i] += of[0] + of[1] * between + of[2];
     }
 }
@@ -92,8 +92,9 @@ VECTOR inline void FillWeights(Weights* weights, u32* sums, const u32* covers, u
 // All weights of the pixels of a tile.
 struct TileWeights {
     Weights first;
-    Weights unit; // of which only the first is there
     Weights last;
+    u64 unitLow;
+    u64 unitHigh;
     u32 sums[BoxTilePixels];
     double reciprocals[BoxTilePixels]; // of the sums
 };
@@ -110,29 +111,36 @@ VECTOR inline __m128d ToDoubles(const u32* numbers)
 VECTOR inline bool FillTileWeights(TileWeights* weights, const BoxRows& rows,
                                    const BoxColumns& columns)
 {
-    const u32 count = (columns.count + 7) / 8 * 8;
     u32 unit = 0;
-    FillWeights(&weights->unit, &unit, &columns.unit, 1, rows);
+    FillWeights(&weights->unitLow, &weights->unitHigh, &unit, &columns.unit, 1, rows);
+    u32* const sums = weights->sums;
+    const u32 count = (columns.count + 7) / 8 * 8;
     for (u32 i = 0; i < count; ++i)
-        weights->sums[i] = unit * columns.between[i];
-    FillWeights(&weights->first, weights->sums, columns.firstCovers, count, rows);
-    FillWeights(&weights->last, weights->sums, columns.lastCovers, count, rows);
+        sums[i] = unit * columns.between[i];
+    FillWeights(weights->first.low, weights->first.high, sums, columns.firstCovers, count, rows);
+    FillWeights(weights->last.low, weights->last.high, sums, columns.lastCovers, count, rows);
+    u32 least = 2;
+    for (u32 i = 0; i < columns.count; ++i)
+        least = std::min(least, sums[i]);
     for (u32 i = 0; i < count; i += 2)
-        _mm_storeu_pd(weights->reciprocals + i,
-                      _mm_div_pd(_mm_set1_pd(1.0), ToDoubles(weights->sums + i)));
-    return *std::min_element(weights->sums, weights->sums + columns.count) >= 2;
+        _mm_storeu_pd(weights->reciprocals + i, _mm_div_pd(_mm_set1_pd(1.0), ToDoubles(sums + i)));
+    return least == 2;
 }
 
-// Sums of products with the low bits of the weights and with the high ones.
+// Two columns: weights' low bits and high ones, or sums of products with those.
 struct Weighed {
     Column low;
     Column high;
 };
 
-VECTOR inline Weighed WeighColumn(Column numbers, const Weights& weights, u32 i)
+VECTOR inline Weighed WeightsAt(const u64* low, const u64* high)
 {
-    return {Weigh(numbers, Column::Repeat(weights.low + i)),
-            Weigh(numbers, Column::Repeat(weights.high + i))};
+    return {Column::Repeat(low), Column::Repeat(high)};
+}
+
+VECTOR inline Weighed WeighColumn(Column numbers, const Weighed& weights)
+{
+    return {Weigh(numbers, weights.low), Weigh(numbers, weights.high)};
 }
 
 VECTOR inline Weighed Add(const Weighed& a, const Weighed& b)
@@ -152,21 +160,22 @@ VECTOR inline Column SumColumns(const u16* sums, u32 count)
 }
 
 // `most`: the columns whose sums fit into 15 bits.
-VECTOR inline Weighed WeighPixel(const u16* sums, const TileWeights& weights,
-                                 const BoxColumns& columns, u32 i, u32 most)
+VECTOR inline Weighed WeighBetween(const u16* sums, u32 count, u32 most, const Weighed& unit,
+                                   Weighed weighed)
 {
-    constexpr size_t step = 3 * BoxGroups;
-    const u16* at = sums + step * columns.first[i];
-    const u16* const last = sums + step * columns.last[i];
-    Weighed weighed = Add(WeighColumn(Column::Load(at), weights.first, i),
-                          WeighColumn(Column::Load(last), weights.last, i));
-    at += step;
-    u32 count = columns.between[i];
-    for (; count > most; count -= most, at += step * most)
-        weighed = Add(weighed, WeighColumn(SumColumns(at, most), weights.unit, 0));
+    for (; count > most; count -= most, sums += 3 * BoxGroups * most)
+        weighed = Add(weighed, WeighColumn(SumColumns(sums, most), unit));
     if (count > 0)
-        weighed = Add(weighed, WeighColumn(SumColumns(at, count), weights.unit, 0));
+        weighed = Add(weighed, WeighColumn(SumColumns(sums, count), unit));
     return weighed;
+}
+
+VECTOR inline Weighed WeighEnds(const u16* first, const u16* last, const TileWeights& weights,
+                                u32 i)
+{
+    return Add(
+        WeighColumn(Column::Load(first), WeightsAt(weights.first.low + i, weights.first.high + i)),
+        WeighColumn(Column::Load(last), WeightsAt(weights.last.low + i, weights.last.high + i)));
 }
 
 // The low byte of each of four quotients; that of the fourth is of no account. The reciprocal and
@@ -179,6 +188,24 @@ VECTOR inline int Divide(const Weighed& weighed, const double* reciprocal)
     return _mm_cvtsi128_si32(_mm_shuffle_epi8(Scale(sums, reciprocal), bytes));
 }
 
+VECTOR void PlaceColumns(BoxColumns* columns, const BoxAxis& axis, u32 pixel, u32 count)
+{
+    PlaceBoxColumns(columns, axis, pixel, count);
+}
+
+// A pixel's bytes, and one of no account.
+VECTOR inline int AveragePixel(const u16* sums, const TileWeights& weights,
+                               const BoxColumns& columns, u32 i, u32 most)
+{
+    constexpr size_t step = 3 * BoxGroups;
+    const u16* const first = sums + step * columns.first[i];
+    const u16* const last = sums + step * columns.last[i];
+    const Weighed unit = WeightsAt(&weights.unitLow, &weights.unitHigh);
+    const Weighed weighed = WeighBetween(first + step, columns.between[i], most, unit,
+                                         WeighEnds(first, last, weights, i));
+    return Divide(weighed, weights.reciprocals + i);
+}
+
 VECTOR void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const BoxColumns& columns)
 {
     TileWeights weights;
@@ -187,12 +214,12 @@ VECTOR void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const 
         return plain::AverageColumns(out, sums, rows, columns);
     const u32 most = HalfBoxRows / std::clamp(rows.counts[1], u32{1}, HalfBoxRows);
     const u32 last = columns.count - 1;
-    for (u32 i = 0; i <= last; ++i) {
-        const Weighed weighed = WeighPixel(sums, weights, columns, i, most);
-        const int pixel = Divide(weighed, weights.reciprocals + i);
-        // The byte behind a pixel is the next one's, which comes over it.
-        memcpy(out + size_t{3} * i, &pixel, i < last ? 4 : 3);
+    for (u32 i = 0; i < last; ++i, out += 3) {
+        const int pixel = AveragePixel(sums, weights, columns, i, most);
+        memcpy(out, &pixel, 4); // the next pixel comes over the fourth byte
     }
+    const int pixel = AveragePixel(sums, weights, columns, last, most);
+    memcpy(out, &pixel, 3);
 }
 
 } // namespace vector
