@@ -172,6 +172,22 @@ VECTOR inline Lanes32 InterleaveHighPairs(Lanes32 a, Lanes32 b)
     return {_mm256_unpackhi_epi32(a.v, b.v)};
 }
 
+VECTOR inline Lanes32 AddNeighbours(Lanes32 bytes)
+{
+    return {_mm256_maddubs_epi16(bytes.v, _mm256_set1_epi8(1))};
+}
+
+VECTOR inline Lanes32 Narrow(Lanes32 a, Lanes32 b)
+{
+    return {_mm256_packus_epi16(a.v, b.v)};
+}
+
+VECTOR inline void LoadApart(const u8* bytes, size_t distance, Lanes32* out)
+{
+    out->v = _mm256_inserti128_si256(_mm256_castsi128_si256(Lanes16::Load(bytes).v),
+                                     Lanes16::Load(bytes + distance).v, 1);
+}
+
 VECTOR inline void StoreApart(u16* numbers, size_t distance, Lanes32 in)
 {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(numbers), _mm256_castsi256_si128(in.v));

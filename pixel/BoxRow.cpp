@@ -74,6 +74,14 @@ void AveragePixel(u8* out, const BoxRows& rows, const BoxAxis& columns, const Bo
         out[i] = static_cast<u8>(sums[i] / weights);
 }
 
+// Whether all pixels of the output are those of two rows and two columns, each of a weight of
+// 512 * 512 / 16 = 2^14: together 2^16, so that their sum by 4 is the average.
+bool IsHalf(const BoxRows& rows, const BoxAxis& columns, const BoxAxis& lines)
+{
+    return columns.unit == 512 && columns.step == 2 << 16 && lines.unit == 512 &&
+           rows.covers[0] == 512 && rows.counts[1] == 1 && rows.counts[2] == 0;
+}
+
 } // namespace
 
 BoxAxis MakeBoxAxis(u32 size, u32 outputSize)
@@ -101,6 +109,8 @@ void AverageRow24(u8* out, u32 width, const u8* const* rows, u32 count, const Bo
     if (columns.size == 0 || count == 0)
         return;
     const BoxRows grouped = GroupRows(rows, count, span, lines.unit);
+    if (IsHalf(grouped, columns, lines))
+        return Kernels().halveRows24(out, grouped.groups[0][0], grouped.groups[1][0], width);
     Tile tile;
     tile.columns.count = 0;
     for (u32 pixel = 0; pixel < width; pixel += std::max(tile.columns.count, u32{1})) {

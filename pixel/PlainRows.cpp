@@ -234,6 +234,14 @@ void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const BoxColu
         AveragePixel(out + size_t{3} * i, sums, rows, columns, i);
 }
 
+void HalveRows24(u8* out, const u8* upper, const u8* lower, size_t count)
+{
+    for (size_t i = 0; i < count; ++i, out += 3, upper += 6, lower += 6)
+        for (size_t channel = 0; channel < 3; ++channel)
+            out[channel] = static_cast<u8>(
+                (upper[channel] + upper[channel + 3] + lower[channel] + lower[channel + 3]) >> 2);
+}
+
 void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count)
 {
     for (size_t n = 0; n < 4; ++n)

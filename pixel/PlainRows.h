@@ -25,6 +25,7 @@ void BlendTextRow(u8* pixels, const u8* bits, size_t rowBytes, size_t count,
 void PlaceColumns(BoxColumns* columns, const BoxAxis& axis, u32 pixel, u32 count);
 void SumRows(u16* sums, const BoxRows& rows, size_t offset, size_t bytes);
 void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const BoxColumns& columns);
+void HalveRows24(u8* out, const u8* upper, const u8* lower, size_t count);
 void CrossFour24(u8* const* targets, const u8* const* sources, size_t column, size_t count);
 
 } // namespace plain

@@ -7,11 +7,11 @@
 namespace
 {
 
-const RowKernels plainRows = {plain::StoreRow24,      plain::BlendRow24,   plain::InvertRow24,
-                              plain::BlendMaskRows24, plain::ReverseRow24, plain::CopyMaskedRow24,
-                              plain::CompositeRow24,  plain::DitherRow,    plain::LumaRow24,
-                              plain::BlendTextRow,    plain::PlaceColumns, plain::SumRows,
-                              plain::AverageColumns,  plain::CrossFour24,  nullptr};
+const RowKernels plainRows = {
+    plain::StoreRow24,     plain::BlendRow24,      plain::InvertRow24,    plain::BlendMaskRows24,
+    plain::ReverseRow24,   plain::CopyMaskedRow24, plain::CompositeRow24, plain::DitherRow,
+    plain::LumaRow24,      plain::BlendTextRow,    plain::PlaceColumns,   plain::SumRows,
+    plain::AverageColumns, plain::HalveRows24,     plain::CrossFour24,    nullptr};
 
 const RowKernels* Highest()
 {

@@ -42,6 +42,9 @@ struct RowKernels {
     /// was.
     void (*averageColumns)(u8* out, const u16* sums, const BoxRows& rows,
                            const BoxColumns& columns);
+    /// The sum by 4, rounded down, of two pixels of each of two rows becomes one. `out` is no part
+    /// of a row.
+    void (*halveRows24)(u8* out, const u8* upper, const u8* lower, size_t count);
     /// Four pixels from `column` on of `count` rows, a multiple of 4, become pixels of four rows:
     /// the n-th of source row i comes to targets[n] + 3 * i. Rows do not overlap, and 16 bytes from
     /// `column` on may be read.

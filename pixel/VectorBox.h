@@ -222,4 +222,42 @@ VECTOR void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const 
     memcpy(out, &pixel, 3);
 }
 
+// Of four pixels' bytes in each 16 the sums of the first and the second, and of the others.
+VECTOR inline Lanes AddPixelPairs(const u8* pixels)
+{
+    constexpr char no = -128; // gives 0
+    const Lanes pairs =
+        Lanes::Repeat(_mm_setr_epi8(0, 3, 1, 4, 2, 5, 6, 9, 7, 10, 8, 11, no, no, no, no));
+    Lanes fours;
+    LoadApart(pixels, 24, &fours);
+    return AddNeighbours(Shuffle(fours, pairs));
+}
+
+VECTOR inline Lanes HalveFours(const u8* upper, const u8* lower)
+{
+    return ShiftRight<2>(Add(AddPixelPairs(upper), AddPixelPairs(lower)));
+}
+
+// Four pixels for each 16 bytes of a vector. Reads 4 bytes more of each row than they come from.
+VECTOR inline void HalveBlock(u8* out, const u8* upper, const u8* lower)
+{
+    const Lanes sixes =
+        Lanes::Repeat(_mm_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, 14, 14, 14, 14));
+    const Lanes both = Narrow(HalveFours(upper, lower), HalveFours(upper + 12, lower + 12));
+    StoreFours(out, Shuffle(both, sixes));
+}
+
+VECTOR void HalveRows24(u8* out, const u8* upper, const u8* lower, size_t count)
+{
+    constexpr size_t block = Lanes::Bytes / 4;
+    if (count <= block)
+        return plain::HalveRows24(out, upper, lower, count);
+    const size_t last = count - 1; // whose bytes the block before it reads
+    for (size_t i = 0; i + block <= last; i += block)
+        HalveBlock(out + 3 * i, upper + 6 * i, lower + 6 * i);
+    const size_t i = last - block;
+    HalveBlock(out + 3 * i, upper + 6 * i, lower + 6 * i);
+    plain::HalveRows24(out + 3 * last, upper + 6 * last, lower + 6 * last, 1);
+}
+
 } // namespace vector

@@ -157,6 +157,24 @@ VECTOR inline Lanes16 InterleaveHighPairs(Lanes16 a, Lanes16 b)
     return {_mm_unpackhi_epi32(a.v, b.v)};
 }
 
+/// Sums of two bytes.
+VECTOR inline Lanes16 AddNeighbours(Lanes16 bytes)
+{
+    return {_mm_maddubs_epi16(bytes.v, _mm_set1_epi8(1))};
+}
+
+/// Of each 16 bytes the numbers up to 255 of `a` and those of `b`.
+VECTOR inline Lanes16 Narrow(Lanes16 a, Lanes16 b)
+{
+    return {_mm_packus_epi16(a.v, b.v)};
+}
+
+/// Each 16 bytes, `distance` bytes from the ones before.
+VECTOR inline void LoadApart(const u8* bytes, size_t, Lanes16* out)
+{
+    *out = Lanes16::Load(bytes);
+}
+
 /// Each 16 bytes, `distance` numbers from the ones before.
 VECTOR inline void StoreApart(u16* numbers, size_t, Lanes16 in)
 {

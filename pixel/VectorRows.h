@@ -237,6 +237,6 @@ VECTOR void CrossFour24(u8* const* targets, const u8* const* sources, size_t col
 constexpr RowKernels vectorRows = {StoreRow24,     BlendRow24,      InvertRow24,    BlendMaskRows24,
                                    ReverseRow24,   CopyMaskedRow24, CompositeRow24, DitherRow,
                                    LumaRow24,      BlendTextRow,    PlaceColumns,   SumRows,
-                                   AverageColumns, CrossFour24,     StretchBlocks};
+                                   AverageColumns, HalveRows24,     CrossFour24,    StretchBlocks};
 
 } // namespace vector
