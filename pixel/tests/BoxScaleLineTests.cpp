@@ -94,6 +94,39 @@ TEST_F(BoxScaleLine, TheBrightestPixelsThereAreAreItsFormulaForAnyNumberOfThem)
     }
 }
 
+TEST_F(BoxScaleLine, HalvesAndWhatIsNearlyHalfAreTheirFormula)
+{
+    constexpr u32 sizes[][2] = {{2, 2}, {18, 4}, {34, 6}, {66, 8}, {100, 10}, {258, 4}, {1300, 2}};
+    for (const auto& [width, height] : sizes)
+        for (const u32 more : {0u, 1u}) {
+            Twin source(width + more, height, 24, width);
+            CheckAll(source, height / 2, width / 2);
+            CheckAll(source, height, width / 2);
+            CheckAll(source, height / 2, width);
+            CheckAll(source, height / 2, width / 2 + 1);
+            Twin tall(width, height + more, 24, height);
+            CheckAll(tall, height / 2, width / 2);
+        }
+}
+
+TEST_F(BoxScaleLine, ReductionsByWholeNumbersAreTheirFormulaAcrossTiles)
+{
+    for (u32 factor = 2; factor <= 20; ++factor) {
+        Twin source(1500, 2 * factor, 24, factor);
+        CheckAll(source, 2, 1500 / factor);
+        CheckAll(source, 3, 1500 / factor + 1);
+    }
+}
+
+TEST_F(BoxScaleLine, AHalfWhoseSecondLineDoesNotLockTakesTheFirstTwice)
+{
+    Twin source(40, 6, 24, 3, Storage::Paging);
+    source.Refuse(3);
+    for (u32 row = 0; row < 3; ++row)
+        Check(source, row, 3, 20);
+    ExpectSame({&source});
+}
+
 TEST_F(BoxScaleLine, ReductionsSoLargeThatWeightsFallToNothingAreItsFormula)
 {
     Twin wide(3000, 3, 24, 1);

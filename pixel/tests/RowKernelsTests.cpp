@@ -1,6 +1,7 @@
 // The rows' loops of every level of the processor against the plain ones: every count up to some
 // blocks and long rows, every place of the first byte, and not a byte beside the row.
 
+#include "pixel/BoxRow.h"
 #include "pixel/OrderedDither.h"
 #include "pixel/PlainRows.h"
 #include "pixel/RowKernels.h"
@@ -8,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <random>
 #include <vector>
 
@@ -69,6 +72,9 @@ protected:
                 ASSERT_EQ(drawn, expected) << count << " pixels at place " << place;
             }
     }
+
+    /// All bits of a number, or few of them.
+    u32 RandomNumber() { return static_cast<u32>(random()) >> random() % 32; }
 
     const RowKernels* kernels = nullptr;
     std::mt19937 random{1};
@@ -268,6 +274,195 @@ TEST_P(RowKernelsTest, ExchangesRowsAndColumnsOfFour)
                 ASSERT_EQ(lines[1][n], lines[0][n]) << count << " rows, column " << column + n;
             EXPECT_EQ(lines[0][3][4 + 3], rows[1][3 * (column + 3)]);
         }
+}
+
+namespace
+{
+
+constexpr u32 boxColumns = 300; // of the rows that are averaged
+
+/// Rows of three groups, of bytes of both ends of the scale.
+struct BoxGroupsOfRows {
+    std::vector<Bytes> bytes;
+    std::vector<const u8*> pointers;
+    BoxRows rows;
+
+    template <typename Random>
+    BoxGroupsOfRows(u32 between, u32 last, const Random& random)
+    {
+        for (u32 i = 0; i < between + 2; ++i)
+            bytes.push_back(random(size_t{3} * boxColumns));
+        for (const Bytes& row : bytes)
+            pointers.push_back(row.data());
+        const u8* const* const first = pointers.data();
+        rows = {
+            {first, first + 1, first + 1 + between}, {1024, 1024, 1024 * last}, {1, between, last}};
+    }
+};
+
+using Numbers = std::vector<u16>;
+
+/// Sums of whole rows, with what may be read behind them.
+Numbers PlainSums(const BoxRows& rows)
+{
+    constexpr size_t bytes = size_t{3} * boxColumns;
+    Numbers sums(bytes * BoxGroups + BoxSumsBeside, 0);
+    plain::SumRows(sums.data(), rows, 0, bytes);
+    return sums;
+}
+
+constexpr u32 rowCounts[] = {0, 1, 2, 3, 4, 5, 64, 65, 127, 128, 129, 200, 255, 256};
+
+} // namespace
+
+TEST_P(RowKernelsTest, SumsUpToThreeGroupsOfRows)
+{
+    for (const u32 between : rowCounts)
+        for (const u32 last : {0u, 1u}) {
+            const BoxGroupsOfRows of(between, last, [&](size_t count) { return Random(count); });
+            for (size_t bytes = 0; bytes <= 101; ++bytes)
+                for (size_t offset = 0; offset < 64; offset += 7) {
+                    Numbers drawn(110 * BoxGroups, 7);
+                    Numbers expected = drawn;
+                    kernels->sumRows(drawn.data() + 4, of.rows, offset, bytes);
+                    plain::SumRows(expected.data() + 4, of.rows, offset, bytes);
+                    ASSERT_EQ(drawn, expected) << between << " rows, " << bytes << " bytes";
+                }
+        }
+}
+
+TEST_P(RowKernelsTest, SumsOfTheBrightestRowsFillTheirNumbers)
+{
+    const BoxGroupsOfRows of(256, 1, [](size_t count) { return Bytes(count, 255); });
+    Numbers sums(99 * BoxGroups, 7);
+    kernels->sumRows(sums.data(), of.rows, 0, 99);
+    for (size_t i = 0; i < sums.size(); i += BoxGroups)
+        ASSERT_EQ(Numbers(sums.begin() + static_cast<std::ptrdiff_t>(i),
+                          sums.begin() + static_cast<std::ptrdiff_t>(i + BoxGroups)),
+                  (Numbers{255, 128 * 255, 255, 128 * 255}));
+}
+
+TEST_P(RowKernelsTest, PlacesColumnsOfEveryRatio)
+{
+    for (u32 round = 0; round < 2000; ++round) {
+        const u32 size = 1 + static_cast<u32>(random()) % (round % 4 == 0 ? 100000 : 1000);
+        const u32 width = 1 + static_cast<u32>(random()) % (round % 3 == 0 ? 100 : 2000);
+        const u32 pixel = static_cast<u32>(random()) % width;
+        const u32 count = 1 + static_cast<u32>(random()) % std::min(BoxTilePixels, width - pixel);
+        const BoxAxis axis = MakeBoxAxis(size, width);
+        BoxColumns columns = {};
+        kernels->placeColumns(&columns, axis, pixel, count);
+        ASSERT_EQ(columns.count, count);
+        ASSERT_EQ(columns.unit, axis.unit);
+        const u32 begin = BoxSpanOf(axis, pixel).first;
+        for (u32 i = 0; i < count; ++i) {
+            const BoxSpan span = BoxSpanOf(axis, pixel + i);
+            const u32 end = std::min(span.last, size - 1);
+            const bool hasLast = span.last > span.first && span.last < size;
+            ASSERT_EQ(columns.first[i], span.first - begin) << size << " to " << width;
+            ASSERT_EQ(columns.last[i], end - begin) << size << " to " << width;
+            ASSERT_EQ(columns.between[i], end - span.first - (hasLast ? 1 : 0));
+            ASSERT_EQ(columns.firstCovers[i], span.firstCover);
+            ASSERT_EQ(columns.lastCovers[i], hasLast ? span.lastCover : 0);
+        }
+    }
+}
+
+TEST_P(RowKernelsTest, AveragesColumnsOfAnyCovers)
+{
+    for (u32 round = 0; round < 300; ++round) {
+        const u32 between = rowCounts[round % std::size(rowCounts)];
+        const u32 last = static_cast<u32>(random()) % 2;
+        BoxGroupsOfRows of(between, last, [&](size_t count) {
+            return round % 5 == 0 ? Bytes(count, 255) : Random(count);
+        });
+        const u32 least = round % 3 == 0 ? 0 : 64; // whose weights hardly ever make 0
+        of.rows.covers[0] = RandomNumber() | least;
+        of.rows.covers[1] = between > 0 ? RandomNumber() : 0;
+        of.rows.covers[2] = last > 0 ? RandomNumber() : 0;
+        BoxColumns columns = {};
+        columns.count = 1 + static_cast<u32>(random()) % BoxTilePixels;
+        columns.unit = RandomNumber();
+        const u32 most = round % 2 == 0 ? 5 : boxColumns;
+        for (u32 i = 0; i < columns.count; ++i) {
+            columns.first[i] = static_cast<u32>(random()) % boxColumns;
+            const u32 behind = boxColumns - 1 - columns.first[i];
+            columns.between[i] = static_cast<u32>(random()) % (std::min(behind, most) + 1);
+            columns.last[i] = static_cast<u32>(random()) % boxColumns;
+            columns.firstCovers[i] = RandomNumber() | least;
+            columns.lastCovers[i] = RandomNumber();
+        }
+        const Numbers sums = PlainSums(of.rows);
+        Bytes drawn(3 * BoxTilePixels + 20, 77);
+        Bytes expected = drawn;
+        kernels->averageColumns(drawn.data() + 3, sums.data(), of.rows, columns);
+        plain::AverageColumns(expected.data() + 3, sums.data(), of.rows, columns);
+        ASSERT_EQ(drawn, expected) << columns.count << " pixels, " << between << " rows";
+    }
+}
+
+TEST_P(RowKernelsTest, PixelsWhoseWeightsMakeNothingOrOneAreAmongTheOthers)
+{
+    // A row cover of 1 and a column cover of 16 make a weight of 1.
+    BoxGroupsOfRows of(1, 0, [&](size_t count) { return Random(count); });
+    of.rows.covers[0] = 1;
+    of.rows.covers[1] = 0;
+    const Numbers sums = PlainSums(of.rows);
+    for (u32 count = 1; count <= 40; ++count)
+        for (u32 at = 0; at < count; ++at)
+            for (const u32 cover : {0u, 15u, 16u, 31u, 32u, 1u << 24}) {
+                BoxColumns columns = {};
+                columns.count = count;
+                for (u32 i = 0; i < count; ++i) {
+                    columns.first[i] = i;
+                    columns.firstCovers[i] = i == at ? cover : 1024;
+                }
+                Bytes drawn(3 * count + 20, 77);
+                kernels->averageColumns(drawn.data(), sums.data(), of.rows, columns);
+                Bytes expected(3 * count + 20, 77);
+                for (u32 i = 0; i < 3 * count; ++i)
+                    if (cover >= 16 || i / 3 != at)
+                        expected[i] = of.bytes[0][i];
+                ASSERT_EQ(drawn, expected) << count << " pixels, cover " << cover << " at " << at;
+            }
+}
+
+TEST_P(RowKernelsTest, AQuotientOfAllBitsGivesItsLowByte)
+{
+    // 32 columns of a weight of 2^27 make 0, and what they bring to the sum has no low byte.
+    BoxGroupsOfRows of(0, 0, [&](size_t count) { return Random(count); });
+    of.rows.covers[0] = 1;
+    const Numbers sums = PlainSums(of.rows);
+    BoxColumns columns = {};
+    columns.count = 100;
+    columns.unit = 1u << 31;
+    for (u32 i = 0; i < columns.count; ++i) {
+        columns.first[i] = i;
+        columns.firstCovers[i] = 16;
+        columns.between[i] = 32;
+    }
+    Bytes drawn(3 * columns.count);
+    kernels->averageColumns(drawn.data(), sums.data(), of.rows, columns);
+    EXPECT_EQ(drawn, Bytes(of.bytes[0].begin(), of.bytes[0].begin() + 300));
+}
+
+TEST_P(RowKernelsTest, HalvesTwoRows)
+{
+    for (size_t count = 0; count <= 101; ++count)
+        for (size_t place = 0; place < 16; ++place) {
+            const Bytes upper = Random(place + 6 * count);
+            const Bytes lower = Random(6 * count);
+            Bytes drawn(3 * count + 16, 77);
+            Bytes expected = drawn;
+            kernels->halveRows24(drawn.data() + 3, upper.data() + place, lower.data(), count);
+            plain::HalveRows24(expected.data() + 3, upper.data() + place, lower.data(), count);
+            ASSERT_EQ(drawn, expected) << count << " pixels at place " << place;
+        }
+    const u8 pixels[] = {1, 255, 0, 2, 255, 0};
+    const u8 others[] = {3, 255, 1, 1, 255, 2};
+    u8 out[3];
+    kernels->halveRows24(out, pixels, others, 1);
+    EXPECT_EQ(Bytes(out, out + 3), (Bytes{1, 255, 0}));
 }
 
 TEST(ProcessorLevels, TheHighestThatIsThereIsInUse)
