@@ -159,14 +159,19 @@ VECTOR inline Column SumColumns(const u16* sums, u32 count)
     return sum;
 }
 
-// `most`: the columns whose sums fit into 15 bits.
-VECTOR inline Weighed WeighBetween(const u16* sums, u32 count, u32 most, const Weighed& unit,
+// What all columns between the ends have in common.
+struct Between {
+    Weighed weights;
+    u32 most; // columns whose sums fit into 15 bits
+};
+
+VECTOR inline Weighed WeighBetween(const u16* sums, u32 count, const Between& between,
                                    Weighed weighed)
 {
-    for (; count > most; count -= most, sums += 3 * BoxGroups * most)
-        weighed = Add(weighed, WeighColumn(SumColumns(sums, most), unit));
+    for (; count > between.most; count -= between.most, sums += 3 * BoxGroups * between.most)
+        weighed = Add(weighed, WeighColumn(SumColumns(sums, between.most), between.weights));
     if (count > 0)
-        weighed = Add(weighed, WeighColumn(SumColumns(sums, count), unit));
+        weighed = Add(weighed, WeighColumn(SumColumns(sums, count), between.weights));
     return weighed;
 }
 
@@ -178,9 +183,9 @@ VECTOR inline Weighed WeighEnds(const u16* first, const u16* last, const TileWei
         WeighColumn(Column::Load(last), WeightsAt(weights.last.low + i, weights.last.high + i)));
 }
 
-// The low byte of each of four quotients; that of the fourth is of no account. The reciprocal and
-// the product, rounded to 53 bits, move a quotient of 32 bits by less than the half that the sum
-// has more does, which does not bring it up to a whole number.
+// The low byte of each of four quotients; that of the fourth is of no account. A sum of 32 bits and
+// a half, by the weights w, lies at least 1/2 / w from every whole number. The reciprocal and the
+// product are each rounded to 53 bits, which moves it by less than 2^-19 / w.
 VECTOR inline int Divide(const Weighed& weighed, const double* reciprocal)
 {
     const Column sums = AddPairs(AddSums(weighed.low, ShiftSums<15>(weighed.high)));
@@ -195,14 +200,13 @@ VECTOR void PlaceColumns(BoxColumns* columns, const BoxAxis& axis, u32 pixel, u3
 
 // A pixel's bytes, and one of no account.
 VECTOR inline int AveragePixel(const u16* sums, const TileWeights& weights,
-                               const BoxColumns& columns, u32 i, u32 most)
+                               const BoxColumns& columns, u32 i, const Between& between)
 {
     constexpr size_t step = 3 * BoxGroups;
     const u16* const first = sums + step * columns.first[i];
     const u16* const last = sums + step * columns.last[i];
-    const Weighed unit = WeightsAt(&weights.unitLow, &weights.unitHigh);
-    const Weighed weighed = WeighBetween(first + step, columns.between[i], most, unit,
-                                         WeighEnds(first, last, weights, i));
+    const Weighed weighed =
+        WeighBetween(first + step, columns.between[i], between, WeighEnds(first, last, weights, i));
     return Divide(weighed, weights.reciprocals + i);
 }
 
@@ -212,13 +216,14 @@ VECTOR void AverageColumns(u8* out, const u16* sums, const BoxRows& rows, const 
     // The quotient by 1 may need all of 32 bits.
     if (!FillTileWeights(&weights, rows, columns))
         return plain::AverageColumns(out, sums, rows, columns);
-    const u32 most = HalfBoxRows / std::clamp(rows.counts[1], u32{1}, HalfBoxRows);
+    const Between between = {WeightsAt(&weights.unitLow, &weights.unitHigh),
+                             HalfBoxRows / std::clamp(rows.counts[1], u32{1}, HalfBoxRows)};
     const u32 last = columns.count - 1;
     for (u32 i = 0; i < last; ++i, out += 3) {
-        const int pixel = AveragePixel(sums, weights, columns, i, most);
+        const int pixel = AveragePixel(sums, weights, columns, i, between);
         memcpy(out, &pixel, 4); // the next pixel comes over the fourth byte
     }
-    const int pixel = AveragePixel(sums, weights, columns, last, most);
+    const int pixel = AveragePixel(sums, weights, columns, last, between);
     memcpy(out, &pixel, 3);
 }
 
