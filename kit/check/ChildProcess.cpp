@@ -1,5 +1,7 @@
 #include "kit/check/ChildProcess.h"
 
+#include "kit/check/ProcessorWait.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
@@ -24,6 +26,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr size_t MostErrors = 64 * 1024;
 constexpr int PollMilliseconds = 5;
+constexpr std::chrono::milliseconds WaitInterval{50}; // between two looks at the scheduler's count
+constexpr int MostStretch = 10;                       // of the limit, however busy the machine
 
 bool inChild = false;
 
@@ -69,12 +73,42 @@ void TakeErrors(int pipe, std::string* errors)
             errors->append(buffer, static_cast<size_t>(got));
 }
 
-ChildOutcome Watch(pid_t child, int pipe, Clock::time_point limit)
+/// A child's time, less what it waited for a processor.
+class Limit
+{
+public:
+    Limit(pid_t child, double seconds)
+        : start(Clock::now()), lastLook(start), waited(0), wait(child),
+          limit(std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds)))
+    {
+    }
+
+    bool IsReached()
+    {
+        const Clock::time_point now = Clock::now();
+        if (now - lastLook >= WaitInterval) {
+            waited += wait.Since();
+            lastLook = now;
+        }
+        const Clock::duration taken = now - start;
+        return taken - waited >= limit || taken >= MostStretch * limit;
+    }
+
+private:
+    Clock::time_point start;
+    Clock::time_point lastLook;
+    Clock::duration waited;
+    ProcessorWait wait;
+    Clock::duration limit;
+};
+
+ChildOutcome Watch(pid_t child, int pipe, double seconds)
 {
     ChildOutcome outcome;
+    Limit limit(child, seconds);
     int status = 0;
     while (waitpid(child, &status, WNOHANG) == 0) {
-        if (Clock::now() >= limit) {
+        if (limit.IsReached()) {
             outcome.how = ChildOutcome::TimedOut;
             kill(-child, SIGKILL);
             kill(child, SIGKILL);
@@ -112,8 +146,6 @@ ChildOutcome RunChild(const ChildPlan& plan)
     int ends[2];
     if (!MakeHome(home) || pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
         return outcome;
-    const auto limit = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                          std::chrono::duration<double>(plan.seconds));
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
@@ -123,7 +155,7 @@ ChildOutcome RunChild(const ChildPlan& plan)
     }
     close(ends[1]);
     if (child > 0)
-        outcome = Watch(child, ends[0], limit);
+        outcome = Watch(child, ends[0], plan.seconds);
     close(ends[0]);
     std::error_code ignored;
     fs::remove_all(home, ignored);

@@ -20,6 +20,8 @@ struct ChildPlan {
     /// The work. Behind it the process ends with a status of its own, without the end of a program:
     /// a plugin's exit() is told from it by what the work noted.
     std::function<void()> work;
+    /// What it may take. On a busy machine the wait for a processor does not count, but for ten
+    /// times as long at most.
     double seconds = 20;
     /// A folder of this run; the child gets one of its own in it, which is removed behind it.
     std::string folder;
