@@ -273,6 +273,38 @@ TEST_F(MessageQueueTest, ACallIsCarriedFromAWorkerToTheUserInterfaceThread)
     EXPECT_EQ(ranOn, std::this_thread::get_id());
 }
 
+// Whether the thread is about to sleep, asleep or just awake when a call comes: no wake-up is
+// missed.
+TEST_F(MessageQueueTest, CallsBehindPausesOfAnyLengthAreAllAnswered)
+{
+    constexpr int Calls = 3000;
+    std::atomic<int> served{0};
+    std::atomic<int> wrong{0};
+    const auto call = [&](int seed) {
+        for (int i = 0; i < Calls; ++i) {
+            const auto pause = std::chrono::microseconds(i % 64 == 0 ? 3000 : (i * 7 + seed) % 100);
+            const auto end = std::chrono::steady_clock::now() + pause;
+            while (std::chrono::steady_clock::now() < end)
+                continue;
+            if (i % 3 == 0)
+                CallSoon([&]() -> LRESULT { return ++served; });
+            else if (RunOnUiThread([&, i]() -> LRESULT { return ++served, i; }) != i)
+                ++wrong;
+        }
+    };
+    std::thread one(call, 0);
+    std::thread other(call, 50);
+    std::thread last([&] {
+        one.join();
+        other.join();
+        PostMessageW(nullptr, WM_NULL, 0, 0);
+    });
+    (void)Get();
+    last.join();
+    EXPECT_EQ(served, 2 * Calls);
+    EXPECT_EQ(wrong, 0);
+}
+
 TEST_F(MessageQueueTest, MovesInARowBecomeOneButNeverPassAClick)
 {
     const TableWindow window;
