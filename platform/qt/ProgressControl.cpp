@@ -1,7 +1,7 @@
 // The class msctls_progress32: a bar from a lowest to a highest position. A worker that reports by
-// SendMessageW waits for the answer, so nothing is drawn before the answer goes out: the bar is drawn
-// by the loop right behind it, while the worker works on, and a position that moves no pixel draws
-// nothing at all.
+// SendMessageW waits for the answer, so nothing is drawn before the answer goes out: the bar is
+// drawn by the loop behind it, while the worker works on, no more often than a display shows it,
+// and a position that moves no pixel draws nothing at all.
 #include "platform/qt/ControlMessages.h"
 #include "platform/qt/ControlSupport.h"
 #include "platform/qt/StockClasses.h"
@@ -11,7 +11,10 @@
 
 #include <commctrl.h>
 
+#include <QBasicTimer>
+#include <QElapsedTimer>
 #include <QPainter>
+#include <QTimerEvent>
 #include <QWidget>
 
 #include <algorithm>
@@ -20,6 +23,10 @@ namespace tavrix::platform
 {
 namespace
 {
+
+// A short job reports a hundred times within this: each report would else wait for the drawing of
+// the one before.
+constexpr int FrameMilliseconds = 16;
 
 struct ProgressState {
     int lowest = 0;
@@ -36,18 +43,33 @@ public:
         setAttribute(Qt::WA_OpaquePaintEvent);
     }
 
-    /// The bar follows the state at the loop's next turn.
+    /// The bar follows the state at the loop's next turn, or when the last drawing is old enough.
     void Follow()
     {
-        if (FilledWidth() == drawn)
+        if (FilledWidth() == drawn || nextFrame.isActive())
             return;
-        update();
+        const qint64 age = lastFrame.isValid() ? lastFrame.elapsed() : FrameMilliseconds;
+        if (age >= FrameMilliseconds)
+            update();
+        else
+            nextFrame.start(static_cast<int>(FrameMilliseconds - age), Qt::PreciseTimer, this);
     }
 
 protected:
+    void timerEvent(QTimerEvent* event) override
+    {
+        if (event->timerId() != nextFrame.timerId()) {
+            QWidget::timerEvent(event);
+            return;
+        }
+        nextFrame.stop();
+        update();
+    }
+
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
+        lastFrame.start();
         drawn = FilledWidth();
         painter.setPen(QColor(0x80, 0x80, 0x80));
         painter.setBrush(Qt::white);
@@ -69,6 +91,8 @@ private:
     // Shared with the window, which may be gone before the widget's last paint.
     std::shared_ptr<const ProgressState> state;
     int drawn = -1;
+    QElapsedTimer lastFrame; // since the last drawing
+    QBasicTimer nextFrame;
 };
 
 ProgressState& StateOf(Window& window)
