@@ -19,8 +19,9 @@ export XDG_RUNTIME_DIR=$work LC_ALL=C.UTF-8
 export LSAN_OPTIONS=suppressions=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../leaks.supp"):print_suppressions=0
 unset WAYLAND_DISPLAY TAVRIX_SHOT QT_QPA_PLATFORM
 
-# Without -r a key that is slow to come up on a busy machine repeats.
-Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp -r >"$work/display" 2>"$work/server.log" &
+# Without -r a key that is slow to come up on a busy machine repeats. A server without -noreset begins
+# anew when the last program leaves it, and turns away whoever comes in that moment.
+Xvfb -displayfd 1 -screen 0 1024x768x24 -nolisten tcp -r -noreset >"$work/display" 2>"$work/server.log" &
 started=($! "${started[@]}")
 for _ in $(seq 100); do
     [ -s "$work/display" ] && break

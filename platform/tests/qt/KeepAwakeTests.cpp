@@ -244,7 +244,7 @@ TEST(KeepAwakeWithoutABus, AResetDoesNothingAndSaysNothing)
 TEST(KeepAwakeOnX11, AResetStartsTheServersIdleTimeAnew)
 {
     const Helper server(
-        {"Xvfb", "-displayfd", "1", "-screen", "0", "320x240x24", "-nolisten", "tcp"});
+        {"Xvfb", "-displayfd", "1", "-screen", "0", "320x240x24", "-nolisten", "tcp", "-noreset"});
     ASSERT_FALSE(server.line.empty());
     setenv("DISPLAY", (":" + server.line).c_str(), 1);
     setenv("QT_QPA_PLATFORM", "xcb", 1);
